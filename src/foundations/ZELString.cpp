@@ -1,0 +1,152 @@
+// ZELString keeps a text of up to 31 bytes in the object and a longer one in one heap block of its own; _room tells
+// which (0: in the object). A block, once had, is kept until the string ends or takes over another: a string that is
+// filled again and again settles.
+//
+// Invariants: Text()[_length] is NUL; _room is 0 or more than 31; _length <= _room when _room is not 0.
+// The dangerous case is an argument that lies inside the string that is being changed: nothing of the old text may be
+// freed or overwritten before the argument has been copied.
+
+#include "ZELString.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <utility>
+
+#include "foundations/text_search.h"
+
+namespace {
+
+// Lengths and positions are int in the interface.
+constexpr std::size_t MaxLength = 0x7FFFFFFE;
+
+char* AllocateText(std::size_t length) noexcept {
+    char* const text = length <= MaxLength ? static_cast<char*>(std::malloc(length + 1)) : nullptr;
+    if (text == nullptr) {
+        std::printf("# Alloc failed in ZELString (size: %zu)\n", length);
+        std::fflush(stdout);
+    }
+    return text;
+}
+
+}  // namespace
+
+void ZELString::FreeText() noexcept {
+    std::free(_long);
+}
+
+void ZELString::SetLength(std::size_t length) noexcept {
+    _length = static_cast<std::uint32_t>(length);
+    Text()[length] = '\0';
+}
+
+// Replaces the text by `text`, which may lie inside the old one.
+void ZELString::Assign(std::string_view text) noexcept {
+    const std::size_t room = _room != 0 ? _room : InlineCapacity;
+    if (text.size() <= room) {
+        std::memmove(Text(), text.data(), text.size());
+        SetLength(text.size());
+        return;
+    }
+    char* const block = AllocateText(text.size());
+    if (block == nullptr) return;
+    std::memcpy(block, text.data(), text.size());
+    if (_room != 0) FreeText();
+    _long = block;
+    _room = static_cast<std::uint32_t>(text.size());
+    SetLength(text.size());
+}
+
+// Moves the text into a block with room for at least `length` bytes; false when there is none.
+bool ZELString::Grow(std::size_t length) noexcept {
+    // Half as much again, so that a text that is built piece by piece is moved a logarithmic number of times.
+    const std::size_t generous = std::min(std::max(length, _length + std::size_t{_length} / 2), MaxLength);
+    if (_room != 0 && generous >= length) {
+        // realloc moves large blocks by their pages and often extends them in place.
+        if (char* const block = static_cast<char*>(std::realloc(_long, generous + 1))) {
+            _long = block;
+            _room = static_cast<std::uint32_t>(generous);
+            return true;
+        }
+    }
+    char* const block = AllocateText(std::max(length, std::size_t{InlineCapacity} + 1));
+    if (block == nullptr) return false;
+    std::memcpy(block, Text(), std::size_t{_length} + 1);
+    if (_room != 0) FreeText();
+    _long = block;
+    _room = static_cast<std::uint32_t>(std::max(length, std::size_t{InlineCapacity} + 1));
+    return true;
+}
+
+ZELString& ZELString::Append(std::string_view text) noexcept {
+    const std::size_t length = _length + text.size();
+    if (length > (_room != 0 ? _room : InlineCapacity)) {
+        // The argument may lie in the block that is about to move: it is found again by its offset.
+        const std::less<const char*> before;
+        const char* const old = Text();
+        const bool inside = !before(text.data(), old) && !before(old + _length, text.data());
+        const std::size_t offset = inside ? static_cast<std::size_t>(text.data() - old) : 0;
+        if (!Grow(length)) return *this;
+        if (inside) text = {Text() + offset, text.size()};
+    }
+    std::memmove(Text() + _length, text.data(), text.size());
+    SetLength(length);
+    return *this;
+}
+
+void ZELString::Reserve(std::size_t length) noexcept {
+    if (length > (_room != 0 ? _room : InlineCapacity)) Grow(length);
+}
+
+ZELString ZELString::Join(std::string_view left, std::string_view right) noexcept {
+    ZELString joined;
+    const std::size_t length = left.size() + right.size();
+    if (length > InlineCapacity && !joined.Grow(length)) return joined;
+    char* const text = joined.Text();
+    std::memcpy(text, left.data(), left.size());
+    std::memcpy(text + left.size(), right.data(), right.size());
+    joined.SetLength(length);
+    return joined;
+}
+
+int ZELString::FindPosition(const ZELString& what, int from) const noexcept {
+    if (from < 0) return -1;
+    const std::size_t position = FindText(View(), what.View(), static_cast<std::size_t>(from));
+    return position == std::string_view::npos ? -1 : static_cast<int>(position);
+}
+
+ZELString ZELString::SubString(std::size_t start, std::size_t count) const noexcept {
+    return start < _length ? ZELString(View().substr(start, count)) : ZELString();
+}
+
+int ZELString::ReplaceSubString(const ZELString& what, const ZELString& by) noexcept {
+    constexpr std::size_t npos = std::string_view::npos;
+    const std::string_view text = View();
+    const std::string_view old = what.View();
+    std::size_t occurrences = 0;
+    for (std::size_t at = FindText(text, old, 0); at != npos; at = FindText(text, old, at + old.size())) ++occurrences;
+    if (occurrences == 0) return 0;
+
+    // Built apart, since either argument may be this very string.
+    const std::size_t length = text.size() - occurrences * old.size() + occurrences * by._length;
+    ZELString result;
+    if (length > InlineCapacity && !result.Grow(length)) return 0;
+    std::size_t done = 0;
+    for (std::size_t at = FindText(text, old, 0); at != npos; at = FindText(text, old, done)) {
+        result.Append(text.substr(done, at - done)).Append(by.View());
+        done = at + old.size();
+    }
+    result.Append(text.substr(done));
+    *this = std::move(result);
+    return static_cast<int>(occurrences);
+}
+
+ZELString& ZELString::ToUpper() noexcept {
+    char* const text = Text();
+    for (std::size_t i = 0; i < _length; ++i) {
+        const bool lower = text[i] >= 'a' && text[i] <= 'z';
+        text[i] = static_cast<char>(text[i] - (lower ? 'a' - 'A' : 0));
+    }
+    return *this;
+}
