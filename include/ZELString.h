@@ -117,7 +117,15 @@ public:
     ZELString& operator+=(Character character) noexcept {
         return Append(std::string_view(&character, 1));
     }
-    ZELString& Append(std::string_view text) noexcept;
+    ZELString& Append(std::string_view text) noexcept {
+        if (text.size() > Room() - _length) {
+            AppendGrowing(text);
+        } else {
+            std::memmove(Text() + _length, text.data(), text.size());
+            SetLength(_length + text.size());
+        }
+        return *this;
+    }
 
     ZELString operator+(const ZELString& text) const noexcept { return Join(View(), text.View()); }
     ZELString operator+(const char* text) const noexcept { return Join(View(), text ? text : ""); }
@@ -161,6 +169,11 @@ public:
 private:
     const char* Text() const noexcept { return _room != 0 ? _long : _short; }
     char* Text() noexcept { return _room != 0 ? _long : _short; }
+    std::size_t Room() const noexcept { return _room != 0 ? _room : InlineCapacity; }
+    void SetLength(std::size_t length) noexcept {
+        _length = static_cast<std::uint32_t>(length);
+        Text()[length] = '\0';
+    }
     // A negative position arrives here as a huge one.
     ZELChar At(std::uint64_t position) const noexcept { return ZELChar(position < _length ? Text()[position] : '\0'); }
     void CopyObject(const ZELString& other) noexcept {
@@ -174,7 +187,7 @@ private:
         _room = 0;
     }
     void Assign(std::string_view text) noexcept;
-    void SetLength(std::size_t length) noexcept;
+    void AppendGrowing(std::string_view text) noexcept;
     bool Grow(std::size_t length) noexcept;
     void FreeText() noexcept;
     static ZELString Join(std::string_view left, std::string_view right) noexcept;

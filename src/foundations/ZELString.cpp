@@ -36,15 +36,9 @@ void ZELString::FreeText() noexcept {
     std::free(_long);
 }
 
-void ZELString::SetLength(std::size_t length) noexcept {
-    _length = static_cast<std::uint32_t>(length);
-    Text()[length] = '\0';
-}
-
 // Replaces the text by `text`, which may lie inside the old one.
 void ZELString::Assign(std::string_view text) noexcept {
-    const std::size_t room = _room != 0 ? _room : InlineCapacity;
-    if (text.size() <= room) {
+    if (text.size() <= Room()) {
         std::memmove(Text(), text.data(), text.size());
         SetLength(text.size());
         return;
@@ -58,45 +52,41 @@ void ZELString::Assign(std::string_view text) noexcept {
     SetLength(text.size());
 }
 
-// Moves the text into a block with room for at least `length` bytes; false when there is none.
+// Moves the text into a block with room for at least `length` characters; false when there is none.
 bool ZELString::Grow(std::size_t length) noexcept {
-    // Half as much again, so that a text that is built piece by piece is moved a logarithmic number of times.
-    const std::size_t generous = std::min(std::max(length, _length + std::size_t{_length} / 2), MaxLength);
-    if (_room != 0 && generous >= length) {
-        // realloc moves large blocks by their pages and often extends them in place.
-        if (char* const block = static_cast<char*>(std::realloc(_long, generous + 1))) {
-            _long = block;
-            _room = static_cast<std::uint32_t>(generous);
+    // Twice the room, so that a text that is built piece by piece is moved a logarithmic number of times.
+    const std::size_t room = length > MaxLength ? length : std::min(std::max(length, 2 * Room()), MaxLength);
+    // realloc moves large blocks by their pages; small ones are cheaper to copy by hand.
+    constexpr std::uint32_t ReallocatedFrom = 1024;
+    if (_room >= ReallocatedFrom && room <= MaxLength) {
+        if (char* const moved = static_cast<char*>(std::realloc(_long, room + 1))) {
+            _long = moved;
+            _room = static_cast<std::uint32_t>(room);
             return true;
         }
     }
-    char* const block = AllocateText(std::max(length, std::size_t{InlineCapacity} + 1));
+    char* const block = AllocateText(room);
     if (block == nullptr) return false;
     std::memcpy(block, Text(), std::size_t{_length} + 1);
     if (_room != 0) FreeText();
     _long = block;
-    _room = static_cast<std::uint32_t>(std::max(length, std::size_t{InlineCapacity} + 1));
+    _room = static_cast<std::uint32_t>(room);
     return true;
 }
 
-ZELString& ZELString::Append(std::string_view text) noexcept {
-    const std::size_t length = _length + text.size();
-    if (length > (_room != 0 ? _room : InlineCapacity)) {
-        // The argument may lie in the block that is about to move: it is found again by its offset.
-        const std::less<const char*> before;
-        const char* const old = Text();
-        const bool inside = !before(text.data(), old) && !before(old + _length, text.data());
-        const std::size_t offset = inside ? static_cast<std::size_t>(text.data() - old) : 0;
-        if (!Grow(length)) return *this;
-        if (inside) text = {Text() + offset, text.size()};
-    }
-    std::memmove(Text() + _length, text.data(), text.size());
-    SetLength(length);
-    return *this;
+// Appends what does not fit. `text` may lie in the block that is about to move: it is found again by its offset.
+void ZELString::AppendGrowing(std::string_view text) noexcept {
+    const std::less<const char*> before;
+    const char* const old = Text();
+    const bool inside = !before(text.data(), old) && !before(old + _length, text.data());
+    const std::size_t offset = inside ? static_cast<std::size_t>(text.data() - old) : 0;
+    if (!Grow(_length + text.size())) return;
+    std::memcpy(Text() + _length, inside ? Text() + offset : text.data(), text.size());
+    SetLength(_length + text.size());
 }
 
 void ZELString::Reserve(std::size_t length) noexcept {
-    if (length > (_room != 0 ? _room : InlineCapacity)) Grow(length);
+    if (length > Room()) Grow(length);
 }
 
 ZELString ZELString::Join(std::string_view left, std::string_view right) noexcept {

@@ -1,13 +1,13 @@
 // The usual search, memchr for the first character and memcmp for the rest, is the fastest on real text and quadratic
-// on texts like "aaaa...". It is given a budget of comparisons in proportion to what it has passed; a text that uses it
-// up is finished with the Knuth-Morris-Pratt search, whose cost does not depend on the texts. That one needs four bytes
-// per character of `what`; without the memory for them the usual search goes on alone.
+// on texts like "aaaa...". So a long `what` is sought by its first 16 characters, and what is compared beyond them is
+// charged to a budget in proportion to the text that was passed; a text that uses the budget up is finished with the
+// Knuth-Morris-Pratt search, whose cost does not depend on the texts. That one needs four bytes per character of
+// `what`; without the memory for them the usual search goes on alone.
 
 #include "foundations/text_search.h"
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
 namespace {
@@ -47,28 +47,18 @@ std::size_t FindByBorders(std::string_view text, std::string_view what, std::siz
 
 }  // namespace
 
-std::size_t FindText(std::string_view text, std::string_view what, std::size_t from) noexcept {
-    if (what.empty() || from > text.size() || what.size() > text.size() - from) return npos;
-    const char* const lastStart = text.data() + (text.size() - what.size());
-    const char* position = text.data() + from;
+std::size_t FindLongText(std::string_view text, std::string_view what, std::size_t from) noexcept {
+    const std::string_view head = what.substr(0, SearchHeadSize);
+    const std::string_view rest = what.substr(SearchHeadSize);
+    const std::string_view heads = text.substr(0, text.size() - rest.size());
     std::size_t compared = 0;
-    bool mayRescue = true;
-    while (position <= lastStart) {
-        const auto room = static_cast<std::size_t>(lastStart - position) + 1;
-        position = static_cast<const char*>(std::memchr(position, what.front(), room));
-        if (position == nullptr) return npos;
-        if (std::memcmp(position + 1, what.data() + 1, what.size() - 1) == 0)
-            return static_cast<std::size_t>(position - text.data());
-        ++position;
-
-        // A comparison is charged at its full length although most end early: the rescue then comes a little too soon
-        // for some harmless texts, at no harm to the result.
-        const auto passed = static_cast<std::size_t>(position - text.data()) - from;
-        compared += what.size();
-        if (mayRescue && compared > 64 * passed + 65536) {
-            if (const BorderTable borders = MakeBorders(what))
-                return FindByBorders(text, what, from + passed, borders.get());
-            mayRescue = false;
+    for (std::size_t at = from; (at = FindShortText(heads, head, at)) != npos; ++at) {
+        if (std::memcmp(text.data() + at + SearchHeadSize, rest.data(), rest.size()) == 0) return at;
+        compared += rest.size();
+        if (compared > 32 * (at - from) + 65536) {
+            const BorderTable borders = MakeBorders(what);
+            if (borders) return FindByBorders(text, what, at + 1, borders.get());
+            compared = 0;
         }
     }
     return npos;

@@ -3,10 +3,46 @@
 #define FOUNDATIONS_TEXT_SEARCH_H
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
+
+// For a `what` that is longer than its head; the callers have checked that it fits behind `from`.
+inline constexpr std::size_t SearchHeadSize = 16;
+std::size_t FindLongText(std::string_view text, std::string_view what, std::size_t from) noexcept;
+
+// Whether `size` characters (at most SearchHeadSize) are the same: two overlapping words instead of a call of memcmp.
+inline bool SameHead(const char* left, const char* right, std::size_t size) noexcept {
+    const auto sameWord = [&]<class Word>(Word, std::size_t at) {
+        Word one, other;
+        std::memcpy(&one, left + at, sizeof one);
+        std::memcpy(&other, right + at, sizeof other);
+        return one == other;
+    };
+    if (size >= 8) return sameWord(std::uint64_t{}, 0) && sameWord(std::uint64_t{}, size - 8);
+    if (size >= 4) return sameWord(std::uint32_t{}, 0) && sameWord(std::uint32_t{}, size - 4);
+    while (size > 0 && left[size - 1] == right[size - 1]) --size;
+    return size == 0;
+}
+
+// For a `what` so short that comparing it anew at each position is linear enough; it fits behind `from`.
+inline std::size_t FindShortText(std::string_view text, std::string_view what, std::size_t from) noexcept {
+    const char* position = text.data() + from;
+    const char* const end = text.data() + (text.size() - what.size()) + 1;
+    while ((position = static_cast<const char*>(
+                std::memchr(position, what.front(), static_cast<std::size_t>(end - position)))) != nullptr) {
+        if (SameHead(position, what.data(), what.size())) return static_cast<std::size_t>(position - text.data());
+        if (++position == end) break;
+    }
+    return std::string_view::npos;
+}
 
 // The position of the first occurrence of `what` in `text` that begins at or after `from`; npos when there is none,
 // when `what` is empty, or when `from` lies outside. Linear in the lengths, whatever the two texts are.
-std::size_t FindText(std::string_view text, std::string_view what, std::size_t from) noexcept;
+// In the header because a call costs as much as a search in a short text.
+inline std::size_t FindText(std::string_view text, std::string_view what, std::size_t from) noexcept {
+    if (what.empty() || from > text.size() || what.size() > text.size() - from) return std::string_view::npos;
+    return what.size() <= SearchHeadSize ? FindShortText(text, what, from) : FindLongText(text, what, from);
+}
 
 #endif
