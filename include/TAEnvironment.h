@@ -78,7 +78,6 @@ public:
 
 private:
     void copy(const TAEnvVariable& other) noexcept;
-    bool MakeBuffer(int capacity) noexcept;
 
     char* _name;
     char* _buffer;  // room for the name, "=" and _capacity bytes
