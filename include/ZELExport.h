@@ -19,11 +19,11 @@
 
 // Lets compilers check the arguments of printf-style functions; positions count from 1, `this` included.
 #if defined(__MINGW32__)
-#define ZEL_PRINTF_LIKE(format, first) __attribute__((format(gnu_printf, format, first)))
+#define ZEL_PRINTF_LIKE(text, first) __attribute__((__format__(__gnu_printf__, text, first)))
 #elif defined(__GNUC__)
-#define ZEL_PRINTF_LIKE(format, first) __attribute__((format(printf, format, first)))
+#define ZEL_PRINTF_LIKE(text, first) __attribute__((__format__(__printf__, text, first)))
 #else
-#define ZEL_PRINTF_LIKE(format, first)
+#define ZEL_PRINTF_LIKE(text, first)
 #endif
 
 #endif

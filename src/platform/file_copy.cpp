@@ -1,0 +1,16 @@
+// What the two halves of the copy share: names for temporary files. Process id and a counter make names that differ
+// within the machine; a clash beyond it is the caller's to notice, by creating exclusively.
+
+#include "platform/file_copy.h"
+
+#include <atomic>
+#include <cstdio>
+
+#include "platform/system.h"
+
+void platform::MakeTemporaryName(char (&name)[TemporaryNameSize]) noexcept {
+    static std::atomic<unsigned> next = 0;
+    const unsigned number = next.fetch_add(1, std::memory_order_relaxed);
+    const unsigned process = static_cast<unsigned>(GetOwnProcessId());
+    std::snprintf(name, sizeof name, "zel%04x%04x.tmp", process & 0xFFFF, number & 0xFFFF);
+}

@@ -1,0 +1,28 @@
+// Names of modules and functions, cut to the room of a FrameName. The demangler takes memory from the C heap; when it
+// fails, the symbol itself serves.
+
+#include "platform/frame_text.h"
+
+#include <cxxabi.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+void platform::SetModule(FrameName& name, const char* path, std::uintptr_t offset) noexcept {
+    const std::size_t separator = std::string_view(path).find_last_of("/\\");
+    const char* const file = separator == std::string_view::npos ? path : path + separator + 1;
+    std::snprintf(name.module, sizeof name.module, "%s", file);
+    name.moduleOffset = offset;
+}
+
+void platform::SetFunction(FrameName& name, const char* symbol, std::uintptr_t offset) noexcept {
+    int status = -1;
+    char* const readable = abi::__cxa_demangle(symbol, nullptr, nullptr, &status);
+    // Without "_Z" a symbol that happens to spell a type, as "f" does, would come back as that type.
+    const bool mangled = readable != nullptr && symbol[0] == '_' && symbol[1] == 'Z';
+    std::snprintf(name.function, sizeof name.function, "%s", mangled ? readable : symbol);
+    std::free(readable);
+    name.functionOffset = offset;
+}

@@ -1,0 +1,36 @@
+// The disk boundary: every path that a caller gave passes here on its way to the system.
+//
+// Path values hold backslashes on both targets. On Linux a backslash becomes a slash, and a drive prefix stands for the
+// root: "C:\temp" is "/temp", "C:" is "/", while "a:b" is a name like any other. On Windows the text goes to the system
+// as it is. Names that came from a directory listing never pass here: they may hold backslashes of their own.
+#ifndef PLATFORM_PATHS_H
+#define PLATFORM_PATHS_H
+
+#include <cstddef>
+
+namespace platform {
+
+// The form of one path that the system's calls take. Keeps the caller's text where nothing has to change in it, so the
+// text must outlive the object.
+class NativePath {
+public:
+    explicit NativePath(const char* path) noexcept;
+    NativePath(const NativePath&) = delete;
+    NativePath& operator=(const NativePath&) = delete;
+    ~NativePath();
+
+    // Null when the path was null or memory ran out (said on standard output).
+    const char* Text() const noexcept { return _text; }
+
+private:
+    const char* _text;
+    char* _block = nullptr;  // malloc'd; null while _text is the caller's or lies in _room
+    char _room[256];
+};
+
+// Turns a path of the system into a path value, in place and of the same length.
+void ToPathValue(char* nativePath) noexcept;
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,61 @@
+// A listing is the system's own directory stream. Kinds that the stream does not tell are asked for, relative to the
+// open directory and without following links.
+
+#include "platform/directories.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+
+#include "platform/paths.h"
+#include "platform/posix/descriptor.h"
+
+namespace {
+
+platform::EntryKind KindOfMode(mode_t mode) {
+    if (S_ISREG(mode)) return platform::EntryKind::File;
+    if (S_ISDIR(mode)) return platform::EntryKind::Directory;
+    if (S_ISLNK(mode)) return platform::EntryKind::Link;
+    return platform::EntryKind::Other;
+}
+
+platform::EntryKind KindOfEntry(DIR* directory, const dirent& entry) {
+    if (entry.d_type != DT_UNKNOWN) return KindOfMode(DTTOIF(entry.d_type));
+    struct stat status;
+    const int result = fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW);
+    return result == 0 ? KindOfMode(status.st_mode) : platform::EntryKind::Other;
+}
+
+}  // namespace
+
+bool platform::DirectoryListing::Open(const char* path) noexcept {
+    Close();
+    const NativePath native(path);
+    if (native.Text() == nullptr) return false;
+    Descriptor descriptor(RetryInterrupted([&] { return open(native.Text(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (!descriptor.IsOpen()) return false;
+    _state = fdopendir(descriptor.Number());
+    if (_state != nullptr) descriptor.Release();
+    return _state != nullptr;
+}
+
+void platform::DirectoryListing::Close() noexcept {
+    if (_state != nullptr) closedir(static_cast<DIR*>(_state));
+    _state = nullptr;
+}
+
+platform::ListingStep platform::DirectoryListing::Next(const char** name, EntryKind* kind) noexcept {
+    if (_state == nullptr) return ListingStep::Error;
+    DIR* const directory = static_cast<DIR*>(_state);
+    const dirent* entry;
+    do {
+        errno = 0;
+        entry = readdir(directory);
+    } while (entry == nullptr && errno == EINTR);
+    if (entry == nullptr) return errno == 0 ? ListingStep::End : ListingStep::Error;
+    *name = entry->d_name;
+    *kind = KindOfEntry(directory, *entry);
+    return ListingStep::Entry;
+}

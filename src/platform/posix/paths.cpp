@@ -1,0 +1,31 @@
+// The disk boundary on Linux. Paths that hold no backslash and no drive, the common case here, are passed on uncopied;
+// others of up to 255 bytes are turned inside the object.
+
+#include "platform/paths.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "foundations/console.h"
+#include "platform/slash_path.h"
+
+platform::NativePath::NativePath(const char* path) noexcept : _text(path) {
+    if (path == nullptr || !NeedsSlashPath(path)) return;
+    const std::size_t size = std::strlen(path) + 1;
+    char* room = _room;
+    if (size > sizeof _room) {
+        room = _block = static_cast<char*>(std::malloc(size));
+        if (room == nullptr) ReportAllocFailure("NativePath", size);
+    }
+    if (room != nullptr) WriteSlashPath(path, room);
+    _text = room;
+}
+
+platform::NativePath::~NativePath() {
+    std::free(_block);
+}
+
+void platform::ToPathValue(char* nativePath) noexcept {
+    for (char* c = nativePath; *c != '\0'; ++c)
+        if (*c == '/') *c = '\\';
+}

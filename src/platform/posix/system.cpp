@@ -1,0 +1,70 @@
+// Facts about a Linux machine and process.
+
+#include "platform/system.h"
+
+#include <sys/utsname.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "foundations/console.h"
+#include "platform/paths.h"
+#include "platform/posix/descriptor.h"
+
+bool platform::GetHost(char* name, std::size_t size) noexcept {
+    // A name that does not fit may come back cut and without its terminator.
+    return gethostname(name, size) == 0 && std::memchr(name, '\0', size) != nullptr;
+}
+
+bool platform::GetWorkingDirectory(char* path, std::size_t size) noexcept {
+    if (getcwd(path, size) == nullptr || path[0] != '/') return false;  // no slash: out of reach of this process's root
+    ToPathValue(path);
+    return true;
+}
+
+bool platform::SetWorkingDirectory(const char* path) noexcept {
+    const NativePath native(path);
+    return native.Text() != nullptr && RetryInterrupted([&] { return chdir(native.Text()); }) == 0;
+}
+
+bool platform::GetSystemVersion(OSVERSIONINFOEXW& version) noexcept {
+    version = {};
+    version.dwOSVersionInfoSize = sizeof version;
+    utsname system;
+    if (uname(&system) != 0) return false;
+    std::sscanf(system.release, "%9u.%9u.%9u", &version.dwMajorVersion, &version.dwMinorVersion,
+                &version.dwBuildNumber);
+    return true;
+}
+
+int platform::GetProcessorCount() noexcept {
+    return static_cast<int>(std::max(sysconf(_SC_NPROCESSORS_ONLN), 1L));
+}
+
+bool platform::IsAdministrator() noexcept {
+    return geteuid() == 0;
+}
+
+int platform::GetOwnProcessId() noexcept {
+    return getpid();
+}
+
+const char* platform::GetEnvironment(const char* name) noexcept {
+    return std::getenv(name);
+}
+
+bool platform::PutEnvironment(const char* assignment) noexcept {
+    const char* const equals = std::strchr(assignment, '=');
+    if (equals == nullptr || equals == assignment) return false;
+    // Only a copy of the name is needed: the C runtime copies what it keeps.
+    char* const name = strndup(assignment, static_cast<std::size_t>(equals - assignment));
+    if (name == nullptr) {
+        ReportAllocFailure("PutEnvironment", static_cast<std::size_t>(equals - assignment));
+        return false;
+    }
+    const int result = equals[1] != '\0' ? setenv(name, equals + 1, 1) : unsetenv(name);
+    std::free(name);
+    return result == 0;
+}

@@ -1,0 +1,25 @@
+// Local time from the C runtime, whose static results are one per thread.
+
+#include "platform/clock.h"
+
+#include <time.h>
+
+#include <cstring>
+
+bool platform::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
+    const __time64_t instant = seconds;
+    const tm* const broken = _localtime64(&instant);
+    if (broken == nullptr) return false;
+    time = {broken->tm_year + 1900, broken->tm_mon + 1, broken->tm_mday,
+            broken->tm_hour,        broken->tm_min,     broken->tm_sec};
+    return true;
+}
+
+bool platform::ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept {
+    const __time64_t instant = seconds;
+    const char* const line = _ctime64(&instant);
+    const bool told = line != nullptr && std::strlen(line) == ClockTextLength + 1;
+    if (told) std::memcpy(text, line, ClockTextLength);
+    text[told ? ClockTextLength : 0] = '\0';
+    return told;
+}

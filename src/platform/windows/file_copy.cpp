@@ -1,0 +1,137 @@
+// A copy has five steps: look at the source, find the file that the target's name leads to, compare the two, let the
+// system copy into a temporary file beside the target, give that the target's name.
+//
+// The dangerous cases are a target that is the source under another name (nothing may be truncated before the two are
+// compared), and a target that is a device: both are settled by the file's identity before anything is written.
+// The system's copy keeps attributes, so the temporary file may be read-only when it has to go.
+
+#include "platform/file_copy.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "platform/paths.h"
+
+namespace {
+
+class FileHandle {
+public:
+    FileHandle(const char* path, DWORD access) noexcept
+        : _handle(CreateFileA(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)) {}
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+    ~FileHandle() {
+        if (IsOpen()) CloseHandle(_handle);
+    }
+    HANDLE Handle() const noexcept { return _handle; }
+    bool IsOpen() const noexcept { return _handle != INVALID_HANDLE_VALUE; }
+    // Whether it is a file with contents; `about` is filled then.
+    bool IsRegular(BY_HANDLE_FILE_INFORMATION& about) const noexcept {
+        return GetFileType(_handle) == FILE_TYPE_DISK && GetFileInformationByHandle(_handle, &about) &&
+               (about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    }
+
+private:
+    HANDLE _handle;
+};
+
+bool IsSameFile(const BY_HANDLE_FILE_INFORMATION& left, const BY_HANDLE_FILE_INFORMATION& right) {
+    return left.dwVolumeSerialNumber == right.dwVolumeSerialNumber && left.nFileIndexHigh == right.nFileIndexHigh &&
+           left.nFileIndexLow == right.nFileIndexLow;
+}
+
+// Replaces the name of a link by the name of the file it leads to.
+bool FollowLink(const FileHandle& file, char (&path)[MAX_PATH]) {
+    const DWORD attributes = GetFileAttributesA(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return true;
+    char target[MAX_PATH + 4];
+    const DWORD length = GetFinalPathNameByHandleA(file.Handle(), target, sizeof target, FILE_NAME_NORMALIZED);
+    if (length == 0 || length >= sizeof target) return false;
+    const bool prefixed = std::strncmp(target, "\\\\?\\", 4) == 0 && std::strncmp(target + 4, "UNC\\", 4) != 0;
+    std::strcpy(path, target + (prefixed ? 4 : 0));
+    return true;
+}
+
+// Looks at the target and replaces its name if it is a link. ZELCopyDone: the way is free, or `sameFile` is set.
+ZELCopyStatus CheckTarget(char (&path)[MAX_PATH], const BY_HANDLE_FILE_INFORMATION& source, bool replaceExisting,
+                          bool& sameFile) {
+    const FileHandle target(path, 0);
+    if (!target.IsOpen()) {
+        // A link that leads nowhere exists, while its file does not.
+        const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
+        return missing && GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES ? ZELCopyDone : ZELCopyTargetUnwritable;
+    }
+    BY_HANDLE_FILE_INFORMATION about;
+    const bool regular = target.IsRegular(about);
+    sameFile = regular && IsSameFile(source, about);
+    if (sameFile) return ZELCopyDone;
+    if (!replaceExisting) return ZELCopyTargetExists;
+    if (!regular || (about.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return ZELCopyTargetUnwritable;
+    return FollowLink(target, path) ? ZELCopyDone : ZELCopyTargetUnwritable;
+}
+
+// Writes the path of a temporary file beside `target`.
+bool MakeTemporaryPath(const char* target, char (&path)[MAX_PATH]) {
+    std::size_t folder = std::strlen(target);
+    while (folder > 0 && std::strchr("\\/:", target[folder - 1]) == nullptr) --folder;
+    char name[platform::TemporaryNameSize];
+    platform::MakeTemporaryName(name);
+    const int length = std::snprintf(path, sizeof path, "%.*s%s", static_cast<int>(folder), target, name);
+    return length > 0 && length < MAX_PATH;
+}
+
+void RemoveTemporary(const char* path) {
+    SetFileAttributesA(path, FILE_ATTRIBUTE_NORMAL);
+    DeleteFileA(path);
+}
+
+// Fills a new file beside `target`; its path is written.
+ZELCopyStatus CopyBeside(const char* source, const char* target, char (&temporary)[MAX_PATH]) {
+    constexpr int MostAttempts = 1000;
+    for (int attempt = 0; attempt < MostAttempts; ++attempt) {
+        if (!MakeTemporaryPath(target, temporary)) return ZELCopyTargetUnwritable;
+        if (CopyFileA(source, temporary, TRUE)) return ZELCopyDone;
+        const DWORD error = GetLastError();
+        if (error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS) continue;
+        // The system does not say which side failed. Nothing of that name was there before, so what is there is ours.
+        RemoveTemporary(temporary);
+        return FileHandle(source, GENERIC_READ).IsOpen() ? ZELCopyTargetUnwritable : ZELCopySourceUnreadable;
+    }
+    return ZELCopyTargetUnwritable;
+}
+
+bool IsText(const char* path) {
+    return path != nullptr && *path != '\0';
+}
+
+}  // namespace
+
+ZELCopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+    if (!IsText(from) || !IsText(to)) return ZELCopyNullArgument;
+    const NativePath nativeFrom(from);
+    const NativePath nativeTo(to);
+
+    BY_HANDLE_FILE_INFORMATION source;
+    {
+        const FileHandle file(nativeFrom.Text(), 0);
+        if (!file.IsOpen()) return ZELCopySourceUnreadable;
+        if (!file.IsRegular(source)) return ZELCopySourceNotRegular;
+    }
+    char target[MAX_PATH];
+    if (std::strlen(nativeTo.Text()) >= sizeof target) return ZELCopyTargetUnwritable;
+    std::strcpy(target, nativeTo.Text());
+    bool sameFile = false;
+    const ZELCopyStatus checked = CheckTarget(target, source, replaceExisting, sameFile);
+    if (checked != ZELCopyDone || sameFile) return checked;
+
+    char temporary[MAX_PATH];
+    const ZELCopyStatus copied = CopyBeside(nativeFrom.Text(), target, temporary);
+    if (copied != ZELCopyDone) return copied;
+    if (MoveFileExA(temporary, target, replaceExisting ? MOVEFILE_REPLACE_EXISTING : 0)) return ZELCopyDone;
+    const DWORD error = GetLastError();
+    RemoveTemporary(temporary);
+    return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS ? ZELCopyTargetExists : ZELCopyTargetUnwritable;
+}

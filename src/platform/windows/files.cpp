@@ -1,0 +1,24 @@
+// Streams are made from the C runtime's descriptors, which can be closed to children from birth.
+
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include "platform/paths.h"
+
+std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept {
+    const NativePath native(path);
+    if (native.Text() == nullptr) return nullptr;
+    const int flags = _O_WRONLY | _O_CREAT | _O_TEXT | _O_NOINHERIT | (append ? _O_APPEND : _O_TRUNC);
+    const int descriptor = _open(native.Text(), flags, _S_IREAD | _S_IWRITE);
+    if (descriptor < 0) return nullptr;
+    std::FILE* const stream = _fdopen(descriptor, append ? "a" : "w");
+    if (stream == nullptr) {
+        _close(descriptor);
+        return nullptr;
+    }
+    std::setvbuf(stream, nullptr, _IONBF, 0);
+    return stream;
+}
