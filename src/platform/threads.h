@@ -1,0 +1,16 @@
+// Threads, as far as the standard library does not tell.
+#ifndef PLATFORM_THREADS_H
+#define PLATFORM_THREADS_H
+
+namespace platform {
+
+// The system's number of the calling thread, never 0.
+unsigned int CurrentThreadId() noexcept;
+
+// Names the calling thread for debuggers and system tools. Names that the system finds too long are cut; a system
+// that has no names for threads changes nothing.
+void NameCurrentThread(const char* name) noexcept;
+
+}  // namespace platform
+
+#endif
