@@ -9,11 +9,11 @@
 #include "ZELString.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <utility>
 
+#include "foundations/console.h"
 #include "foundations/text_search.h"
 
 namespace {
@@ -23,10 +23,7 @@ constexpr std::size_t MaxLength = 0x7FFFFFFE;
 
 char* AllocateText(std::size_t length) noexcept {
     char* const text = length <= MaxLength ? static_cast<char*>(std::malloc(length + 1)) : nullptr;
-    if (text == nullptr) {
-        std::printf("# Alloc failed in ZELString (size: %zu)\n", length);
-        std::fflush(stdout);
-    }
+    if (text == nullptr) ReportAllocFailure("ZELString", length);
     return text;
 }
 

@@ -8,7 +8,6 @@
 
 #include "ZELThreads.h"
 
-#include <cstdio>
 #include <exception>
 #include <mutex>
 #include <new>
@@ -16,6 +15,7 @@
 
 #include "ZELTrace.h"
 #include "foundations/binary_semaphore.h"
+#include "foundations/console.h"
 #include "platform/threads.h"
 
 int ZELMutex::Lock() noexcept {
@@ -58,8 +58,7 @@ ZELThreads::ZELThreads(const char* name) noexcept : _name(name) {
     try {
         _state = std::make_shared<State>();
     } catch (const std::bad_alloc&) {
-        std::printf("# Alloc failed in ZELThreads\n");
-        std::fflush(stdout);
+        ReportAllocFailure("ZELThreads", sizeof(State));
     }
 }
 
