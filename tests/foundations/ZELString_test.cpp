@@ -2,4 +2,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(ZELString, Smoke) { EXPECT_EQ(ZELString("a") + "b", "ab"); }
+TEST(ZELString, Smoke) {
+    EXPECT_EQ(ZELString("a") + "b", "ab");
+}
