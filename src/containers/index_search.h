@@ -1,0 +1,81 @@
+// The hidden half of a large TAIndex: finds keys without touching most of them, and lets insertions move little.
+#ifndef CONTAINERS_INDEX_SEARCH_H
+#define CONTAINERS_INDEX_SEARCH_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "containers/sorted_arrays.h"
+
+// How `key`, which holds no NUL, compares with a stored text. Reads neither beyond its end.
+int CompareKey(std::string_view key, const char* stored) noexcept;
+
+class TAIndexSearch {
+public:
+    // The plain arrays of the index. Staged entries are not in them; `count` does not count them.
+    struct Entries {
+        char** keys;
+        void** values;
+        int count;
+    };
+    // What a look-up found; `place` counts only when nothing is staged.
+    struct Hit {
+        void* value;
+        int place;
+        bool found;
+    };
+    // Where a key stands, or where it would have to be inserted.
+    struct Spot {
+        int place;   // in the plain arrays
+        int staged;  // entries of the staging area that stand before it
+        char* key;   // the stored key, or null when absent
+    };
+
+    // Null when there is no memory. The entries are never empty from here on.
+    static TAIndexSearch* Create(const Entries& entries) noexcept;
+    ~TAIndexSearch();
+    TAIndexSearch(const TAIndexSearch&) = delete;
+    TAIndexSearch& operator=(const TAIndexSearch&) = delete;
+
+    int Staged() const noexcept { return _staged; }
+    // Makes room for `count` settled entries; false, and nothing changed, when there is no memory.
+    bool Reserve(int count) noexcept;
+
+    // Both look through the plain arrays and the staging area.
+    Hit LookUp(std::string_view key, const Entries& entries) const noexcept;
+    Spot Find(std::string_view key, const Entries& entries) const noexcept;
+    // Adds an absent key at its spot, to the arrays or to the staging area. The arrays have room for everything.
+    void Insert(Spot spot, const Entries& entries, char* key, void* value) noexcept;
+    // Moves the staged entries into the arrays.
+    void Settle(const Entries& entries) noexcept;
+    // To be called after an entry has left the arrays; nothing is staged.
+    void Remove(int place, int oldCount) noexcept { RemoveItem(_words, oldCount, place); }
+
+private:
+    struct Record {
+        char* key;
+        void* value;
+        int place;  // in the plain arrays, as they stand without the staged entries
+    };
+
+    TAIndexSearch() noexcept = default;
+    template <class KeyAt>
+    IndexPlace FindByWord(const std::uint64_t* words, int count, std::uint64_t word, std::string_view key,
+                          KeyAt keyAt) const noexcept;
+    void Narrow(std::size_t prefix, const Entries& entries) noexcept;
+    void MakeWords(const Entries& entries) noexcept;
+    bool PrepareStage(int count) noexcept;
+
+    std::uint64_t* _words = nullptr;  // of the plain arrays' keys
+    int _room = 0;                    // of _words
+    std::size_t _prefix = 0;          // bytes that all keys have in common; the words start behind them
+
+    int _staged = 0;
+    int _stageRoom = 0;
+    std::uint64_t* _stageWords = nullptr;  // of the staged keys, ascending
+    int* _slots = nullptr;                 // the record of each of them
+    Record* _records = nullptr;            // in the order of arrival: sorting moves 12 bytes for each entry, not 32
+};
+
+#endif
