@@ -29,7 +29,7 @@ ZELXMLNode::ZELXMLNode(const ZELXMLNode& other) noexcept {
     SwapContent(bare);
 }
 
-ZELXMLNode::ZELXMLNode(ZELXMLNode&& other) noexcept {
+ZELXMLNode::ZELXMLNode(ZELXMLNode&& other) noexcept : ZELXMLNode() {
     SwapContent(other);
 }
 
