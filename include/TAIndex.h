@@ -23,11 +23,10 @@
 #ifndef TAINDEX_H
 #define TAINDEX_H
 
-#include <string_view>
-
 #include "ZELExport.h"
 
 class TAIndexSearch;
+struct SoughtKey;
 
 class ZEL_API TAIndex {
 public:
@@ -82,8 +81,8 @@ private:
     }
     bool IsInline() const noexcept { return _keys == _inlineKeys; }
     bool HoldsAfterSettling(int position) const noexcept;
-    Spot Find(const char* key, std::string_view text) const noexcept;
-    int PositionOf(std::string_view key) const noexcept;
+    Spot Find(const SoughtKey& key) const noexcept;
+    int PositionOf(const SoughtKey& key) const noexcept;
     void Insert(const Spot& spot, char* key, void* value) noexcept;
     void Settle() const noexcept;
     void PrepareSearch() noexcept;

@@ -15,7 +15,7 @@
 namespace {
 
 // Below this size a few string comparisons beat the search for words.
-constexpr int SearchFrom = 16;
+constexpr int SearchFrom = 8;
 
 char* CopyKey(std::string_view key) noexcept {
     char* const copy = static_cast<char*>(std::malloc(key.size() + 1));
@@ -82,7 +82,6 @@ void TAIndex::CopyFields(const TAIndex& other) noexcept {
 
 // Turns a view into an index with entries of its own; false, and still a view, when memory ran out.
 bool TAIndex::BecomeOwner() noexcept {
-    if (!_isView) return true;
     TAIndex own(*this);
     if (own._count != _count) return false;
     const bool isInline = own.IsInline();
@@ -95,7 +94,7 @@ bool TAIndex::BecomeOwner() noexcept {
     return true;
 }
 
-int TAIndex::PositionOf(std::string_view key) const noexcept {
+int TAIndex::PositionOf(const SoughtKey& key) const noexcept {
     if (_settled != _count) Settle();
     if (_search != nullptr) {
         const TAIndexSearch::Hit hit = _search->LookUp(key, {_keys, _values, _count});
@@ -107,33 +106,33 @@ int TAIndex::PositionOf(std::string_view key) const noexcept {
 
 void* TAIndex::operator[](const char* key) const noexcept {
     if (key == nullptr) return nullptr;
-    if (_search != nullptr) return _search->LookUp(key, {_keys, _values, _count - _search->Staged()}).value;
+    if (_search != nullptr) return _search->LookUp({key, true}, {_keys, _values, _count - _search->Staged()}).value;
     const IndexPlace place = FindPlace(_count, [&](int i) { return std::strcmp(key, _keys[i]); });
     return place.found ? _values[place.position] : nullptr;
 }
 
 int TAIndex::IsIn(const char* key) const noexcept {
-    return key != nullptr ? PositionOf(key) : -1;
+    return key != nullptr ? PositionOf({key, true}) : -1;
 }
 
 int TAIndex::IsIn(const char* key, int length) const noexcept {
     if (key == nullptr || length < 0) return -1;
     const std::size_t size = static_cast<std::size_t>(length);
     const bool isShorter = std::memchr(key, '\0', size) != nullptr;
-    return isShorter ? -1 : PositionOf({key, size});
+    return isShorter ? -1 : PositionOf({{key, size}, false});
 }
 
-TAIndex::Spot TAIndex::Find(const char* key, std::string_view text) const noexcept {
-    if (_search != nullptr) return {_search->Find(text, {_keys, _values, _count - _search->Staged()})};
-    const IndexPlace place = FindInsertPlace(_count, [&](int i) { return std::strcmp(key, _keys[i]); });
-    return {{place.position, 0, place.found ? _keys[place.position] : nullptr}};
+TAIndex::Spot TAIndex::Find(const SoughtKey& key) const noexcept {
+    if (_search != nullptr) return {_search->Find(key, {_keys, _values, _count - _search->Staged()})};
+    const IndexPlace place = FindInsertPlace(_count, [&](int i) { return CompareKey(key, _keys[i]); });
+    return {{place.position, 0, place.found ? _keys[place.position] : nullptr, 0, 0}};
 }
 
 const char* TAIndex::Append(const char* key, void* value) noexcept {
     if (key == nullptr) return nullptr;
     const std::string_view text(key);
     if (!_isView) PrepareSearch();
-    const Spot spot = Find(key, text);
+    const Spot spot = Find({text, true});
     if (spot.key != nullptr) return spot.key;
     if (_isView) return BecomeOwner() ? Append(key, value) : nullptr;
     if (increaseAllocSize() != 0) return nullptr;
@@ -179,7 +178,7 @@ void TAIndex::Settle() const noexcept {
 }
 
 int TAIndex::RemovePosition(int position) noexcept {
-    if (!Holds(position) || !BecomeOwner()) return 1;
+    if (!Holds(position) || (_isView && !BecomeOwner())) return 1;
     std::free(_keys[position]);
     RemoveItem(_keys, _count, position);
     RemoveItem(_values, _count, position);
@@ -208,7 +207,7 @@ int TAIndex::Reset() noexcept {
 }
 
 int TAIndex::increaseAllocSize() noexcept {
-    if (!BecomeOwner()) return 1;
+    if (_isView && !BecomeOwner()) return 1;
     GrowWhenNearlyFull(_keys, _values, _count, _allocated, _increment, _inlineKeys, _inlineValues);
     return 0;
 }

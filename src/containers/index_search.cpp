@@ -51,11 +51,6 @@ bool Resize(Item*& items, int room) noexcept {
 
 }  // namespace
 
-int CompareKey(std::string_view key, const char* stored) noexcept {
-    const int order = std::strncmp(key.data(), stored, key.size());
-    return order != 0 ? order : -static_cast<int>(stored[key.size()] != '\0');
-}
-
 TAIndexSearch* TAIndexSearch::Create(const Entries& entries) noexcept {
     TAIndexSearch* const search = new (std::nothrow) TAIndexSearch();
     if (search == nullptr) return nullptr;
@@ -70,7 +65,7 @@ TAIndexSearch* TAIndexSearch::Create(const Entries& entries) noexcept {
 }
 
 TAIndexSearch::~TAIndexSearch() {
-    std::free(_words);
+    if (_words != _firstWords) std::free(_words);
     std::free(_stageWords);
     std::free(_slots);
     std::free(_records);
@@ -79,7 +74,7 @@ TAIndexSearch::~TAIndexSearch() {
 bool TAIndexSearch::Reserve(int count) noexcept {
     if (count <= _room) return true;
     const int generous = count <= INT_MAX / 2 ? count * 2 : INT_MAX;
-    if (!Resize(_words, generous)) return false;
+    if (!MoveToSlots<std::uint64_t>(_words, generous, _firstWords, _room)) return false;
     _room = generous;
     return true;
 }
@@ -90,7 +85,7 @@ void TAIndexSearch::MakeWords(const Entries& entries) noexcept {
 }
 
 template <class KeyAt>
-IndexPlace TAIndexSearch::FindByWord(const std::uint64_t* words, int count, std::uint64_t word, std::string_view key,
+IndexPlace TAIndexSearch::FindByWord(const std::uint64_t* words, int count, std::uint64_t word, const SoughtKey& key,
                                      KeyAt keyAt) const noexcept {
     const int at = LowerBound(words, count, word);
     if (at == count || words[at] != word) return {at, false};
@@ -105,9 +100,9 @@ IndexPlace TAIndexSearch::FindByWord(const std::uint64_t* words, int count, std:
 }
 
 // A key that lacks the common prefix needs no test of its own here: it differs from whatever its word leads to.
-TAIndexSearch::Hit TAIndexSearch::LookUp(std::string_view key, const Entries& entries) const noexcept {
-    if (key.size() < _prefix) return {nullptr, 0, false};
-    const std::uint64_t word = WordOf(key.substr(_prefix));
+TAIndexSearch::Hit TAIndexSearch::LookUp(const SoughtKey& key, const Entries& entries) const noexcept {
+    if (key.text.size() < _prefix) return {nullptr, 0, false};
+    const std::uint64_t word = WordOf(key.text.substr(_prefix));
     const IndexPlace settled = FindByWord(_words, entries.count, word, key, [&](int i) { return entries.keys[i]; });
     if (settled.found) return {entries.values[settled.position], settled.position, true};
     if (_staged == 0) return {nullptr, 0, false};
@@ -117,32 +112,26 @@ TAIndexSearch::Hit TAIndexSearch::LookUp(std::string_view key, const Entries& en
     return {_records[_slots[fresh.position]].value, 0, true};
 }
 
-TAIndexSearch::Spot TAIndexSearch::Find(std::string_view key, const Entries& entries) const noexcept {
+TAIndexSearch::Spot TAIndexSearch::Find(const SoughtKey& key, const Entries& entries) const noexcept {
+    const std::string_view text = key.text;
     if (_prefix != 0) {
-        const std::size_t common = CommonPrefix(key.substr(0, _prefix), entries.keys[0]);
+        const char* const first = entries.keys[0];
+        const std::size_t common = CommonPrefix(text.substr(0, _prefix), first);
         if (common < _prefix) {
-            const bool isFirst = common == key.size() || static_cast<unsigned char>(key[common]) <
-                                                             static_cast<unsigned char>(entries.keys[0][common]);
-            return isFirst ? Spot{0, 0, nullptr} : Spot{entries.count, _staged, nullptr};
+            const bool isBefore = std::strcmp(text.data() + common, first + common) < 0;
+            return isBefore ? Spot{0, 0, nullptr, common, 0} : Spot{entries.count, _staged, nullptr, common, 0};
         }
     }
-    const std::uint64_t word = WordOf(key.substr(_prefix));
+    const std::uint64_t word = WordOf(text.substr(_prefix));
     // Keys that arrive in order are recognised at once.
-    if (word > _words[entries.count - 1]) return {entries.count, _staged, nullptr};
+    if (word > _words[entries.count - 1]) return {entries.count, _staged, nullptr, _prefix, word};
     const IndexPlace settled = FindByWord(_words, entries.count, word, key, [&](int i) { return entries.keys[i]; });
-    if (settled.found) return {settled.position, 0, entries.keys[settled.position]};
-    if (_staged == 0) return {settled.position, 0, nullptr};
+    if (settled.found) return {settled.position, 0, entries.keys[settled.position], _prefix, word};
+    if (_staged == 0) return {settled.position, 0, nullptr, _prefix, word};
     const IndexPlace fresh =
         FindByWord(_stageWords, _staged, word, key, [&](int i) { return _records[_slots[i]].key; });
-    if (!fresh.found) return {settled.position, fresh.position, nullptr};
-    return {settled.position, fresh.position, _records[_slots[fresh.position]].key};
-}
-
-// Shortens the common prefix to what a new key shares as well.
-void TAIndexSearch::Narrow(std::size_t prefix, const Entries& entries) noexcept {
-    if (prefix >= _prefix) return;
-    _prefix = prefix;
-    MakeWords(entries);
+    char* const stored = fresh.found ? _records[_slots[fresh.position]].key : nullptr;
+    return {settled.position, fresh.position, stored, _prefix, word};
 }
 
 // Room for one more staged entry; false when the area is full, or when it cannot be had.
@@ -155,10 +144,11 @@ bool TAIndexSearch::PrepareStage(int count) noexcept {
 }
 
 void TAIndexSearch::Insert(Spot spot, const Entries& entries, char* key, void* value) noexcept {
-    const std::string_view text(key);
-    Narrow(CommonPrefix(text.substr(0, _prefix), entries.keys[0]), entries);
-    const std::uint64_t word = WordOf(text.substr(_prefix));
-
+    if (spot.prefix < _prefix) {
+        _prefix = spot.prefix;
+        MakeWords(entries);
+        spot.word = WordOf(key + _prefix);
+    }
     Entries settled = entries;
     const bool isLast = spot.place == entries.count;
     if (!isLast && _staged > 0 && !PrepareStage(entries.count)) {
@@ -170,11 +160,11 @@ void TAIndexSearch::Insert(Spot spot, const Entries& entries, char* key, void* v
     if (isLast || settled.count < StageFrom || !PrepareStage(settled.count)) {
         InsertItem(settled.keys, settled.count, spot.place, key);
         InsertItem(settled.values, settled.count, spot.place, value);
-        InsertItem(_words, settled.count, spot.place, word);
+        InsertItem(_words, settled.count, spot.place, spot.word);
         return;
     }
     _records[_staged] = {key, value, spot.place};
-    InsertItem(_stageWords, _staged, spot.staged, word);
+    InsertItem(_stageWords, _staged, spot.staged, spot.word);
     InsertItem(_slots, _staged, spot.staged, _staged);
     ++_staged;
 }

@@ -8,8 +8,18 @@
 
 #include "containers/sorted_arrays.h"
 
-// How `key`, which holds no NUL, compares with a stored text. Reads neither beyond its end.
-int CompareKey(std::string_view key, const char* stored) noexcept;
+// A text that is looked for; it holds no NUL.
+struct SoughtKey {
+    std::string_view text;
+    bool isTerminated;  // a NUL follows: strcmp may be used, which is faster than its bounded kin
+};
+
+// How `key` compares with a stored text. Reads neither beyond its end.
+inline int CompareKey(const SoughtKey& key, const char* stored) noexcept {
+    if (key.isTerminated) return std::strcmp(key.text.data(), stored);
+    const int order = std::strncmp(key.text.data(), stored, key.text.size());
+    return order != 0 ? order : -static_cast<int>(stored[key.text.size()] != '\0');
+}
 
 class TAIndexSearch {
 public:
@@ -27,9 +37,11 @@ public:
     };
     // Where a key stands, or where it would have to be inserted.
     struct Spot {
-        int place;   // in the plain arrays
-        int staged;  // entries of the staging area that stand before it
-        char* key;   // the stored key, or null when absent
+        int place;           // in the plain arrays
+        int staged;          // entries of the staging area that stand before it
+        char* key;           // the stored key, or null when absent
+        std::size_t prefix;  // how much of the common prefix the key shares
+        std::uint64_t word;  // the key's word, when that is all of it
     };
 
     // Null when there is no memory. The entries are never empty from here on.
@@ -43,8 +55,9 @@ public:
     bool Reserve(int count) noexcept;
 
     // Both look through the plain arrays and the staging area.
-    Hit LookUp(std::string_view key, const Entries& entries) const noexcept;
-    Spot Find(std::string_view key, const Entries& entries) const noexcept;
+    Hit LookUp(const SoughtKey& key, const Entries& entries) const noexcept;
+    // For a key with a terminator.
+    Spot Find(const SoughtKey& key, const Entries& entries) const noexcept;
     // Adds an absent key at its spot, to the arrays or to the staging area. The arrays have room for everything.
     void Insert(Spot spot, const Entries& entries, char* key, void* value) noexcept;
     // Moves the staged entries into the arrays.
@@ -59,17 +72,18 @@ private:
         int place;  // in the plain arrays, as they stand without the staged entries
     };
 
-    TAIndexSearch() noexcept = default;
+    TAIndexSearch() noexcept {}  // _firstWords are left as they are
     template <class KeyAt>
-    IndexPlace FindByWord(const std::uint64_t* words, int count, std::uint64_t word, std::string_view key,
+    IndexPlace FindByWord(const std::uint64_t* words, int count, std::uint64_t word, const SoughtKey& key,
                           KeyAt keyAt) const noexcept;
-    void Narrow(std::size_t prefix, const Entries& entries) noexcept;
     void MakeWords(const Entries& entries) noexcept;
     bool PrepareStage(int count) noexcept;
 
-    std::uint64_t* _words = nullptr;  // of the plain arrays' keys
-    int _room = 0;                    // of _words
-    std::size_t _prefix = 0;          // bytes that all keys have in common; the words start behind them
+    static constexpr int FirstRoom = 32;
+    std::uint64_t _firstWords[FirstRoom];
+    std::uint64_t* _words = _firstWords;  // of the plain arrays' keys
+    int _room = FirstRoom;                // of _words
+    std::size_t _prefix = 0;              // bytes that all keys have in common; the words start behind them
 
     int _staged = 0;
     int _stageRoom = 0;

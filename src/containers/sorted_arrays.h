@@ -6,6 +6,7 @@
 #ifndef CONTAINERS_SORTED_ARRAYS_H
 #define CONTAINERS_SORTED_ARRAYS_H
 
+#include <bit>
 #include <climits>
 #include <cstddef>
 #include <cstdio>
@@ -88,6 +89,23 @@ bool MoveToSlots(Item*& items, int slots, const Item* inlineItems, int count) no
     return true;
 }
 
+// The slots that arrays of a recorded capacity really have. Small ones are rounded up, which spares most of the moves
+// that growth by small steps would cost.
+inline int SlotsFor(int capacity) noexcept {
+    const bool isSmall = capacity <= 1024;
+    return isSmall ? static_cast<int>(std::bit_ceil(static_cast<unsigned>(capacity))) : capacity;
+}
+
+// Gives both arrays the slots of another capacity; see MoveToSlots.
+template <class Key>
+bool ChangeCapacity(Key*& keys, void**& values, int count, int from, int to, const Key* inlineKeys,
+                    void* const* inlineValues) noexcept {
+    const bool isHeap = keys != nullptr && keys != inlineKeys;
+    if (isHeap && SlotsFor(from) == SlotsFor(to)) return true;
+    return MoveToSlots(keys, SlotsFor(to), inlineKeys, count) &&
+           MoveToSlots(values, SlotsFor(to), const_cast<void**>(inlineValues), count);
+}
+
 // Makes room for one more entry behind `count`. The step is constant at first and turns into half the capacity once
 // that exceeds ten steps, so that large indexes are moved a logarithmic number of times.
 template <class Key>
@@ -95,20 +113,19 @@ void GrowWhenNearlyFull(Key*& keys, void**& values, int count, int& allocated, i
                         const Key* inlineKeys = nullptr, void* const* inlineValues = nullptr) noexcept {
     if (count < allocated - 1) return;
     const bool grown = allocated <= INT_MAX - increment &&
-                       MoveToSlots(keys, allocated + increment, inlineKeys, count) &&
-                       MoveToSlots(values, allocated + increment, const_cast<void**>(inlineValues), count);
+                       ChangeCapacity(keys, values, count, allocated, allocated + increment, inlineKeys, inlineValues);
     FATAL(!grown, "TAIndex::increaseAllocSize failed, memory allocation failed");
     allocated += increment;
     if (allocated > increment * 10LL) increment = allocated / 2;
 }
 
-// Two new arrays of `slots` slots. False, and both null, when there is no memory or none is asked for.
+// Two new arrays of a capacity of `slots`. False, and both null, when there is no memory or none is asked for.
 template <class Key>
 bool AllocateArrays(const char* className, Key*& keys, void**& values, int slots) noexcept {
     keys = nullptr;
     values = nullptr;
     if (slots == 0) return false;
-    if (MoveToSlots<Key>(keys, slots, nullptr, 0) && MoveToSlots<void*>(values, slots, nullptr, 0)) return true;
+    if (ChangeCapacity<Key>(keys, values, 0, 0, slots, nullptr, nullptr)) return true;
     std::free(keys);
     keys = nullptr;
     ReportIndexAllocFailed(className, static_cast<std::size_t>(slots) * (sizeof(Key) + sizeof(void*)));
