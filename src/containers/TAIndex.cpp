@@ -11,6 +11,7 @@
 
 #include "containers/index_search.h"
 #include "containers/sorted_arrays.h"
+#include "foundations/console.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ constexpr int SearchFrom = 8;
 char* CopyKey(std::string_view key) noexcept {
     char* const copy = static_cast<char*>(std::malloc(key.size() + 1));
     if (copy == nullptr) {
-        ReportIndexAllocFailed("TAIndex", key.size() + 1);
+        ReportAllocFailure("TAIndex", key.size() + 1);
         return nullptr;
     }
     std::memcpy(copy, key.data(), key.size());

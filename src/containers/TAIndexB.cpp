@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "containers/sorted_arrays.h"
+#include "foundations/console.h"
 
 namespace {
 
@@ -87,7 +88,7 @@ void* TAIndexB::CopyKey(const void* key) const noexcept {
     const std::size_t size = static_cast<std::size_t>(_sizeofkey) * 8;
     void* const copy = std::malloc(size);
     if (copy == nullptr) {
-        ReportIndexAllocFailed("TAIndexB", size);
+        ReportAllocFailure("TAIndexB", size);
         return nullptr;
     }
     return std::memcpy(copy, key, size);

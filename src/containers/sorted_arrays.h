@@ -9,11 +9,11 @@
 #include <bit>
 #include <climits>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "TADiagnostics.h"
+#include "foundations/console.h"
 
 // Where a key stands, or where it would have to be inserted.
 struct IndexPlace {
@@ -72,11 +72,6 @@ void RemoveItem(Item* items, int count, int place) noexcept {
     std::memmove(items + place, items + place + 1, static_cast<std::size_t>(count - place - 1) * sizeof(Item));
 }
 
-inline void ReportIndexAllocFailed(const char* className, std::size_t size) noexcept {
-    std::printf("# Alloc failed in %s (size: %zu)\n", className, size);
-    std::fflush(stdout);
-}
-
 // Moves `items` to an array of `slots` slots, or makes one when there is none. Items that stand in `inlineItems` are
 // copied, since that array is no heap block. False, and nothing changed, when there is no memory.
 template <class Item>
@@ -128,7 +123,7 @@ bool AllocateArrays(const char* className, Key*& keys, void**& values, int slots
     if (ChangeCapacity<Key>(keys, values, 0, 0, slots, nullptr, nullptr)) return true;
     std::free(keys);
     keys = nullptr;
-    ReportIndexAllocFailed(className, static_cast<std::size_t>(slots) * (sizeof(Key) + sizeof(void*)));
+    ReportAllocFailure(className, static_cast<std::size_t>(slots) * (sizeof(Key) + sizeof(void*)));
     return false;
 }
 
