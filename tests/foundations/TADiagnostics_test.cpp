@@ -46,7 +46,7 @@ TEST(TADiagnostics, ServesStaticObjectsAndSurvivesDeadStreams) {
     EXPECT_EQ(RunProgram("probe", {"none"}).out, "   before\n   ERROR :after\n");
     EXPECT_EQ(RunProgram("probe", {"threads"}, FullDevice()).exitCode, 0);
     platform::PutEnvironment("ZEL_PROBE_STATIC=");
-    EXPECT_EQ(RunProgram("probe", {"closed"}).exitCode, 3);
+    EXPECT_EQ(RunProgram("probe", {"threads"}, ClosedStream).exitCode, 0);
 }
 
 TEST(TADiagnostics, FatalSaysWhyShowsTheStackAndAborts) {
