@@ -1,39 +1,38 @@
 #include "ZELThreads.h"
 
-#include <gtest/gtest.h>
-
 #include <latch>
 #include <thread>
-#include <vector>
 
 #include "support/slots.h"
+#include "support/testing.h"
 
 namespace {
 
-// Runs until it is asked to end, and returns its argument.
+// Runs until it is released, above 100 until it is asked to end, below 0 not at all; returns its argument.
 class Worker : public ZELThreads {
 public:
     Worker() : ZELThreads("a worker with a name that systems cut") {}
     ~Worker() {
-        release.test_and_set();
-        release.notify_all();
+        Release();
         Join();
     }
     int Execute(int argument) override {
         joinedItself = Join();
         ranAgain = Run(0);
         if (argument < 0) return argument;
-        release.wait(false);
+        _released.wait(false);
         while (argument > 100 && !IsEndRequested()) std::this_thread::yield();
         return argument;
     }
     void Release() {
-        release.test_and_set();
-        release.notify_all();
+        _released.test_and_set();
+        _released.notify_all();
     }
 
-    std::atomic_flag release{};
     std::atomic<int> joinedItself{-1}, ranAgain{-1};
+
+private:
+    std::atomic_flag _released{};
 };
 
 class SelfDeleting final : public ZELThreads {
@@ -59,15 +58,14 @@ TEST(ZELMutex, AnyThreadMayReleaseAndAFreeLockStaysFree) {
     std::thread([&] { EXPECT_EQ(lock.Unlock(), 0); }).join();
     EXPECT_EQ(lock.Unlock(), 1);
     EXPECT_EQ(lock.Lock(), 0);  // not admitted twice by the superfluous releases
-    std::atomic<bool> admitted{false};
+    std::atomic<bool> released{false};
     std::thread second([&] {
         lock.Lock();
-        admitted = true;
+        EXPECT_TRUE(released);
     });
-    EXPECT_FALSE(admitted);
+    released = true;
     lock.Unlock();
     second.join();
-    EXPECT_TRUE(admitted);
 }
 
 TEST(ZELMutex, ExcludesAndLosesNoWakeUp) {
@@ -98,15 +96,12 @@ TEST(ZELMutex, ExcludesAndLosesNoWakeUp) {
 
 TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
     Worker worker;
-    EXPECT_EQ(worker.GetStatus(), ZELThreadIdle);
-    EXPECT_EQ(worker.GetThreadId(), 0u);
+    EXPECT_TRUE(worker.GetStatus() == ZELThreadIdle && worker.GetThreadId() == 0);
     EXPECT_TRUE(worker.Join() == 1 && worker.End() == 1 && worker.Kill() == 1);
 
     EXPECT_EQ(worker.Run(7), 0);
-    EXPECT_NE(worker.GetThreadId(), 0u);
-    EXPECT_EQ(worker.IsRunning(), 1);
-    EXPECT_EQ(worker.Run(8), 1);
-    EXPECT_EQ(worker.SetFunction(nullptr, nullptr), 1);
+    EXPECT_TRUE(worker.IsRunning() == 1 && worker.GetThreadId() != 0);
+    EXPECT_TRUE(worker.Run(8) == 1 && worker.SetFunction(nullptr, nullptr) == 1);
     worker.Release();
     std::vector<std::thread> joiners;
     for (int i = 0; i < 3; ++i) joiners.emplace_back([&] { EXPECT_EQ(worker.Join(), 0); });
@@ -121,19 +116,15 @@ TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
 }
 
 TEST(ZELThreads, EndAsksAndKillGivesUp) {
-    {
-        Worker asked;
-        asked.Release();
-        EXPECT_EQ(asked.Run(101), 0);
-        EXPECT_EQ(asked.End(), 0);
-        EXPECT_EQ(asked.Join(), 0);
-        EXPECT_EQ(asked.GetThreadReturnCode(), 101);
-    }
+    Worker asked;
+    asked.Release();
+    EXPECT_TRUE(asked.Run(101) == 0 && asked.End() == 0 && asked.Join() == 0);
+    EXPECT_EQ(asked.GetThreadReturnCode(), 101);
+
     ZELThreads given("given up");
     std::latch mayEnd(1);
     EXPECT_EQ(given.SetFunction([](void* latch) { return static_cast<std::latch*>(latch)->wait(), 5; }, &mayEnd), 0);
-    EXPECT_EQ(given.Run(0), 0);
-    EXPECT_EQ(given.Kill(), 0);
+    EXPECT_TRUE(given.Run(0) == 0 && given.Kill() == 0);
     EXPECT_EQ(given.GetStatus(), ZELThreadKilled);
     EXPECT_EQ(given.GetThreadReturnCode(), -1);
     EXPECT_EQ(given.IsEndRequested(), 1);
