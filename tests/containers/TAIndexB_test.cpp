@@ -38,22 +38,18 @@ TEST(TAIndexB, RecordsItsCapacity) {
     struct Fields {
         void *keys, *values;
         int sizeofkey, count, allocated, increment;
-    } fields;
-    TAIndexB index(1);
-    const auto expectFields = [&](int count, int allocated, int increment) {
-        std::memcpy(static_cast<void*>(&fields), static_cast<const void*>(&index), sizeof fields);
-        ASSERT_EQ(fields.sizeofkey, 1);
-        ASSERT_EQ(fields.count, count);
-        ASSERT_EQ(fields.allocated, allocated);
-        ASSERT_EQ(fields.increment, increment);
     };
+    TAIndexB index(1);
     for (int count = 1; count <= 11000; ++count) {
         const int key[2] = {count, 0};
         index.Append(key, nullptr);
-        expectFields(count, count == 11000 ? 16500 : count / 1000 * 1000 + 1000, count >= 10000 ? 5500 : 1000);
+        const Fields fields = FieldsOf<Fields>(index);
+        ASSERT_TRUE(fields.sizeofkey == 1 && fields.count == count) << count;
+        ASSERT_EQ(fields.allocated, count == 11000 ? 16500 : count / 1000 * 1000 + 1000);
+        ASSERT_EQ(fields.increment, count >= 10000 ? 5500 : 1000);
     }
     index.Reset();
-    expectFields(0, 5500, 5500);
+    EXPECT_EQ(FieldsOf<Fields>(index).allocated, 5500);
 }
 
 TEST(TAIndexBDeathTest, NeedsAKeyLengthOfAtLeastOne) {

@@ -4,7 +4,6 @@
 #include <ctime>
 
 #include "foundations/date_text.h"
-#include "support/files.h"
 #include "support/programs.h"
 #include "support/testing.h"
 
@@ -48,21 +47,14 @@ TEST(TAEnvironment, DatesHaveTheirLayouts) {
     const std::string date(GetDate()), sorted(GetSortDate());
     while (moment < std::time(nullptr) && sorted != Written(moment, "%Y-%m-%d-%H-%M-%S")) ++moment;
     EXPECT_EQ(sorted, Written(moment, "%Y-%m-%d-%H-%M-%S"));
-    EXPECT_EQ(date.size(), 24u);
-    EXPECT_EQ(date.substr(20), sorted.substr(0, 4));
+    EXPECT_TRUE(date.size() == 24 && date.substr(20) == sorted.substr(0, 4)) << date;
 }
 
 TEST(TAEnvironment, SystemFacts) {
-    EXPECT_GT(GetHostName().Length(), 0);
-    EXPECT_GE(GetProcessorsNumber(), 1);
-    EXPECT_EQ(TAGetTempDir(), "C:\\temp");
-    const TemporaryFolder folder;
+    EXPECT_TRUE(GetHostName().Length() > 0 && GetProcessorsNumber() >= 1 && TAGetTempDir() == "C:\\temp");
     const ZELString before = GetWorkDir();
-    ASSERT_EQ(SetWorkDir(folder.Path().c_str()), 0);
-    EXPECT_NE(GetWorkDir(), before);
-    for (const char* const missing : {"missing", ""}) EXPECT_EQ(SetWorkDir(missing), -1);
-    EXPECT_EQ(SetWorkDir(before), 0);
-    EXPECT_EQ(GetWorkDir(), before);
+    EXPECT_TRUE(SetWorkDir("missing") == -1 && SetWorkDir("..") == 0 && GetWorkDir() != before);
+    EXPECT_TRUE(SetWorkDir(before) == 0 && GetWorkDir() == before);
 }
 
 TEST(TAEnvVariable, CountsTheValueAlone) {
@@ -97,8 +89,7 @@ TEST(TAEnvVariable, StaysSetAfterItsObject) {
 TEST(TAEnvVariable, NamesOfEveryKind) {
     for (const char* const name : {static_cast<const char*>(nullptr), ""}) {
         TAEnvVariable variable(name, 16);
-        EXPECT_EQ(variable.PutEnvironmentValue("x"), 0);
-        EXPECT_EQ(variable.UnsetEnvironmentValue(), 0);
+        EXPECT_TRUE(variable.PutEnvironmentValue("x") == 0 && variable.UnsetEnvironmentValue() == 0);
         EXPECT_STREQ(variable.GetEnvironmentValue(), "");
         EXPECT_EQ(variable.Name(), nullptr);
     }
@@ -108,8 +99,7 @@ TEST(TAEnvVariable, NamesOfEveryKind) {
     EXPECT_EQ(split.PutEnvironmentValue(nullptr), 0);
     for (const int capacity : {0, -1, INT_MIN}) {
         const TAEnvVariable none("ZEL_TEST_NONE", capacity);
-        EXPECT_EQ(none.Value(), nullptr);
-        EXPECT_EQ(none.PutEnvironmentValue(""), 1);
+        EXPECT_TRUE(none.Value() == nullptr && none.PutEnvironmentValue("") == 1);
     }
 }
 
@@ -132,6 +122,5 @@ TEST(TAEnvVariable, CopiesTakeTheNameAndTheLastText) {
     copy = *&copy;
     EXPECT_STREQ(copy.Value(), "ZEL_TEST_FIRST=0123456789abcdefgh");
     copy = TAEnvVariable(nullptr, 0);
-    EXPECT_EQ(copy.Name(), nullptr);
-    EXPECT_EQ(copy.Value(), nullptr);
+    EXPECT_TRUE(copy.Name() == nullptr && copy.Value() == nullptr);
 }

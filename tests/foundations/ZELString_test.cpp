@@ -38,8 +38,7 @@ int Replace(std::string& text, const std::string& what, const std::string& by) {
 TEST(ZELString, EveryPairOfLengthsIsBuiltCopiedMovedAndAssigned) {
     for (const std::size_t from : lengths) {
         for (const std::size_t to : lengths) {
-            const std::string old = Letters(from);
-            const std::string text = Letters(to);
+            const std::string old = Letters(from), text = Letters(to);
             ZELString target(old.c_str());
             const ZELString source(text.c_str());
             target = source;
@@ -99,8 +98,7 @@ TEST(ZELString, PositionsOutsideGiveNothing) {
     }
     EXPECT_TRUE(text[std::size_t{2}] == 'c' && text[-1L] == '\0' && text[UINT64_MAX] == '\0');
     ExpectText(text.SubString(1, SIZE_MAX), "bc");
-    EXPECT_EQ(text.FindPosition("", 0), -1);
-    EXPECT_EQ(text.FindPosition("abcd", 0), -1);
+    EXPECT_TRUE(text.FindPosition("", 0) == -1 && text.FindPosition("abcd", 0) == -1);
 }
 
 TEST(ZELString, BytesCompareUnsignedAndTextsByContent) {
@@ -108,10 +106,9 @@ TEST(ZELString, BytesCompareUnsignedAndTextsByContent) {
                                            "\xFF"};
     for (std::size_t i = 0; i < ascending.size(); ++i) {
         for (std::size_t j = 0; j < ascending.size(); ++j) {
-            EXPECT_EQ(ascending[i] < ascending[j], i < j);
-            EXPECT_EQ(ascending[i] > ascending[j], i > j);
-            EXPECT_EQ(ascending[i] == ascending[j], i == j);
-            EXPECT_EQ(ascending[i] != ascending[j], i != j);
+            const ZELString &left = ascending[i], &right = ascending[j];
+            EXPECT_TRUE((left < right) == (i < j) && (left > right) == (i > j)) << i << " " << j;
+            EXPECT_TRUE((left == right) == (i == j) && (left != right) == (i != j)) << i << " " << j;
         }
     }
     EXPECT_TRUE("abc" == ZELString("abc") && ZELString("abc") != "abd" && "abc" != ZELString("ab"));
@@ -126,20 +123,18 @@ TEST(ZELString, RandomOperationsAgreeWithAModel) {
         // Few letters, so that searches and replacements find something.
         std::string piece(below(9), 'a');
         for (char& letter : piece) letter = static_cast<char>('a' + below(3));
-        const std::size_t operation = below(6);
+        const std::size_t operation = below(5);
         if (operation == 0) {
             text += piece.c_str();
-            model += piece;
-        } else if (operation == 1) {
             text += 'c';
-            model += 'c';
-        } else if (operation == 2) {
+            model += piece + 'c';
+        } else if (operation == 1) {
             text.Reserve(below(200));
-        } else if (operation == 3) {
+        } else if (operation == 2) {
             const std::size_t start = below(model.size() + 3), count = below(100);
             text = text.SubString(start, count);
             model = start < model.size() ? model.substr(start, count) : "";
-        } else if (operation == 4) {
+        } else if (operation == 3) {
             const std::string by = Letters(below(4));
             ASSERT_EQ(text.ReplaceSubString(piece.c_str(), by.c_str()), Replace(model, piece, by));
         } else {

@@ -9,44 +9,30 @@
 namespace {
 
 // Runs until it is released, above 100 until it is asked to end, below 0 not at all; returns its argument.
-class Worker : public ZELThreads {
-public:
+struct Worker : ZELThreads {
     Worker() : ZELThreads("a worker with a name that systems cut") {}
-    ~Worker() {
-        Release();
-        Join();
-    }
     int Execute(int argument) override {
         joinedItself = Join();
         ranAgain = Run(0);
         if (argument < 0) return argument;
-        _released.wait(false);
+        released.wait();
         while (argument > 100 && !IsEndRequested()) std::this_thread::yield();
         return argument;
     }
-    void Release() {
-        _released.test_and_set();
-        _released.notify_all();
-    }
 
+    std::latch released{1};
     std::atomic<int> joinedItself{-1}, ranAgain{-1};
-
-private:
-    std::atomic_flag _released{};
 };
 
-class SelfDeleting final : public ZELThreads {
-public:
-    explicit SelfDeleting(std::latch& deleted) : ZELThreads(nullptr), _deleted(deleted) {}
+struct SelfDeleting final : ZELThreads {
+    SelfDeleting() : ZELThreads(nullptr) {}
     int Execute(int) override {
-        std::latch& deleted = _deleted;
         delete this;
         deleted.count_down();
         return 0;
     }
 
-private:
-    std::latch& _deleted;
+    static inline std::latch deleted{50};
 };
 
 }  // namespace
@@ -59,39 +45,29 @@ TEST(ZELMutex, AnyThreadMayReleaseAndAFreeLockStaysFree) {
     EXPECT_EQ(lock.Unlock(), 1);
     EXPECT_EQ(lock.Lock(), 0);  // not admitted twice by the superfluous releases
     std::atomic<bool> released{false};
-    std::thread second([&] {
-        lock.Lock();
-        EXPECT_TRUE(released);
-    });
+    const std::jthread second([&] { EXPECT_TRUE(lock.Lock() == 0 && released); });
     released = true;
     lock.Unlock();
-    second.join();
 }
 
 TEST(ZELMutex, ExcludesAndLosesNoWakeUp) {
     ZELMutex lock, mine, yours;
     long counter = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
-            for (int round = 0; round < 20000; ++round) {
-                lock.Lock();
-                ++counter;
-                lock.Unlock();
-            }
+            for (int round = 0; round < 20000; ++round) lock.Lock(), ++counter, lock.Unlock();
         });
-    }
-    for (std::thread& thread : threads) thread.join();
+    threads.clear();
     EXPECT_EQ(counter, 80000);
 
     // Hand-over: each side opens the other's gate.
     mine.Lock();
     yours.Lock();
-    std::thread partner([&] {
+    const std::jthread partner([&] {
         for (int round = 0; round < 5000; ++round) yours.Lock(), mine.Unlock();
     });
     for (int round = 0; round < 5000; ++round) yours.Unlock(), mine.Lock();
-    partner.join();
 }
 
 TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
@@ -102,22 +78,20 @@ TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
     EXPECT_EQ(worker.Run(7), 0);
     EXPECT_TRUE(worker.IsRunning() == 1 && worker.GetThreadId() != 0);
     EXPECT_TRUE(worker.Run(8) == 1 && worker.SetFunction(nullptr, nullptr) == 1);
-    worker.Release();
-    std::vector<std::thread> joiners;
+    worker.released.count_down();
+    std::vector<std::jthread> joiners;
     for (int i = 0; i < 3; ++i) joiners.emplace_back([&] { EXPECT_EQ(worker.Join(), 0); });
-    for (std::thread& joiner : joiners) joiner.join();
-    EXPECT_EQ(worker.GetStatus(), ZELThreadFinished);
-    EXPECT_EQ(worker.GetThreadReturnCode(), 7);
+    joiners.clear();
+    EXPECT_TRUE(worker.GetStatus() == ZELThreadFinished && worker.GetThreadReturnCode() == 7);
     EXPECT_TRUE(worker.joinedItself == 1 && worker.ranAgain == 1);
 
-    EXPECT_EQ(worker.Run(-3), 0);  // anew
-    EXPECT_EQ(worker.Join(), 0);
+    EXPECT_TRUE(worker.Run(-3) == 0 && worker.Join() == 0);  // anew
     EXPECT_EQ(worker.GetThreadReturnCode(), -3);
 }
 
 TEST(ZELThreads, EndAsksAndKillGivesUp) {
     Worker asked;
-    asked.Release();
+    asked.released.count_down();
     EXPECT_TRUE(asked.Run(101) == 0 && asked.End() == 0 && asked.Join() == 0);
     EXPECT_EQ(asked.GetThreadReturnCode(), 101);
 
@@ -125,17 +99,15 @@ TEST(ZELThreads, EndAsksAndKillGivesUp) {
     std::latch mayEnd(1);
     EXPECT_EQ(given.SetFunction([](void* latch) { return static_cast<std::latch*>(latch)->wait(), 5; }, &mayEnd), 0);
     EXPECT_TRUE(given.Run(0) == 0 && given.Kill() == 0);
-    EXPECT_EQ(given.GetStatus(), ZELThreadKilled);
-    EXPECT_EQ(given.GetThreadReturnCode(), -1);
+    EXPECT_TRUE(given.GetStatus() == ZELThreadKilled && given.GetThreadReturnCode() == -1);
     EXPECT_EQ(given.IsEndRequested(), 1);
     EXPECT_TRUE(given.Join() == 1 && given.Run(0) == 1 && given.Kill() == 1);
     mayEnd.count_down();  // the destructor waits for the body, which is still there
 }
 
 TEST(ZELThreads, AnObjectMayBeDeletedByItsOwnThread) {
-    std::latch deleted(50);
-    for (int i = 0; i < 50; ++i) EXPECT_EQ((new SelfDeleting(deleted))->Run(0), 0);
-    deleted.wait();
+    for (int i = 0; i < 50; ++i) EXPECT_EQ((new SelfDeleting)->Run(0), 0);
+    SelfDeleting::deleted.wait();
 }
 
 TEST(ZELThreads, SlotsStandInTheirOrder) {

@@ -40,7 +40,7 @@ TEST(ZELTrace, MessagesOfThreadsStayWholeWhileTheSwitchMoves) {
     {
         ZELTrace trace("THREADS", nullptr, ZELTraTruncate, (folder / "trace").c_str(), 8);
         ZELTrace::Activate("THREADS");
-        std::vector<std::thread> threads;
+        std::vector<std::jthread> threads;
         for (const char letter : {'a', 'b', 'c'})
             threads.emplace_back([&trace, letter] {
                 for (int round = 0; round < 200; ++round) {
@@ -48,7 +48,6 @@ TEST(ZELTrace, MessagesOfThreadsStayWholeWhileTheSwitchMoves) {
                     if (letter != 'a') ZELTrace::Activate(std::to_string(round).c_str());
                 }
             });
-        for (std::thread& thread : threads) thread.join();
     }
     const std::string text = WithoutReturns(ReadBytes(folder / "trace"));
     ASSERT_EQ(text.size(), 600 * 51u);

@@ -12,8 +12,11 @@ namespace {
 using platform::EntryKind;
 using platform::ListingStep;
 
-std::map<std::string, EntryKind> List(const std::string& path) {
-    std::map<std::string, EntryKind> found;
+using Entries = std::map<std::string, EntryKind>;
+const Entries nothing = {{".", EntryKind::Directory}, {"..", EntryKind::Directory}};
+
+Entries List(const std::string& path) {
+    Entries found;
     platform::DirectoryListing listing;
     EXPECT_TRUE(listing.Open(path.c_str())) << path;
     const char* name = nullptr;
@@ -28,7 +31,7 @@ std::map<std::string, EntryKind> List(const std::string& path) {
 
 TEST(DirectoryListing, GivesEachOfManyEntriesOnceDespiteInterruptions) {
     const TemporaryFolder folder;
-    std::map<std::string, EntryKind> expected = {{".", EntryKind::Directory}, {"..", EntryKind::Directory}};
+    Entries expected = nothing;
     for (int file = 0; file < 1200; ++file) {
         const std::string name = std::to_string(file) + ".txt";
         WriteBytes(folder / name, "");
@@ -40,12 +43,11 @@ TEST(DirectoryListing, GivesEachOfManyEntriesOnceDespiteInterruptions) {
 
 TEST(DirectoryListing, TellsKindsWithoutFollowingLinks) {
     const TemporaryFolder folder;
-    std::map<std::string, EntryKind> expected = {{".", EntryKind::Directory},
-                                                 {"..", EntryKind::Directory},
-                                                 {"file", EntryKind::File},
-                                                 {"sub", EntryKind::Directory}};
+    Entries expected = nothing;
     WriteBytes(folder / "file", "x");
+    expected["file"] = EntryKind::File;
     std::filesystem::create_directory(folder / "sub");
+    expected["sub"] = EntryKind::Directory;
     std::error_code refused;
     for (const std::string target : {"file", "sub", "missing"}) {
         std::filesystem::create_symlink(target, folder / ("to_" + target), refused);
@@ -79,9 +81,7 @@ TEST(DirectoryListing, RefusesWhatIsNoDirectory) {
     for (const std::string& path : {std::string(), folder / "missing", folder / "file", folder / "*", folder / "f*"})
         EXPECT_FALSE(listing.Open(path.c_str())) << path;
     EXPECT_FALSE(listing.Open(nullptr) || listing.IsOpen());
-    const char* name = nullptr;
-    EntryKind kind;
-    EXPECT_EQ(listing.Next(&name, &kind), ListingStep::Error);
+    EXPECT_EQ(listing.Next(nullptr, nullptr), ListingStep::Error);
 
     std::filesystem::create_directory(folder / "locked");
     std::filesystem::permissions(folder / "locked", std::filesystem::perms::none);

@@ -8,6 +8,7 @@
 #include "platform/frame_text.h"
 #include "support/files.h"
 #include "support/programs.h"
+#include "support/test_system.h"
 #include "support/testing.h"
 
 TEST(Environment, IsTheRuntimesAndTheChildrensToo) {
@@ -18,29 +19,25 @@ TEST(Environment, IsTheRuntimesAndTheChildrensToo) {
             EXPECT_EQ(seen == nullptr, value.empty()) << value;  // the empty value unsets
             EXPECT_EQ(std::string(seen != nullptr ? seen : ""), value);
         }
-        EXPECT_EQ(RunProgram("child", {"env", "ZEL_SEAM"}).out, value.empty() ? "unset\n" : "[" + value + "]\n");
+        EXPECT_EQ(RunProgram("probe", {"env", "ZEL_SEAM"}).out, value.empty() ? "unset\n" : "[" + value + "]\n");
     }
     for (const char* const refused : {"=x", "ZEL_SEAM", ""}) EXPECT_FALSE(platform::PutEnvironment(refused));
 }
 
 TEST(Children, InheritNothingOfTheLibrarys) {
-    const std::string before = RunProgram("child", {"descriptors"}).out;
+    const std::vector<long> before = InheritedDescriptors();
+    EXPECT_FALSE(before.empty());
     const TemporaryFolder folder;
     std::FILE* const stream = platform::OpenTextForWriting((folder / "stream").c_str(), true);
     platform::DirectoryListing listing;
     ASSERT_TRUE(stream != nullptr && listing.Open(folder.Path().c_str()));
-    EXPECT_EQ(RunProgram("child", {"descriptors"}).out, before);
+    EXPECT_EQ(InheritedDescriptors(), before);
     std::fclose(stream);
 }
 
-TEST(System, TakesNoNameThatDoesNotFit) {
+TEST(System, RefusesWhatCannotBeWritten) {
     char name[256];
-    ASSERT_TRUE(platform::GetHost(name, sizeof name));
-    EXPECT_FALSE(platform::GetHost(name, 1));
-    EXPECT_GT(platform::GetOwnProcessId(), 0);
-}
-
-TEST(Clock, RefusesWhatCannotBeWritten) {
+    EXPECT_TRUE(platform::GetHost(name, sizeof name) && !platform::GetHost(name, 1));
     constexpr std::int64_t Year11000 = 285000000000;
     char text[platform::ClockTextLength + 1] = "old";
     for (const std::int64_t moment : {Year11000, std::int64_t{INT64_MAX}, std::int64_t{INT64_MIN}}) {

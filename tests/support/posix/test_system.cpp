@@ -10,6 +10,9 @@
 #include <cerrno>
 #include <filesystem>
 
+const std::string FullDevice = "/dev/full";
+const std::string EndlessDevice = "/dev/zero";
+
 namespace {
 
 // Between fork and exec: only calls that are safe there.
@@ -51,16 +54,15 @@ int RunAndWait(const std::string& name, const std::vector<std::string>& argument
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-std::string FullDevice() {
-    return "/dev/full";
-}
-
-std::string EndlessDevice() {
-    return "/dev/zero";
-}
-
 bool MakeNamedPipe(const std::string& path) {
     return mkfifo(path.c_str(), 0600) == 0;
+}
+
+std::vector<long> InheritedDescriptors() {
+    std::vector<long> found;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor)
+        if (fcntl(descriptor, F_GETFD) == 0) found.push_back(descriptor);  // neither closed nor FD_CLOEXEC
+    return found;
 }
 
 OrdinaryUser::OrdinaryUser() : _ordinary(geteuid() != 0 || seteuid(65534) == 0) {}
