@@ -3,7 +3,6 @@
 #define TESTS_CONTAINERS_INDEX_MODEL_H
 
 #include <array>
-#include <map>
 
 #include "TAIndex.h"
 #include "TAIndexB.h"

@@ -1,8 +1,5 @@
 #include "TADiagnostics.h"
 
-#include <cctype>
-#include <cstdlib>
-
 #include "ZELStackTrace.h"
 #include "platform/system.h"
 #include "support/files.h"

@@ -1,6 +1,5 @@
 #include "TAEnvironment.h"
 
-#include <cstdlib>
 #include <ctime>
 
 #include "foundations/date_text.h"

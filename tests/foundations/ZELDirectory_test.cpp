@@ -1,7 +1,5 @@
 #include "ZELDirectory.h"
 
-#include <map>
-
 #include "support/files.h"
 #include "support/testing.h"
 

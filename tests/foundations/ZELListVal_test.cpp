@@ -1,8 +1,6 @@
 #include "ZELListVal.h"
 
-#include <cstdlib>
 #include <ranges>
-#include <utility>
 
 #include "ZELListValZELString.h"
 #include "support/testing.h"

@@ -1,7 +1,5 @@
 #include "ZELRawColl.h"
 
-#include <utility>
-
 #include "ZELListPtr.h"
 #include "support/testing.h"
 

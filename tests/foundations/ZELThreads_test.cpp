@@ -1,7 +1,6 @@
 #include "ZELThreads.h"
 
 #include <latch>
-#include <thread>
 
 #include "support/slots.h"
 #include "support/testing.h"

@@ -1,7 +1,5 @@
 #include "ZELTrace.h"
 
-#include <thread>
-
 #include "support/files.h"
 #include "support/programs.h"
 #include "support/testing.h"

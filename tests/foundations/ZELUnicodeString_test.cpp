@@ -1,9 +1,6 @@
 #include "ZELUnicodeString.h"
 
-#include <cctype>
 #include <cstdio>
-#include <thread>
-#include <utility>
 
 #include "support/testing.h"
 #include "support/utf8.h"

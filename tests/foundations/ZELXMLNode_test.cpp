@@ -1,7 +1,5 @@
 #include "ZELXMLNode.h"
 
-#include <cctype>
-#include <map>
 #include <sstream>
 
 #include "support/testing.h"

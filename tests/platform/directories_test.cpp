@@ -1,6 +1,5 @@
 #include "platform/directories.h"
 
-#include <map>
 #include <set>
 
 #include "support/files.h"

@@ -1,7 +1,6 @@
 #include "platform/file_copy.h"
 
 #include <atomic>
-#include <thread>
 
 #include "platform/files.h"
 #include "support/files.h"

@@ -1,6 +1,5 @@
 #include "platform/paths.h"
 
-#include <cctype>
 #include <memory>
 
 #include "platform/slash_path.h"

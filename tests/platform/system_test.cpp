@@ -1,7 +1,5 @@
 #include "platform/system.h"
 
-#include <cstdlib>
-
 #include "platform/clock.h"
 #include "platform/directories.h"
 #include "platform/files.h"

@@ -5,11 +5,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <climits>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <map>
 #include <random>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 // Something to store where a pointer is asked for; never null, and of its own for each number.
