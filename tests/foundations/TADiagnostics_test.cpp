@@ -1,37 +1,21 @@
 #include "TADiagnostics.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <limits>
-#include <numeric>
-#include <string>
-#include <vector>
-
 #include "ZELStackTrace.h"
 #include "platform/system.h"
 #include "support/files.h"
 #include "support/programs.h"
 #include "support/test_system.h"
+#include "support/testing.h"
 
 TEST(TADiagnostics, EachLineGoesToItsStream) {
     const ProgramResult result = RunProgram("probe", {"lines"});
-    const std::string expected[] = {"   text\n",   "   \n",
-                                    "   string\n", std::string("   nul\0inside\n", 14),
-                                    "   ",         std::string(5000, 'l'),
-                                    "\n",          "   ERROR :error\n   ERROR :\n"};
-    EXPECT_EQ(result.out, std::accumulate(std::begin(expected), std::end(expected), std::string()));
+    const std::string nul("   nul\0inside\n", 14);
+    EXPECT_EQ(result.out,
+              "   text\n   \n   string\n" + nul + "   " + std::string(5000, 'l') + "\n   ERROR :error\n   ERROR :\n");
     EXPECT_EQ(result.err, "to stderr\nand again\n\n");
-    EXPECT_EQ(result.exitCode, 0);
-}
-
-TEST(TADiagnostics, HeaderCarriesTheShortDate) {
-    std::string out = RunProgram("probe", {"header"}).out;
-    for (char& c : out)
-        if (c >= '0' && c <= '9') c = '9';
-    EXPECT_EQ(out, "\n\n## 99-99.99:99 - x\n\n");
+    std::string header = RunProgram("probe", {"header"}).out;
+    for (char& c : header) c = std::isdigit(c) ? '9' : c;
+    EXPECT_EQ(header, "\n\n## 99-99.99:99 - x\n\n");
 }
 
 TEST(TADiagnostics, LinesOfThreadsStayWhole) {
@@ -44,45 +28,36 @@ TEST(TADiagnostics, LinesOfThreadsStayWhole) {
 TEST(TADiagnostics, ServesStaticObjectsAndSurvivesDeadStreams) {
     ASSERT_TRUE(platform::PutEnvironment("ZEL_PROBE_STATIC=1"));
     EXPECT_EQ(RunProgram("probe", {"none"}).out, "   before\n   ERROR :after\n");
-    EXPECT_EQ(RunProgram("probe", {"threads"}, FullDevice()).exitCode, 0);
-    platform::PutEnvironment("ZEL_PROBE_STATIC=");
-    EXPECT_EQ(RunProgram("probe", {"threads"}, ClosedStream).exitCode, 0);
+    for (const std::string& dead : {FullDevice, ClosedStream})
+        EXPECT_EQ(RunProgram("probe", {"threads"}, dead).exitCode, 0);
 }
 
 TEST(TADiagnostics, FatalSaysWhyShowsTheStackAndAborts) {
-    const std::string banner = "FATAL INTERNAL ERROR ------------------------\n";
-    const std::string stack = "\nSTACK ---------------------------------------\n";
-    for (const char* const message : {"Cache : negative count", ""}) {
+    for (const std::string message : {"Cache : negative count", ""}) {
         const ProgramResult result = RunProgram("probe", {"fatal", message});
-        EXPECT_EQ(result.err.substr(0, banner.size() + std::string(message).size() + stack.size()),
-                  banner + message + stack);
+        EXPECT_TRUE(result.err.starts_with("FATAL INTERNAL ERROR ------------------------\n" + message +
+                                           "\nSTACK ---------------------------------------\n"));
         EXPECT_NE(result.exitCode, 0);
-        EXPECT_EQ(result.out.rfind("   progress\n#0 ", 0), 0u) << result.out;
+        EXPECT_TRUE(result.out.starts_with("   progress\n#0 ") && result.out.ends_with("\n")) << result.out;
         EXPECT_NE(result.out.find("probe"), std::string::npos) << result.out;
-        EXPECT_EQ(result.out.back(), '\n');
     }
 }
 
 TEST(TADiagnostics, IntegersInEveryRadix) {
-    for (const int value :
-         {0, 1, -1, 7, -5, 255, 123456789, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+    for (const int value : {0, 1, -1, 7, -5, 255, 123456789, INT_MIN, INT_MAX}) {
         EXPECT_EQ(toString(value), std::to_string(value).c_str());
         for (int radix = -1; radix <= 40; ++radix) {
             char buffer[40];
             std::fill(std::begin(buffer), std::end(buffer), '#');
             ASSERT_EQ(TAItoa(value, buffer, radix), buffer);
             EXPECT_EQ(buffer[33], '#');
-            if (radix < 2 || radix > 36) {
-                EXPECT_STREQ(buffer, "") << radix;
-            } else {
-                const long long expected = radix == 10 ? value : static_cast<long long>(static_cast<unsigned>(value));
-                EXPECT_EQ(std::strtoll(buffer, nullptr, radix), expected) << buffer;
-                EXPECT_EQ(buffer[0] == '-', value < 0 && radix == 10) << buffer;
-            }
+            const bool serves = radix >= 2 && radix <= 36;
+            const long long shown = radix == 10 ? value : static_cast<long long>(static_cast<unsigned>(value));
+            EXPECT_EQ(std::strlen(buffer) > 0, serves) << radix;
+            EXPECT_EQ(std::strtoll(buffer, nullptr, serves ? radix : 10), serves ? shown : 0) << buffer;
+            EXPECT_EQ(std::count_if(buffer, buffer + 33, [](char c) { return c >= 'A' && c <= 'Z'; }), 0) << buffer;
         }
     }
-    char letters[33];
-    EXPECT_STREQ(TAItoa(-1, letters, 16), "ffffffff");
     EXPECT_EQ(TAItoa(1, nullptr, 10), nullptr);
 }
 
@@ -94,10 +69,7 @@ void (*volatile captureAt)(ZELStackTrace&, int) = CaptureAt;
 
 void CaptureAt(ZELStackTrace& stack, int depth) {
     volatile int below = depth;
-    if (depth == 0)
-        stack.GetTrace();
-    else
-        captureAt(stack, depth - 1);
+    depth == 0 ? void(stack.GetTrace()) : captureAt(stack, depth - 1);
     below = below + 1;
 }
 
@@ -118,32 +90,30 @@ TEST(ZELStackTrace, PrintsTheFramesThatWereAskedFor) {
     ZELStackTrace stack;
     EXPECT_GT(stack.Size(), 0);  // captured where it was made
     ASSERT_EQ(stack.GetTrace(), 0);
-    const std::vector<std::string> all = Printed(stack, 0, 0);
-    ASSERT_EQ(all.size(), static_cast<std::size_t>(stack.Size()));
     const int size = stack.Size();
-    const int limits[] = {-5, 0, 1, 2, size - 1, size, size + 1, std::numeric_limits<int>::max()};
+    const std::vector<std::string> all = Printed(stack, 0, 0);
+    ASSERT_EQ(all.size(), static_cast<std::size_t>(size));
+    const int limits[] = {-5, 0, 1, 2, size - 1, size, size + 1, INT_MAX};
     for (const int first : limits)
         for (const int count : limits) {
-            const int begin = std::min(std::max(first, 0), size);
+            const int begin = std::clamp(first, 0, size);
             const int end = count <= 0 ? size : static_cast<int>(std::min<long long>(size, begin + 0LL + count));
             EXPECT_EQ(Printed(stack, first, count), std::vector<std::string>(all.begin() + begin, all.begin() + end));
         }
     stack.Print(nullptr, 0, 0);
     for (int frame = 0; frame < size; ++frame) {
         const std::string& text = all[static_cast<std::size_t>(frame)];
-        EXPECT_EQ(text.rfind("#" + std::to_string(frame).append(" "), 0), 0u) << text;
-        EXPECT_EQ(text.find("0x"), 5u) << text;
-        EXPECT_NE(text.find("+0x"), std::string::npos) << text;
+        EXPECT_TRUE(text.starts_with("#" + std::to_string(frame).append(" "))) << text;
+        EXPECT_TRUE(text.find("0x") == 5 && text.find("+0x") != std::string::npos) << text;
     }
     EXPECT_NE(all[0].find("foundations_tests"), std::string::npos) << all[0];
 }
 
 TEST(ZELStackTrace, GrowsWithTheDepthUpToItsLimit) {
-    ZELStackTrace shallow, deep;
-    CaptureAt(shallow, 1);
-    EXPECT_LT(shallow.Size(), ZELStackTrace::MaxFrames);
-    CaptureAt(deep, 1000);
-    EXPECT_EQ(deep.Size(), ZELStackTrace::MaxFrames);
-    const ZELStackTrace copy(deep);
-    EXPECT_EQ(Printed(copy, 0, 3), Printed(deep, 0, 3));
+    ZELStackTrace stack;
+    CaptureAt(stack, 1);
+    EXPECT_LT(stack.Size(), ZELStackTrace::MaxFrames);
+    CaptureAt(stack, 1000);
+    EXPECT_EQ(stack.Size(), ZELStackTrace::MaxFrames);
+    EXPECT_EQ(Printed(stack, 0, 0).size(), ZELStackTrace::MaxFrames + 0u);
 }

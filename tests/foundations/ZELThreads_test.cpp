@@ -1,48 +1,36 @@
 #include "ZELThreads.h"
 
-#include <gtest/gtest.h>
-
-#include <thread>
-#include <vector>
-
 #include "support/gate.h"
 #include "support/slots.h"
+#include "support/testing.h"
 
 namespace {
 
-// Runs until it is asked to end, and returns its argument.
-class Worker : public ZELThreads {
-public:
+// Runs until it is released, above 100 until it is asked to end, below 0 not at all; returns its argument.
+struct Worker : ZELThreads {
     Worker() : ZELThreads("a worker with a name that systems cut") {}
-    ~Worker() {
-        release.Open();
-        Join();
-    }
     int Execute(int argument) override {
         joinedItself = Join();
         ranAgain = Run(0);
         if (argument < 0) return argument;
-        release.Pass();
+        released.Pass();
         while (argument > 100 && !IsEndRequested()) std::this_thread::yield();
         return argument;
     }
 
-    Gate release;
+    Gate released;
     std::atomic<int> joinedItself{-1}, ranAgain{-1};
 };
 
-class SelfDeleting final : public ZELThreads {
-public:
-    explicit SelfDeleting(Gate& deleted) : ZELThreads(nullptr), _deleted(deleted) {}
+struct SelfDeleting final : ZELThreads {
+    SelfDeleting() : ZELThreads(nullptr) {}
     int Execute(int) override {
-        Gate& deleted = _deleted;
         delete this;
         deleted.Open();
         return 0;
     }
 
-private:
-    Gate& _deleted;
+    static inline Gate deleted{50};
 };
 
 }  // namespace
@@ -54,92 +42,70 @@ TEST(ZELMutex, AnyThreadMayReleaseAndAFreeLockStaysFree) {
     std::thread([&] { EXPECT_EQ(lock.Unlock(), 0); }).join();
     EXPECT_EQ(lock.Unlock(), 1);
     EXPECT_EQ(lock.Lock(), 0);  // not admitted twice by the superfluous releases
-    std::atomic<bool> admitted{false};
-    std::thread second([&] {
-        lock.Lock();
-        admitted = true;
-    });
-    EXPECT_FALSE(admitted);
+    std::atomic<bool> released{false};
+    const std::jthread second([&] { EXPECT_TRUE(lock.Lock() == 0 && released); });
+    released = true;
     lock.Unlock();
-    second.join();
-    EXPECT_TRUE(admitted);
 }
 
 TEST(ZELMutex, ExcludesAndLosesNoWakeUp) {
     ZELMutex lock, mine, yours;
     long counter = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
-            for (int round = 0; round < 20000; ++round) {
-                lock.Lock();
-                ++counter;
-                lock.Unlock();
-            }
+            for (int round = 0; round < 20000; ++round) lock.Lock(), ++counter, lock.Unlock();
         });
-    }
-    for (std::thread& thread : threads) thread.join();
+    threads.clear();
     EXPECT_EQ(counter, 80000);
 
     // Hand-over: each side opens the other's gate.
     mine.Lock();
     yours.Lock();
-    std::thread partner([&] {
+    const std::jthread partner([&] {
         for (int round = 0; round < 5000; ++round) yours.Lock(), mine.Unlock();
     });
     for (int round = 0; round < 5000; ++round) yours.Unlock(), mine.Lock();
-    partner.join();
 }
 
 TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
     Worker worker;
-    EXPECT_EQ(worker.GetStatus(), ZELThreadIdle);
-    EXPECT_EQ(worker.GetThreadId(), 0u);
+    EXPECT_TRUE(worker.GetStatus() == ZELThreadIdle && worker.GetThreadId() == 0);
     EXPECT_TRUE(worker.Join() == 1 && worker.End() == 1 && worker.Kill() == 1);
 
     EXPECT_EQ(worker.Run(7), 0);
-    EXPECT_NE(worker.GetThreadId(), 0u);
-    EXPECT_EQ(worker.IsRunning(), 1);
-    EXPECT_EQ(worker.Run(8), 1);
-    EXPECT_EQ(worker.SetFunction(nullptr, nullptr), 1);
-    worker.release.Open();
-    std::vector<std::thread> joiners;
+    EXPECT_TRUE(worker.IsRunning() == 1 && worker.GetThreadId() != 0);
+    EXPECT_TRUE(worker.Run(8) == 1 && worker.SetFunction(nullptr, nullptr) == 1);
+    worker.released.Open();
+    std::vector<std::jthread> joiners;
     for (int i = 0; i < 3; ++i) joiners.emplace_back([&] { EXPECT_EQ(worker.Join(), 0); });
-    for (std::thread& joiner : joiners) joiner.join();
-    EXPECT_EQ(worker.GetStatus(), ZELThreadFinished);
-    EXPECT_EQ(worker.GetThreadReturnCode(), 7);
+    joiners.clear();
+    EXPECT_TRUE(worker.GetStatus() == ZELThreadFinished && worker.GetThreadReturnCode() == 7);
     EXPECT_TRUE(worker.joinedItself == 1 && worker.ranAgain == 1);
 
-    EXPECT_EQ(worker.Run(-3), 0);  // anew
-    EXPECT_EQ(worker.Join(), 0);
+    EXPECT_TRUE(worker.Run(-3) == 0 && worker.Join() == 0);  // anew
     EXPECT_EQ(worker.GetThreadReturnCode(), -3);
 }
 
 TEST(ZELThreads, EndAsksAndKillGivesUp) {
-    {
-        Worker asked;
-        asked.release.Open();
-        EXPECT_EQ(asked.Run(101), 0);
-        EXPECT_EQ(asked.End(), 0);
-        EXPECT_EQ(asked.Join(), 0);
-        EXPECT_EQ(asked.GetThreadReturnCode(), 101);
-    }
+    Worker asked;
+    asked.released.Open();
+    EXPECT_TRUE(asked.Run(101) == 0 && asked.End() == 0 && asked.Join() == 0);
+    EXPECT_EQ(asked.GetThreadReturnCode(), 101);
+
     ZELThreads given("given up");
     Gate mayEnd;
-    EXPECT_EQ(given.SetFunction([](void* gate) { return static_cast<Gate*>(gate)->Pass(), 5; }, &mayEnd), 0);
-    EXPECT_EQ(given.Run(0), 0);
-    EXPECT_EQ(given.Kill(), 0);
-    EXPECT_EQ(given.GetStatus(), ZELThreadKilled);
-    EXPECT_EQ(given.GetThreadReturnCode(), -1);
+    EXPECT_EQ(given.SetFunction([](void* latch) { return static_cast<Gate*>(latch)->Pass(), 5; }, &mayEnd), 0);
+    EXPECT_TRUE(given.Run(0) == 0 && given.Kill() == 0);
+    EXPECT_TRUE(given.GetStatus() == ZELThreadKilled && given.GetThreadReturnCode() == -1);
     EXPECT_EQ(given.IsEndRequested(), 1);
     EXPECT_TRUE(given.Join() == 1 && given.Run(0) == 1 && given.Kill() == 1);
     mayEnd.Open();  // the destructor waits for the body, which is still there
 }
 
 TEST(ZELThreads, AnObjectMayBeDeletedByItsOwnThread) {
-    Gate deleted(50);
-    for (int i = 0; i < 50; ++i) EXPECT_EQ((new SelfDeleting(deleted))->Run(0), 0);
-    deleted.Pass();
+    for (int i = 0; i < 50; ++i) EXPECT_EQ((new SelfDeleting)->Run(0), 0);
+    SelfDeleting::deleted.Pass();
 }
 
 TEST(ZELThreads, SlotsStandInTheirOrder) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
@@ -11,13 +12,10 @@
 namespace {
 
 // The library serves static objects, before main and after it.
+const bool asked = std::getenv("ZEL_PROBE_STATIC") != nullptr;
 struct Static {
-    Static() {
-        if (std::getenv("ZEL_PROBE_STATIC") != nullptr) Trace("before", 0);
-    }
-    ~Static() {
-        if (std::getenv("ZEL_PROBE_STATIC") != nullptr) TraceErr("after");
-    }
+    Static() { asked ? Trace("before", 0) : void(); }
+    ~Static() { asked ? TraceErr("after") : void(); }
 } object;
 
 void PrintLines() {
@@ -51,12 +49,11 @@ void PrintTraces() {
 }
 
 void PrintFromThreads() {
-    std::thread threads[4];
-    for (std::thread& thread : threads)
-        thread = std::thread([] {
+    std::vector<std::jthread> threads(4);
+    for (std::jthread& thread : threads)
+        thread = std::jthread([] {
             for (int line = 0; line < 200; ++line) Trace(std::string(60, 'w').c_str(), 0);
         });
-    for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace
@@ -73,7 +70,11 @@ int main(int count, char** arguments) {
     }
     if (verb == "fatal") {
         Trace("progress", 0);
-        FATAL(-1, count > 2 ? arguments[2] : nullptr);
+        FATAL(-1, arguments[2]);
+    }
+    if (verb == "env") {
+        const char* const value = std::getenv(arguments[2]);
+        std::printf(value != nullptr ? "[%s]\n" : "unset\n", value);
     }
     return 0;
 }

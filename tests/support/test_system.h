@@ -13,8 +13,8 @@ int RunAndWait(const std::string& name, const std::vector<std::string>& argument
                const std::string& errPath);
 
 // A file of the system that takes no byte, and a place that reads but is no regular file; empty where there is none.
-std::string FullDevice();
-std::string EndlessDevice();
+extern const std::string FullDevice;
+extern const std::string EndlessDevice;
 // False where file names cannot stand for pipes.
 bool MakeNamedPipe(const std::string& path);
 
@@ -29,6 +29,9 @@ public:
 private:
     bool _ordinary;
 };
+
+// The open descriptors (Windows: handles) that a child would get, ascending.
+std::vector<long> InheritedDescriptors();
 
 // For its life a signal interrupts the process's calls about a thousand times a second, where there are signals.
 class Interruptions {

@@ -2,39 +2,16 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 
-namespace {
-
-// Between fork and exec: only calls that are safe there.
-[[noreturn]] void BecomeProgram(const char* path, char* const* arguments, const char* outPath, const char* errPath) {
-    const bool closed = ClosedStream == outPath;
-    const int out = closed ? open("/dev/null", O_WRONLY) : open(outPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    const int err = open(errPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (dup2(out, 1) == 1 && dup2(err, 2) == 2) {
-        close(out);
-        close(err);
-        if (closed) close(1);
-        execv(path, arguments);
-    }
-    _exit(127);
-}
-
-void SetInterruptions(void (*handler)(int), int microseconds) {
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    sigaction(SIGALRM, &action, nullptr);
-    const itimerval interval = {{0, microseconds}, {0, microseconds}};
-    setitimer(ITIMER_REAL, &interval, nullptr);
-}
-
-}  // namespace
+const std::string FullDevice = "/dev/full";
+const std::string EndlessDevice = "/dev/zero";
 
 int RunAndWait(const std::string& name, const std::vector<std::string>& arguments, const std::string& outPath,
                const std::string& errPath) {
@@ -42,25 +19,33 @@ int RunAndWait(const std::string& name, const std::vector<std::string>& argument
     std::vector<char*> texts = {const_cast<char*>(path.c_str())};
     for (const std::string& argument : arguments) texts.push_back(const_cast<char*>(argument.c_str()));
     texts.push_back(nullptr);
-    const pid_t child = fork();
-    if (child < 0) return -1;
-    if (child == 0) BecomeProgram(path.c_str(), texts.data(), outPath.c_str(), errPath.c_str());
+    constexpr int Flags = O_WRONLY | O_CREAT | O_TRUNC;
+    posix_spawn_file_actions_t streams;
+    posix_spawn_file_actions_init(&streams);
+    if (outPath == ClosedStream)
+        posix_spawn_file_actions_addclose(&streams, 1);
+    else
+        posix_spawn_file_actions_addopen(&streams, 1, outPath.c_str(), Flags, 0600);
+    posix_spawn_file_actions_addopen(&streams, 2, errPath.c_str(), Flags, 0600);
+    pid_t child;
+    const int refused = posix_spawn(&child, path.c_str(), &streams, nullptr, texts.data(), environ);
+    posix_spawn_file_actions_destroy(&streams);
+    if (refused) return -1;
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-std::string FullDevice() {
-    return "/dev/full";
-}
-
-std::string EndlessDevice() {
-    return "/dev/zero";
-}
-
 bool MakeNamedPipe(const std::string& path) {
     return mkfifo(path.c_str(), 0600) == 0;
+}
+
+std::vector<long> InheritedDescriptors() {
+    std::vector<long> found;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor)
+        if (fcntl(descriptor, F_GETFD) == 0) found.push_back(descriptor);  // neither closed nor FD_CLOEXEC
+    return found;
 }
 
 OrdinaryUser::OrdinaryUser() : _ordinary(geteuid() != 0 || seteuid(65534) == 0) {}
@@ -70,9 +55,12 @@ OrdinaryUser::~OrdinaryUser() {
 }
 
 Interruptions::Interruptions() {
-    SetInterruptions([](int) {}, 1000);
+    struct sigaction action = {};  // without SA_RESTART
+    action.sa_handler = [](int) {};
+    sigaction(SIGALRM, &action, nullptr);
+    ualarm(1000, 1000);
 }
 
 Interruptions::~Interruptions() {
-    SetInterruptions(SIG_IGN, 0);
+    ualarm(0, 0);
 }

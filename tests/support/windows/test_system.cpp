@@ -6,7 +6,16 @@
 
 #include "support/windows/command_line.h"
 
+const std::string FullDevice;
+const std::string EndlessDevice = "NUL";
+
 namespace {
+
+std::string CommandLine(const std::string& name, const std::vector<std::string>& arguments) {
+    std::string line = Quoted(FolderOfThisProgram() + name + ".exe");
+    for (const std::string& argument : arguments) line += " " + Quoted(argument);
+    return line;
+}
 
 // For the child's standard streams: open for it to inherit.
 HANDLE OpenForChild(const std::string& path) {
@@ -20,8 +29,7 @@ HANDLE OpenForChild(const std::string& path) {
 
 int RunAndWait(const std::string& name, const std::vector<std::string>& arguments, const std::string& outPath,
                const std::string& errPath) {
-    std::string line = Quoted(FolderOfThisProgram() + name + ".exe");
-    for (const std::string& argument : arguments) line += ' ' + Quoted(argument);
+    std::string line = CommandLine(name, arguments);
     STARTUPINFOA start = {};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
@@ -41,16 +49,19 @@ int RunAndWait(const std::string& name, const std::vector<std::string>& argument
     return static_cast<int>(exitCode);
 }
 
-std::string FullDevice() {
-    return {};
-}
-
-std::string EndlessDevice() {
-    return "NUL";
-}
-
 bool MakeNamedPipe(const std::string&) {
     return false;
+}
+
+std::vector<long> InheritedDescriptors() {
+    // Handles are small multiples of four.
+    std::vector<long> found;
+    DWORD flags;
+    for (long value = 4; value < 65536; value += 4)
+        if (GetHandleInformation(reinterpret_cast<HANDLE>(static_cast<INT_PTR>(value)), &flags) &&
+            (flags & HANDLE_FLAG_INHERIT) != 0)
+            found.push_back(value);
+    return found;
 }
 
 OrdinaryUser::OrdinaryUser() : _ordinary(false) {}
