@@ -19,6 +19,7 @@
 #include <compare>
 #include <cstddef>
 #include <iterator>
+#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -120,7 +121,7 @@ public:
             return 1;
         }
         const int failed = position > Size() ? AppendElement(copy) : InsertElement(position, &copy);
-        if (failed) delete copy;
+        if (failed) Delete(copy);
         return failed;
     }
     // `position` is 0 to Size(): behind the value there, or in front of all.
@@ -147,11 +148,11 @@ public:
         if (!IsInside(position)) return 0;
         const int following = Size() - position + 1;
         const int removed = count < static_cast<unsigned int>(following) ? static_cast<int>(count) : following;
-        for (int i = position + removed - 1; i >= position; --i) delete Slot(i);
+        for (int i = position + removed - 1; i >= position; --i) Delete(Slot(i));
         return ZELRawCollPV::RemovePosition(position, count);
     }
     void RemoveAll(ZELCollec::MemoryHandling handling) {
-        for (int i = Size(); i >= 1; --i) delete Slot(i);
+        for (int i = Size(); i >= 1; --i) Delete(Slot(i));
         ZELRawCollPV::RemoveAll(handling);
     }
 
@@ -173,6 +174,9 @@ public:
     }
 
 private:
+    // By the standard library, so that a class with virtual functions and a plain destructor is no warning: what a list
+    // holds is exactly a T.
+    static void Delete(T* value) noexcept { std::default_delete<T>()(value); }
     T* Slot(int position) const noexcept { return this->template Elements<T*>()[position - 1]; }
 };
 

@@ -182,6 +182,7 @@ private:
     char32_t* MakeRoom(std::size_t length) noexcept;
     void Take(ZELUnicodeString& other) noexcept;
     void DropBytes() noexcept;
+    void Recompose(std::size_t joint) noexcept;
 
     union {
         char32_t _short[InlineCapacity];

@@ -73,7 +73,7 @@ public:
     ZELXMLNode& AddNode(const char* tag) noexcept;
     int GetNodeCount() const noexcept { return _nodes.Size(); }
     // The node at `position`, 1 to GetNodeCount(); null outside.
-    ZELXMLNode* GetNode(int position) noexcept { return AsConst()._nodes[position]; }
+    ZELXMLNode* GetNode(int position) noexcept { return NodeAt(position); }
     const ZELXMLNode* GetNode(int position) const noexcept { return _nodes[position]; }
     // The position of the first node at or behind `from` with that tag; 0 when there is none or `from` lies outside.
     int LocateNode(const char* tag, int from = 1) const noexcept;
@@ -102,15 +102,17 @@ private:
         ZELString value;
     };
 
-    const ZELXMLNode& AsConst() const noexcept { return *this; }
     bool CopyOwn(const ZELXMLNode& other) noexcept;
     bool CopyTree(const ZELXMLNode& other) noexcept;
     void SwapContent(ZELXMLNode& other) noexcept;
     void DeleteNodes() noexcept;
-    ZELXMLNode* LastNode() const noexcept { return _nodes[_nodes.Size()]; }
+    ZELXMLNode* NodeAt(int position) const noexcept { return _nodes[position]; }
+    ZELXMLNode* LastNode() const noexcept { return NodeAt(_nodes.Size()); }
     bool Adopt(ZELXMLNode* node) noexcept;
     ZELXMLNode& AddOwned(ZELXMLNode* node) noexcept;
-    int LocateAttribute(const char* name) const noexcept;
+    int LocateAttribute(const ZELString& name) const noexcept;
+    ZELXMLNodeListener* GetListener(int position) const noexcept { return _listeners[position]; }
+    static ZELXMLNode* MakeNode() noexcept;
     template <class Enter, class Leave>
     static bool Walk(const ZELXMLNode& root, Enter enter, Leave leave) noexcept;
 

@@ -5,8 +5,10 @@
 #include <cstring>
 #include <new>
 
+#include "ZELUnicodeString.h"
 #include "foundations/console.h"
 #include "platform/directories.h"
+#include "platform/file_copy.h"
 
 namespace {
 
@@ -69,4 +71,9 @@ int ZELCloseDirectory(ZELDirectoryHandle* directory) noexcept {
     delete Listing(*directory);
     directory->listing = nullptr;
     return 0;
+}
+
+std::int32_t ZELFCopy(ZELUnicodeString* from, ZELUnicodeString* to, int replaceExisting) noexcept {
+    if (from == nullptr || to == nullptr) return ZELCopyNullArgument;
+    return platform::CopyWholeFile(*from, *to, replaceExisting != 0);
 }

@@ -1,0 +1,124 @@
+// The program that tests start: `child VERB ARGUMENT...`. Each verb does one thing that a test can see from outside. It
+// uses nothing of the library, so that it shows what a child gets rather than what the library makes of it.
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "support/child_system.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+int Number(const Arguments& arguments, std::size_t index) {
+    return index < arguments.size() ? std::atoi(arguments[index].c_str()) : 0;
+}
+
+void SayReady() {
+    std::puts("ready");
+    std::fflush(stdout);
+}
+
+void Sleep(int milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+// `length` bytes of a fixed pattern in blocks.
+int WritePattern(std::FILE* stream, long long length) {
+    std::string block(65536, '\0');
+    for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<char>('a' + i % 26);
+    while (length > 0) {
+        const auto count = static_cast<std::size_t>(std::min<long long>(length, 65536));
+        if (std::fwrite(block.data(), 1, count, stream) != count) return 1;
+        length -= static_cast<long long>(count);
+    }
+    return 0;
+}
+
+int PrintArguments(const Arguments& arguments) {
+    for (const std::string& argument : arguments) {
+        for (const char c : argument) std::printf("%02x", static_cast<unsigned char>(c));
+        std::putchar('\n');
+    }
+    return 0;
+}
+
+int PrintEnvironment(const Arguments& arguments) {
+    for (const std::string& name : arguments) {
+        const char* const value = std::getenv(name.c_str());
+        std::printf(value != nullptr ? "[%s]\n" : "unset\n", value);
+    }
+    return 0;
+}
+
+int CopyInput(const Arguments&) {
+    char data[4096];
+    while (const std::size_t count = std::fread(data, 1, sizeof data, stdin)) std::fwrite(data, 1, count, stdout);
+    return 0;
+}
+
+// A process with `width` children, each with as many, `depth` levels below this one; all sleep.
+int SpawnTree(const Arguments& arguments) {
+    const int width = Number(arguments, 0);
+    const int depth = Number(arguments, 1);
+    std::printf("%d\n", OwnProcessId());
+    std::fflush(stdout);
+    for (int child = 0; depth > 0 && child < width; ++child)
+        if (!StartAgain({"tree", arguments[0], std::to_string(depth - 1), arguments[2]})) return 1;
+    Sleep(Number(arguments, 2));
+    return 0;
+}
+
+int PrintDescriptors(const Arguments&) {
+    for (const long descriptor : OpenDescriptors()) std::printf("%ld\n", descriptor);
+    return 0;
+}
+
+struct Verb {
+    std::string_view name;
+    std::string_view arguments;
+    int (*run)(const Arguments& arguments);
+};
+
+const Verb verbs[] = {
+    {"args", "TEXT...: print each in hexadecimal", PrintArguments},
+    {"env", "NAME...: print each variable as [value] or unset", PrintEnvironment},
+    {"folder", ": print the working directory",
+     [](const Arguments&) { return std::puts(std::filesystem::current_path().string().c_str()) < 0 ? 1 : 0; }},
+    {"exit", "CODE", [](const Arguments& arguments) { return Number(arguments, 0); }},
+    {"signal", "NUMBER: die by it", [](const Arguments& arguments) -> int { DieBySignal(Number(arguments, 0)); }},
+    {"sleep", "MS: say ready and sleep",
+     [](const Arguments& arguments) {
+         SayReady();
+         Sleep(Number(arguments, 0));
+         return 0;
+     }},
+    {"polite", "MS: say ready; 7 when asked to end, 0 after the time",
+     [](const Arguments& arguments) { return AwaitPoliteRequest(false, Number(arguments, 0), SayReady) ? 7 : 0; }},
+    {"stubborn", "MS: the same, deaf to requests",
+     [](const Arguments& arguments) { return AwaitPoliteRequest(true, Number(arguments, 0), SayReady) ? 7 : 0; }},
+    {"tree", "WIDTH DEPTH MS: print the own pid, start WIDTH children to DEPTH, sleep", SpawnTree},
+    {"out", "COUNT: write so many bytes, a to z again and again, to standard output",
+     [](const Arguments& arguments) { return WritePattern(stdout, std::atoll(arguments.at(0).c_str())); }},
+    {"err", "COUNT: the same to standard error",
+     [](const Arguments& arguments) { return WritePattern(stderr, std::atoll(arguments.at(0).c_str())); }},
+    {"copy", ": standard input to standard output", CopyInput},
+    {"descriptors", ": print the open ones", PrintDescriptors},
+};
+
+}  // namespace
+
+int main(int count, char** texts) {
+    MakeStreamsBinary();
+    const Arguments arguments(texts + std::min(count, 2), texts + count);
+    for (const Verb& verb : verbs)
+        if (count > 1 && verb.name == texts[1]) return verb.run(arguments);
+    for (const Verb& verb : verbs)
+        std::fprintf(stderr, "child %s %s\n", std::string(verb.name).c_str(), std::string(verb.arguments).c_str());
+    return 125;
+}

@@ -1,0 +1,84 @@
+// `probe VERB`: uses the library as a tool would, so that a test can look at its streams and its end.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "TADiagnostics.h"
+#include "TAEnvironment.h"
+#include "ZELTrace.h"
+
+namespace {
+
+// The library serves static objects, before main and after it.
+struct Static {
+    Static() {
+        if (std::getenv("ZEL_PROBE_STATIC") != nullptr) Trace("before", 0);
+    }
+    ~Static() {
+        if (std::getenv("ZEL_PROBE_STATIC") != nullptr) TraceErr("after");
+    }
+} object;
+
+void PrintLines() {
+    FATAL(0, nullptr);
+    Trace("text", 0);
+    Trace(static_cast<const char*>(nullptr), 0);
+    Trace(ZELString("string"), 0);
+    Trace(ZELString("nul\0inside", 10), 0);
+    Trace(std::string(5000, 'l').c_str(), 0);
+    TraceErr("error");
+    TraceErr(nullptr);
+    TraceStdErr("to stderr");
+    TraceStdErr(ZELString("and again"));
+    TraceStdErr(static_cast<const char*>(nullptr));
+}
+
+void PrintTraces() {
+    ZELTrace early("TASKLIST", nullptr, ZELTraMode(0), "STDERR", 1024);
+    ZELTrace other("tasklist", "", ZELTraAppend, nullptr, 0);
+    ZELTrace toOutput("TASKLIST", "reserved", ZELTraTruncate, "STDOUT", -5);
+    early.TraPrint("never %d\n", 0);
+    ZELTrace::Activate("TASKLIST");
+    ZELTrace late("TASKLIST", nullptr, ZELTraAppend, "", 1 << 30);
+    early.TraPrint("early %d %s\n", 1, "one");
+    other.TraPrint("other\n");
+    late.TraPrint("late%%\n");
+    toOutput.TraPrint("%s|", std::string(3000, 'x').c_str());
+    toOutput.TraPrint(nullptr);
+    ZELTrace::Deactivate("TASKLIST");
+    early.TraPrint("never again\n");
+}
+
+void PrintFromThreads() {
+    std::thread threads[4];
+    for (std::thread& thread : threads)
+        thread = std::thread([] {
+            for (int line = 0; line < 200; ++line) Trace(std::string(60, 'w').c_str(), 0);
+        });
+    for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const std::string verb = count > 1 ? arguments[1] : "";
+    if (verb == "lines") PrintLines();
+    if (verb == "header") Trace("x", 1);
+    if (verb == "traces") PrintTraces();
+    if (verb == "threads") PrintFromThreads();
+    if (verb == "warnings") {
+        const TAEnvVariable variable("ZEL_PROBE", 16);
+        return variable.PutEnvironmentValue("0123456789abcdef");
+    }
+    if (verb == "closed") {
+        std::fclose(stdout);
+        PrintFromThreads();
+        return 3;
+    }
+    if (verb == "fatal") {
+        Trace("progress", 0);
+        FATAL(-1, count > 2 ? arguments[2] : nullptr);
+    }
+    return 0;
+}

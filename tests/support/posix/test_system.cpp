@@ -1,0 +1,76 @@
+#include "support/test_system.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+namespace {
+
+// Between fork and exec: only calls that are safe there.
+[[noreturn]] void BecomeProgram(const char* path, char* const* arguments, const char* outPath, const char* errPath) {
+    const int out = open(outPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    const int err = open(errPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (dup2(out, 1) == 1 && dup2(err, 2) == 2) {
+        close(out);
+        close(err);
+        execv(path, arguments);
+    }
+    _exit(127);
+}
+
+void SetInterruptions(void (*handler)(int), int microseconds) {
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    sigaction(SIGALRM, &action, nullptr);
+    const itimerval interval = {{0, microseconds}, {0, microseconds}};
+    setitimer(ITIMER_REAL, &interval, nullptr);
+}
+
+}  // namespace
+
+int RunAndWait(const std::string& name, const std::vector<std::string>& arguments, const std::string& outPath,
+               const std::string& errPath) {
+    const std::string path = std::filesystem::read_symlink("/proc/self/exe").parent_path() / name;
+    std::vector<char*> texts = {const_cast<char*>(path.c_str())};
+    for (const std::string& argument : arguments) texts.push_back(const_cast<char*>(argument.c_str()));
+    texts.push_back(nullptr);
+    const pid_t child = fork();
+    if (child < 0) return -1;
+    if (child == 0) BecomeProgram(path.c_str(), texts.data(), outPath.c_str(), errPath.c_str());
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+std::string FullDevice() {
+    return "/dev/full";
+}
+
+std::string EndlessDevice() {
+    return "/dev/zero";
+}
+
+bool MakeNamedPipe(const std::string& path) {
+    return mkfifo(path.c_str(), 0600) == 0;
+}
+
+OrdinaryUser::OrdinaryUser() : _ordinary(geteuid() != 0 || seteuid(65534) == 0) {}
+
+OrdinaryUser::~OrdinaryUser() {
+    if (getuid() == 0 && seteuid(0) != 0) _exit(126);
+}
+
+Interruptions::Interruptions() {
+    SetInterruptions([](int) {}, 1000);
+}
+
+Interruptions::~Interruptions() {
+    SetInterruptions(SIG_IGN, 0);
+}

@@ -1,0 +1,37 @@
+// What tests need of the system; one half per target.
+#ifndef TESTS_SUPPORT_TEST_SYSTEM_H
+#define TESTS_SUPPORT_TEST_SYSTEM_H
+
+#include <string>
+#include <vector>
+
+// Runs the program `name` of the test's own folder with its outputs in two files; see ProgramResult for the result.
+int RunAndWait(const std::string& name, const std::vector<std::string>& arguments, const std::string& outPath,
+               const std::string& errPath);
+
+// A file of the system that takes no byte, and a place that reads but is no regular file; empty where there is none.
+std::string FullDevice();
+std::string EndlessDevice();
+// False where file names cannot stand for pipes.
+bool MakeNamedPipe(const std::string& path);
+
+// For its life the thread acts as a user without rights, if it was one with all of them.
+class OrdinaryUser {
+public:
+    OrdinaryUser();
+    ~OrdinaryUser();
+    // False where the test cannot give its rights up.
+    bool IsOrdinary() const { return _ordinary; }
+
+private:
+    bool _ordinary;
+};
+
+// For its life a signal interrupts the process's calls about a thousand times a second, where there are signals.
+class Interruptions {
+public:
+    Interruptions();
+    ~Interruptions();
+};
+
+#endif
