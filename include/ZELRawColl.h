@@ -29,7 +29,7 @@ Value& ZELFreshValue() {
     alignas(Value) static thread_local unsigned char storage[sizeof(Value)];
     static thread_local Value* value = nullptr;
     if (value != nullptr) value->~Value();
-    value = new (static_cast<void*>(storage)) Value();
+    value = ::new (static_cast<void*>(storage)) Value();
     return *value;
 }
 

@@ -1,9 +1,11 @@
 // Cuts a text into tokens.
 //
 //     ZELToken tokens("/usr/bin:/bin");
-//     for (ZELUnicodeString next = tokens.GetNextToken(":"); next.GetLengthInChar() > 0; next =
-//     tokens.GetNextToken(":"))
+//     ZELUnicodeString next = tokens.GetNextToken(":");
+//     while (next.GetLengthInChar() > 0) {
 //         Search(next);
+//         next = tokens.GetNextToken(":");
+//     }
 //
 // Every character of the separators separates; they may differ from call to call. Separators in front of a token are
 // skipped and the one that ends it is taken away, so no token is empty: an empty one says that none is left.

@@ -1,7 +1,7 @@
 // A named trace channel with printf-style output, silent until somebody switches its name on.
 //
-// For messages that help to follow a run from inside: they cost one load while the channel is off. What the user of a
-// tool should always see goes through TADiagnostics.h instead.
+// For messages that help to follow a run from inside: they cost a call and a load while the channel is off. What the
+// user of a tool should always see goes through TADiagnostics.h instead.
 //
 //     ZELTrace trace("TASKLIST", nullptr, ZELTraAppend, "STDERR", 1024);
 //     trace.TraPrint("%d tasks\n", count);  // nothing

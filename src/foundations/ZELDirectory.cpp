@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "ZELUnicodeString.h"
 #include "foundations/console.h"
@@ -40,8 +41,7 @@ int ZELOpenDirectory(const char* path, ZELDirectoryHandle* directory) noexcept {
     if (directory == nullptr || directory->listing != nullptr) return 1;
     platform::DirectoryListing opened;
     if (!opened.Open(path)) return 1;
-    directory->listing =
-        new (std::nothrow) platform::DirectoryListing(static_cast<platform::DirectoryListing&&>(opened));
+    directory->listing = new (std::nothrow) platform::DirectoryListing(std::move(opened));
     if (directory->listing == nullptr) ReportAllocFailure("ZELDirectoryHandle", sizeof opened);
     return directory->listing != nullptr ? 0 : 1;
 }

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "ZELStableSort.h"
-#include "foundations/alloc_failure.h"
+#include "foundations/console.h"
 
 // Elements are compared as bytes.
 static_assert(std::has_unique_object_representations_v<void*> && std::has_unique_object_representations_v<int>);
@@ -73,7 +73,7 @@ bool ZELCollec::HasSameElements(const ZELCollec& other) const noexcept {
 }
 
 void ZELCollec::ReportAllocFailure(const char* className, std::size_t bytes) noexcept {
-    ReportFailedAllocation(className, bytes);
+    ::ReportAllocFailure(className, bytes);
 }
 
 // Says nothing: a hint that finds no memory is no failure.

@@ -17,6 +17,7 @@
 #include "foundations/binary_semaphore.h"
 #include "foundations/console.h"
 #include "platform/threads.h"
+#include "platform/waiting.h"
 
 int ZELMutex::Lock() noexcept {
     AcquireSemaphore(_state);
@@ -39,7 +40,7 @@ struct ZELThreads::State {
 
     std::atomic<bool> alive{false};  // until the body has returned, also when the thread was given up
     std::atomic<bool> endRequested{false};
-    std::atomic<unsigned int> threadId{0};
+    std::atomic<std::uint32_t> threadId{0};
     std::atomic<std::thread::id> self{};
 
     bool IsOwnThread() const noexcept { return self.load() == std::this_thread::get_id(); }
@@ -87,7 +88,7 @@ int ZELThreads::Run(int argument) {
         platform::NameCurrentThread(_name);
         state->self.store(std::this_thread::get_id());
         state->threadId.store(platform::CurrentThreadId());
-        state->threadId.notify_all();
+        platform::WakeAll(state->threadId);
         const int code = Execute(argument);
         state->self.store({});
         state->Finish(ZELThreadFinished, code);
@@ -100,7 +101,7 @@ int ZELThreads::Run(int argument) {
         state->status.store(before);
         return 1;
     }
-    state->threadId.wait(0);
+    while (state->threadId.load() == 0) platform::WaitOnWord(state->threadId, 0);
     return 0;
 }
 

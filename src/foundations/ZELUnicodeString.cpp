@@ -13,7 +13,7 @@
 #include <cstring>
 #include <utility>
 
-#include "foundations/alloc_failure.h"
+#include "foundations/console.h"
 #include "foundations/scan_number.h"
 #include "foundations/utf8.h"
 
@@ -27,7 +27,7 @@ char* MakeBytes(std::u32string_view units) noexcept {
     for (const char32_t code : units) size += Utf8Length(code);
     auto* const bytes = static_cast<char*>(std::malloc(size + 1));
     if (bytes == nullptr) {
-        ReportFailedAllocation("ZELUnicodeString", size + 1);
+        ReportAllocFailure("ZELUnicodeString", size + 1);
         return nullptr;
     }
     char* out = bytes;
@@ -139,7 +139,7 @@ char32_t* ZELUnicodeString::MakeRoom(std::size_t length) noexcept {
     void* const old = _room != 0 ? _long : nullptr;
     auto* const units = length <= MaxLength ? static_cast<char32_t*>(std::realloc(old, bytes)) : nullptr;
     if (units == nullptr) {
-        ReportFailedAllocation("ZELUnicodeString", length * sizeof(char32_t));
+        ReportAllocFailure("ZELUnicodeString", length * sizeof(char32_t));
         return nullptr;
     }
     if (old == nullptr) std::copy_n(_short, _length, units);

@@ -15,7 +15,7 @@
 #include <new>
 #include <utility>
 
-#include "foundations/alloc_failure.h"
+#include "foundations/console.h"
 #include "foundations/xml_text.h"
 
 ZELXMLNodeListener::~ZELXMLNodeListener() = default;
@@ -29,7 +29,7 @@ ZELXMLNode::ZELXMLNode(const ZELXMLNode& other) noexcept {
     SwapContent(bare);
 }
 
-ZELXMLNode::ZELXMLNode(ZELXMLNode&& other) noexcept {
+ZELXMLNode::ZELXMLNode(ZELXMLNode&& other) noexcept : ZELXMLNode() {
     SwapContent(other);
 }
 
@@ -133,7 +133,7 @@ bool ZELXMLNode::CopyTree(const ZELXMLNode& other) noexcept {
 
 ZELXMLNode* ZELXMLNode::MakeNode() noexcept {
     auto* const node = new (std::nothrow) ZELXMLNode;
-    if (node == nullptr) ReportFailedAllocation("ZELXMLNode", sizeof(ZELXMLNode));
+    if (node == nullptr) ReportAllocFailure("ZELXMLNode", sizeof(ZELXMLNode));
     return node;
 }
 

@@ -3,8 +3,6 @@
 // A release wakes somebody only from state 2, so that an uncontended pair costs two atomic operations. A waiter that
 // gets the lock leaves it in state 2, since it cannot know whether others wait too: one superfluous wake-up at the
 // end of a contention is the price.
-// The functions are out of line: on Windows each module has a pool of waiters of its own, and a sleeper is found only
-// by a wake-up from the same module.
 #ifndef FOUNDATIONS_BINARY_SEMAPHORE_H
 #define FOUNDATIONS_BINARY_SEMAPHORE_H
 

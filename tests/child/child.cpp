@@ -1,5 +1,6 @@
 // The program that tests start: `child VERB ARGUMENT...`. Each verb does one thing that a test can see from outside. It
 // uses nothing of the library, so that it shows what a child gets rather than what the library makes of it.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +17,7 @@ namespace {
 using Arguments = std::vector<std::string>;
 
 int Number(const Arguments& arguments, std::size_t index) {
-    return index < arguments.size() ? std::atoi(arguments[index].c_str()) : 0;
+    return index < arguments.size() ? static_cast<int>(std::strtol(arguments[index].c_str(), nullptr, 10)) : 0;
 }
 
 void SayReady() {
@@ -29,13 +30,13 @@ void Sleep(int milliseconds) {
 }
 
 // `length` bytes of a fixed pattern in blocks.
-int WritePattern(std::FILE* stream, long long length) {
+int WritePattern(std::FILE* stream, int length) {
     std::string block(65536, '\0');
     for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<char>('a' + i % 26);
     while (length > 0) {
-        const auto count = static_cast<std::size_t>(std::min<long long>(length, 65536));
+        const auto count = static_cast<std::size_t>(std::min(length, 65536));
         if (std::fwrite(block.data(), 1, count, stream) != count) return 1;
-        length -= static_cast<long long>(count);
+        length -= static_cast<int>(count);
     }
     return 0;
 }
@@ -104,9 +105,9 @@ const Verb verbs[] = {
      [](const Arguments& arguments) { return AwaitPoliteRequest(true, Number(arguments, 0), SayReady) ? 7 : 0; }},
     {"tree", "WIDTH DEPTH MS: print the own pid, start WIDTH children to DEPTH, sleep", SpawnTree},
     {"out", "COUNT: write so many bytes, a to z again and again, to standard output",
-     [](const Arguments& arguments) { return WritePattern(stdout, std::atoll(arguments.at(0).c_str())); }},
+     [](const Arguments& arguments) { return WritePattern(stdout, Number(arguments, 0)); }},
     {"err", "COUNT: the same to standard error",
-     [](const Arguments& arguments) { return WritePattern(stderr, std::atoll(arguments.at(0).c_str())); }},
+     [](const Arguments& arguments) { return WritePattern(stderr, Number(arguments, 0)); }},
     {"copy", ": standard input to standard output", CopyInput},
     {"descriptors", ": print the open ones", PrintDescriptors},
 };

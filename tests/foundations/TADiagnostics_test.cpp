@@ -2,13 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <numeric>
-#include <regex>
+#include <string>
+#include <vector>
 
 #include "ZELStackTrace.h"
-#include "foundations/date_text.h"
 #include "platform/system.h"
 #include "support/files.h"
 #include "support/programs.h"
@@ -26,8 +28,10 @@ TEST(TADiagnostics, EachLineGoesToItsStream) {
 }
 
 TEST(TADiagnostics, HeaderCarriesTheShortDate) {
-    const std::string out = RunProgram("probe", {"header"}).out;
-    EXPECT_TRUE(std::regex_match(out, std::regex("\n\n## \\d\\d-\\d\\d\\.\\d\\d:\\d\\d - x\n\n"))) << out;
+    std::string out = RunProgram("probe", {"header"}).out;
+    for (char& c : out)
+        if (c >= '0' && c <= '9') c = '9';
+    EXPECT_EQ(out, "\n\n## 99-99.99:99 - x\n\n");
 }
 
 TEST(TADiagnostics, LinesOfThreadsStayWhole) {
@@ -42,7 +46,7 @@ TEST(TADiagnostics, ServesStaticObjectsAndSurvivesDeadStreams) {
     EXPECT_EQ(RunProgram("probe", {"none"}).out, "   before\n   ERROR :after\n");
     EXPECT_EQ(RunProgram("probe", {"threads"}, FullDevice()).exitCode, 0);
     platform::PutEnvironment("ZEL_PROBE_STATIC=");
-    EXPECT_EQ(RunProgram("probe", {"closed"}).exitCode, 3);
+    EXPECT_EQ(RunProgram("probe", {"threads"}, ClosedStream).exitCode, 0);
 }
 
 TEST(TADiagnostics, FatalSaysWhyShowsTheStackAndAborts) {
@@ -125,8 +129,12 @@ TEST(ZELStackTrace, PrintsTheFramesThatWereAskedFor) {
             EXPECT_EQ(Printed(stack, first, count), std::vector<std::string>(all.begin() + begin, all.begin() + end));
         }
     stack.Print(nullptr, 0, 0);
-    const std::regex line("#\\d+ +0x[0-9a-f]{16} \\S+\\+0x[0-9a-f]+(  .+\\+0x[0-9a-f]+)?\r?");
-    for (const std::string& text : all) EXPECT_TRUE(std::regex_match(text, line)) << text;
+    for (int frame = 0; frame < size; ++frame) {
+        const std::string& text = all[static_cast<std::size_t>(frame)];
+        EXPECT_EQ(text.rfind("#" + std::to_string(frame).append(" "), 0), 0u) << text;
+        EXPECT_EQ(text.find("0x"), 5u) << text;
+        EXPECT_NE(text.find("+0x"), std::string::npos) << text;
+    }
     EXPECT_NE(all[0].find("foundations_tests"), std::string::npos) << all[0];
 }
 

@@ -71,11 +71,6 @@ int main(int count, char** arguments) {
         const TAEnvVariable variable("ZEL_PROBE", 16);
         return variable.PutEnvironmentValue("0123456789abcdef");
     }
-    if (verb == "closed") {
-        std::fclose(stdout);
-        PrintFromThreads();
-        return 3;
-    }
     if (verb == "fatal") {
         Trace("progress", 0);
         FATAL(-1, count > 2 ? arguments[2] : nullptr);

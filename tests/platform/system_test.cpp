@@ -8,6 +8,8 @@
 #include <string>
 
 #include "platform/clock.h"
+#include "platform/directories.h"
+#include "platform/files.h"
 #include "platform/frame_text.h"
 #include "support/files.h"
 #include "support/programs.h"
@@ -57,6 +59,16 @@ TEST(Children, ReceiveArgumentsAsTheyAreAndReportTheirEnd) {
     EXPECT_EQ(RunProgram("child", {"stubborn", "1"}).out, "ready\n");
     EXPECT_EQ(RunProgram("child", {"out", "100000"}).out.size(), 100000u);
     EXPECT_EQ(RunProgram("child", {"nonsense"}).exitCode, 125);
+}
+
+TEST(Children, InheritNothingOfTheLibrarys) {
+    const std::string before = RunProgram("child", {"descriptors"}).out;
+    const TemporaryFolder folder;
+    std::FILE* const stream = platform::OpenTextForWriting((folder / "stream").c_str(), true);
+    platform::DirectoryListing listing;
+    ASSERT_TRUE(stream != nullptr && listing.Open(folder.Path().c_str()));
+    EXPECT_EQ(RunProgram("child", {"descriptors"}).out, before);
+    std::fclose(stream);
 }
 
 TEST(System, FactsArePlausible) {

@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+// Stands for the path of a standard stream that the program finds closed.
+inline const std::string ClosedStream = "-";
+
 // Runs the program `name` of the test's own folder with its outputs in two files; see ProgramResult for the result.
 int RunAndWait(const std::string& name, const std::vector<std::string>& arguments, const std::string& outPath,
                const std::string& errPath);

@@ -27,7 +27,7 @@ using platform::RetryInterrupted;
 
 struct Source {
     Descriptor file;
-    struct stat status;
+    struct stat status = {};
 };
 
 ZELCopyStatus OpenSource(const char* path, Source& source) {
@@ -63,14 +63,17 @@ bool FollowLinks(char (&path)[PATH_MAX]) {
 struct Place {
     Descriptor folder;
     char name[NAME_MAX + 1];
-    bool exists;
-    struct stat status;  // of what exists
+    bool exists = false;
+    struct stat status = {};  // of what exists
 };
 
 bool FindPlace(const char* path, Place& place) {
     char resolved[PATH_MAX];
     if (std::strlen(path) >= sizeof resolved) return false;
     std::strcpy(resolved, path);
+    // Asked first: the system refuses links that others planted in shared folders, and its word counts.
+    struct stat followed;
+    if (stat(path, &followed) != 0 && errno != ENOENT) return false;
     if (!FollowLinks(resolved)) return false;
 
     const std::size_t folderLength = FolderLength(resolved);

@@ -5,7 +5,6 @@
 #include <sys/utsname.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -34,8 +33,13 @@ bool platform::GetSystemVersion(OSVERSIONINFOEXW& version) noexcept {
     version.dwOSVersionInfoSize = sizeof version;
     utsname system;
     if (uname(&system) != 0) return false;
-    std::sscanf(system.release, "%9u.%9u.%9u", &version.dwMajorVersion, &version.dwMinorVersion,
-                &version.dwBuildNumber);
+    const char* text = system.release;
+    for (unsigned int* const field : {&version.dwMajorVersion, &version.dwMinorVersion, &version.dwBuildNumber}) {
+        char* end = nullptr;
+        *field = static_cast<unsigned int>(std::strtoul(text, &end, 10));
+        if (*end != '.') break;
+        text = end + 1;
+    }
     return true;
 }
 

@@ -8,6 +8,8 @@
 //
 #include <dbghelp.h>
 
+#include <algorithm>
+
 #include "platform/frame_text.h"
 
 namespace {
@@ -58,7 +60,9 @@ void DescribeFunction(const void* address, platform::FrameName& name) {
 
 int platform::CaptureStack(void** frames, int limit, int skip) noexcept {
     // The system leaves itself out; this function is the first.
-    return CaptureStackBackTrace(static_cast<DWORD>(skip) + 1, static_cast<DWORD>(limit), frames, nullptr);
+    const int found = CaptureStackBackTrace(static_cast<DWORD>(skip) + 1, static_cast<DWORD>(limit), frames, nullptr);
+    // Below a thread's first function the walk may run into memory that holds no frames.
+    return static_cast<int>(std::find(frames, frames + found, nullptr) - frames);
 }
 
 void platform::DescribeFrame(const void* address, FrameName& name) noexcept {

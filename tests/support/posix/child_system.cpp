@@ -18,13 +18,18 @@ void DieBySignal(int number) {
 }
 
 bool AwaitPoliteRequest(bool ignore, int milliseconds, void (*ready)()) {
+    const timespec limit = {milliseconds / 1000, milliseconds % 1000 * 1000000L};
+    if (ignore) {
+        signal(SIGTERM, SIG_IGN);
+        ready();
+        nanosleep(&limit, nullptr);
+        return false;
+    }
     sigset_t polite;
     sigemptyset(&polite);
     sigaddset(&polite, SIGTERM);
     sigprocmask(SIG_BLOCK, &polite, nullptr);
-    if (ignore) signal(SIGTERM, SIG_IGN);
     ready();
-    const timespec limit = {milliseconds / 1000, milliseconds % 1000 * 1000000L};
     return sigtimedwait(&polite, nullptr, &limit) == SIGTERM;
 }
 

@@ -14,11 +14,13 @@ namespace {
 
 // Between fork and exec: only calls that are safe there.
 [[noreturn]] void BecomeProgram(const char* path, char* const* arguments, const char* outPath, const char* errPath) {
-    const int out = open(outPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    const bool closed = ClosedStream == outPath;
+    const int out = closed ? open("/dev/null", O_WRONLY) : open(outPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
     const int err = open(errPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
     if (dup2(out, 1) == 1 && dup2(err, 2) == 2) {
         close(out);
         close(err);
+        if (closed) close(1);
         execv(path, arguments);
     }
     _exit(127);

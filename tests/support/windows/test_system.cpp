@@ -10,6 +10,7 @@ namespace {
 
 // For the child's standard streams: open for it to inherit.
 HANDLE OpenForChild(const std::string& path) {
+    if (path == ClosedStream) return INVALID_HANDLE_VALUE;
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     return CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, CREATE_ALWAYS, 0,
                        nullptr);

@@ -1,0 +1,248 @@
+#include "ZELUnicodeString.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <random>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// UTF-8 by the definition: a sequence is well-formed when it is what its code is written as. Slow and independent of
+// the library's decoder.
+std::string WriteCode(unsigned int code) {
+    if (code < 0x80) return {char(code)};
+    if (code < 0x800) return {char(0xC0 | code >> 6), char(0x80 | (code & 63))};
+    if (code < 0x10000) return {char(0xE0 | code >> 12), char(0x80 | (code >> 6 & 63)), char(0x80 | (code & 63))};
+    return {char(0xF0 | code >> 18), char(0x80 | (code >> 12 & 63)), char(0x80 | (code >> 6 & 63)),
+            char(0x80 | (code & 63))};
+}
+
+std::u32string Decode(const std::string& bytes) {
+    std::u32string codes;
+    for (std::size_t at = 0; at < bytes.size();) {
+        std::size_t length = 4;
+        unsigned int code = 0;
+        for (; length > 0; --length) {
+            const std::string piece = bytes.substr(at, length);
+            code = static_cast<unsigned char>(piece[0]) & (length == 1 ? 0x7F : 0xFF >> (length + 1));
+            for (std::size_t i = 1; i < piece.size(); ++i) code = code << 6 | (piece[i] & 63);
+            const bool scalar = code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
+            if (scalar && piece.size() == length && WriteCode(code) == piece) break;
+        }
+        codes += length > 0 ? code : 0xDC00 + static_cast<unsigned char>(bytes[at]);
+        at += length > 0 ? length : 1;
+    }
+    return codes;
+}
+
+// Random text in which lead bytes, continuations and whole characters meet in all ways.
+std::string RandomBytes(std::mt19937& random) {
+    static const char* const pieces[] = {"a",    "\xC3", "\xA9", "\xE2\x82", "\xAC",     "\xED\xA0\x80", "\xF0\x9F",
+                                         "\x98", "\x80", "\xFF", "\xC0\xAF", "\xF4\x90", "\xE0\x9F",     "xyz"};
+    std::string text;
+    for (auto count = random() % 12; count > 0; --count) text += pieces[random() % std::size(pieces)];
+    return text;
+}
+
+}  // namespace
+
+TEST(ZELUnicodeString, KeepsEveryByte) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 20000; ++round) {
+        const std::string left = RandomBytes(random);
+        const std::string right = RandomBytes(random);
+        ZELUnicodeString text(left.c_str());
+        ASSERT_EQ(text.View(), Decode(left));
+        ASSERT_STREQ(text, left.c_str());
+        text += ZELUnicodeString(right.c_str());
+        ASSERT_STREQ(text, (left + right).c_str());
+        ASSERT_EQ(text.View(), Decode(left + right));
+    }
+}
+
+TEST(ZELUnicodeString, HoldsEveryCharacter) {
+    for (char32_t code = 1; code < 0x110010; ++code) {
+        if (code > 0x3000 && code < 0x10FF00 && code % 251 != 0 && (code & 0xFF00) != 0xDC00) continue;
+        const ZELUnicodeString text(ZELUnicodeChar(code), 3);
+        const bool lone = code >= 0xDC80 && code <= 0xDCFF;
+        const bool scalar = code < 0x110000 && (code < 0xD800 || code > 0xDFFF);
+        const std::string one = lone ? std::string(1, char(code & 0xFF)) : WriteCode(scalar ? code : 0xFFFD);
+        ASSERT_EQ(text.CastToCharPtr(), one + one + one) << std::hex << unsigned(code);
+        ASSERT_EQ(ZELUnicodeString(text.ConvertToChar()) == text, scalar || lone);
+        ASSERT_EQ(char(text[2]), code < 0x100 || lone ? char(code & 0xFF) : '?');
+    }
+    for (const int count : {0, -1, INT_MIN}) EXPECT_EQ(ZELUnicodeString('x', count), "");
+}
+
+TEST(ZELUnicodeString, GrowsAndChangesHandsAtEveryLength) {
+    std::u32string model;
+    ZELUnicodeString text;
+    for (int length = 0; length < 70; ++length) {
+        ZELUnicodeString copy(text);
+        ASSERT_STREQ(copy, std::string(model.begin(), model.end()).c_str());
+        ZELUnicodeString moved(std::move(copy));
+        copy = moved;
+        copy += copy;
+        ASSERT_EQ(copy.View(), model + model);
+        copy = ZELUnicodeString("short");
+        copy = std::move(moved);
+        ASSERT_TRUE(copy == text && moved.GetLengthInChar() == 0);
+        for (const int start : {INT_MIN, -1, 0, 1, length - 1, length, INT_MAX}) {
+            for (const int count : {INT_MIN, -1, 0, 1, length, INT_MAX}) {
+                const bool inside = start >= 0 && start < length && count >= 0;
+                ASSERT_EQ(text.SubString(start, count).View(), inside ? model.substr(start, count) : U"");
+            }
+            ASSERT_EQ(text[start].CodePoint(), start >= 0 && start < length ? model[start] : U'\0');
+        }
+        model += char32_t('a' + length % 26);
+        text += ZELUnicodeString(model.substr(length));
+    }
+}
+
+TEST(ZELUnicodeString, TellsNullFromEmpty) {
+    const ZELUnicodeString null(static_cast<const char*>(nullptr));
+    const ZELUnicodeString empty;
+    EXPECT_TRUE(null.IsNull() && !empty.IsNull() && !ZELUnicodeString("").IsNull());
+    EXPECT_TRUE(null == ZELUnicodeString(null) && null == nullptr && null != empty && null != "" && null < empty);
+    EXPECT_TRUE(empty == "" && empty != nullptr && empty == ZELString());
+    EXPECT_STREQ(null, "");
+    for (const ZELStripMode mode : {ZELStripLeading, ZELStripTrailing, ZELStripBoth}) {
+        EXPECT_TRUE(null.Strip(mode, ' ').IsNull());
+        EXPECT_FALSE(empty.Strip(mode, ' ').IsNull());
+    }
+    EXPECT_FALSE(null.SubString(0, 1).IsNull());
+    EXPECT_TRUE((null + null).IsNull() && !(null + empty).IsNull() && null + "a" == "a");
+    ZELUnicodeString text("something");
+    text = null;
+    EXPECT_TRUE(text.IsNull() && text.GetLengthInChar() == 0);
+    text = "";
+    EXPECT_FALSE(text.IsNull());
+}
+
+TEST(ZELUnicodeString, StripsTheEndsThatAreNamed) {
+    const char* const rows[][4] = {{"  a b ", "a b ", "  a b", "a b"},
+                                   {"   ", "", "", ""},
+                                   {"", "", "", ""},
+                                   {"a", "a", "a", "a"},
+                                   {" \xC3", "\xC3", " \xC3", "\xC3"}};
+    for (const auto& row : rows)
+        for (int mode = 0; mode < 3; ++mode)
+            EXPECT_EQ(ZELUnicodeString(row[0]).Strip(static_cast<ZELStripMode>(mode), ' '), row[1 + mode]) << row[0];
+    EXPECT_EQ(ZELUnicodeString("\xC3\xA9x\xC3\xA9").Strip(ZELStripBoth, ZELUnicodeChar('\xE9')), "x");
+}
+
+TEST(ZELUnicodeString, ReadsNumbersLikeScanf) {
+    const char* const texts[] = {"",    "0",     "12",      " -12",  "+7x",        "0x1F",        "0X1f",
+                                 "017", "08",    "x",       "- 5",   "-",          "1 2",         "a12",
+                                 "5%",  "% 5",   "abc",     "-0",    "2147483647", "-2147483648", "n=3",
+                                 "n 3", "\t\n9", "1234567", "-0x10", "4294967295"};
+    const char* const formats[] = {"%d",  "%i",  "%u",   "%x",   "%X",    "%o",  "%3d",
+                                   "%4i", " %d", "n=%d", "n %d", "%% %d", "%d%%"};
+    for (const char* const format : formats) {
+        for (const char* const text : texts) {
+            // What is too large for its type is undefined there.
+            const bool tooLarge = std::strlen(text) >= 10 && (std::strpbrk(format, "xX") || text[0] == '4');
+            if (tooLarge) continue;
+            unsigned int expected = 99;
+            int found = 99;
+            const int count = std::sscanf(text, format, &expected);
+            EXPECT_EQ(ZELUnicodeString(text).ConvertToNum(&found, format), count == 1 ? 1 : 0) << text << format;
+            EXPECT_EQ(found, static_cast<int>(expected)) << text << " by " << format;
+        }
+    }
+}
+
+TEST(ZELUnicodeString, RefusesFormatsAndClampsNumbers) {
+    int found = 99;
+    for (const char* const format : {"", "%", "d", "%%", "%%d", "%0d", "%s", "%n", "%c", "%ld", "%*d", "%d %d", "%d%n",
+                                     "%5", "%d%", "%1$d", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(ZELUnicodeString("5 5").ConvertToNum(&found, format), 0) << (format ? format : "null");
+    EXPECT_EQ(ZELUnicodeString("0x").ConvertToNum(&found, "%i"), 0);
+    EXPECT_EQ(found, 99);
+    EXPECT_EQ(ZELUnicodeString("5").ConvertToNum(nullptr, "%d"), 0);
+    struct Row {
+        const char* text;
+        const char* format;
+        int number;
+    };
+    for (const Row& row : {Row{"2147483648", "%d", INT_MAX}, Row{"-99999999999999999999999", "%i", INT_MIN},
+                           Row{"99999999999999999999999", "%u", -1}, Row{"-1", "%u", -1},
+                           Row{"FFFFFFFFFFFFF", "%x", -1}, Row{"123", "%99999999999999999999d", 123}}) {
+        EXPECT_EQ(ZELUnicodeString(row.text).ConvertToNum(&found, row.format), 1);
+        EXPECT_EQ(found, row.number) << row.text;
+    }
+}
+
+TEST(ZELUnicodeString, MakesItsBytesOnceForAllReaders) {
+    for (int round = 0; round < 200; ++round) {
+        const ZELUnicodeString text(
+            "gr\xC3\xBC\xC3\x9F"
+            "e");
+        const char* seen[2] = {};
+        std::thread other([&] { seen[0] = text.CastToCharPtr(); });
+        seen[1] = text.CastToCharPtr();
+        other.join();
+        ASSERT_EQ(seen[0], seen[1]);
+        ASSERT_STREQ(seen[0],
+                     "gr\xC3\xBC\xC3\x9F"
+                     "e");
+    }
+}
+
+TEST(ZELUnicodeChar, ClassifiesAsciiLikeTheCLocale) {
+    for (int code = 0; code < 128; ++code) {
+        const ZELUnicodeChar c = static_cast<char>(code);
+        const int found[] = {c.IsAlnum(), c.IsAlpha(), c.IsCntrl(), c.IsDigit(), c.IsGraph(), c.IsLower(),
+                             c.IsPrint(), c.IsPunct(), c.IsSpace(), c.IsUpper(), c.IsXDigit()};
+        int (*const expected[])(int) = {std::isalnum, std::isalpha, std::iscntrl, std::isdigit,
+                                        std::isgraph, std::islower, std::isprint, std::ispunct,
+                                        std::isspace, std::isupper, std::isxdigit};
+        for (std::size_t i = 0; i < std::size(found); ++i)
+            EXPECT_EQ(found[i], expected[i](code) ? 1 : 0) << code << " " << i;
+    }
+}
+
+TEST(ZELUnicodeChar, ClassifiesLatin1ByCategory) {
+    // U+0080 to U+00FF: control, space, punctuation or symbol or number, Upper, Lower, other Letter.
+    const std::string classes = std::string(32, 'c') +
+                                "sppppppppp"
+                                "L"
+                                "pp"
+                                "c"
+                                "pp"
+                                "ppppp"
+                                "l"
+                                "pppp"
+                                "L"
+                                "ppppp" +
+                                std::string(23, 'U') + "p" + std::string(7, 'U') + "l" + std::string(23, 'l') + "p" +
+                                std::string(8, 'l');
+    ASSERT_EQ(classes.size(), 128u);
+    for (int i = 0; i < 128; ++i) {
+        const ZELUnicodeChar c(static_cast<char32_t>(0x80 + i));
+        const char kind = classes[i];
+        const bool letter = kind == 'U' || kind == 'l' || kind == 'L';
+        EXPECT_EQ(c.IsAlpha(), letter) << i;
+        EXPECT_EQ(c.IsAlnum(), letter) << i;
+        EXPECT_EQ(c.IsUpper(), kind == 'U') << i;
+        EXPECT_EQ(c.IsLower(), kind == 'l') << i;
+        EXPECT_EQ(c.IsPunct(), kind == 'p') << i;
+        EXPECT_EQ(c.IsCntrl(), kind == 'c') << i;
+        EXPECT_EQ(c.IsSpace(), kind == 's') << i;
+        EXPECT_EQ(c.IsPrint(), kind != 'c') << i;
+        EXPECT_EQ(c.IsGraph(), letter || kind == 'p') << i;
+        EXPECT_EQ(c.IsDigit() + c.IsXDigit(), 0) << i;
+    }
+    for (const char32_t code : {0x100u, 0x130u, 0x2028u, 0x661u, 0xDCFFu, 0x10041u, 0xFFFFFFFFu}) {
+        const ZELUnicodeChar c(code);
+        EXPECT_EQ(c.IsAlnum() + c.IsCntrl() + c.IsGraph() + c.IsPrint() + c.IsSpace() + c.IsXDigit(), 0);
+    }
+    EXPECT_TRUE(ZELUnicodeChar('\xE9') > 'z' && ZELUnicodeChar('a') == 'a' && U'\xE9' == ZELUnicodeChar('\xE9'));
+}
