@@ -174,7 +174,7 @@ bool TAIndex::HoldsAfterSettling(int position) const noexcept {
 }
 
 void TAIndex::Settle() const noexcept {
-    _search->Settle({_keys, _values, _count - _search->Staged()});
+    if (_search != nullptr) _search->Settle({_keys, _values, _count - _search->Staged()});
     _settled = _count;
 }
 

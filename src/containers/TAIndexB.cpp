@@ -135,7 +135,7 @@ int TAIndexB::IsIn(const void* key, int sizeofkey) const noexcept {
 }
 
 int TAIndexB::RemovePosition(int position) noexcept {
-    if (!Holds(position) || !BecomeOwner()) return 1;
+    if (!Holds(position) || !BecomeOwner() || _keys == nullptr) return 1;
     std::free(_keys[position]);
     RemoveItem(_keys, _count, position);
     RemoveItem(_values, _count, position);

@@ -8,7 +8,6 @@
 #include <memory>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -231,7 +230,7 @@ TEST(TAIndex, AnAssignedIndexIsAViewUntilItIsChanged) {
 
         Model more = model;
         more["entry 5"] = &model;
-        EXPECT_EQ(view.Append("entry 5", &model) == nullptr, false);
+        EXPECT_NE(view.Append("entry 5", &model), nullptr);
         ExpectSame(view, more);
         EXPECT_NE(view.GetContent(), source->GetContent());
         if (count > 0) {
