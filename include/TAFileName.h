@@ -1,7 +1,7 @@
 // A path on disk as a value: normalised, cheap to copy, with path arithmetic, comparisons and a few actions on files.
 //
 // The text holds backslashes on both targets; slashes are turned round, repeated separators, "." components and ".."
-// components that can be taken back disappear (the rules stand in NormalisePath, their results in docs/files.md):
+// components that can be taken back disappear (docs/paths.md has the rules and a table of results):
 //
 //     TAFileName source("src/../include/ZELString.h");     // include\ZELString.h, as long as "src" stands alone
 //     TAFileName object = source.dirname(1) + "ZELString.o";
@@ -19,7 +19,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <string_view>
 
 #include "ZELExport.h"
@@ -143,12 +142,17 @@ private:
     struct Block {
         std::int32_t count;
         std::int32_t length;
-        char text[8];  // length + 1 bytes, and room up to what the normaliser may touch
+        bool normalised;  // false behind an added or replaced extension
+        char text[7];     // length + 1 bytes, and room up to what the normaliser may touch
     };
 
     static bool EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept;
-    static Block* MakeBlock(std::initializer_list<std::string_view> pieces) noexcept;
+    static Block* MakeBlock(std::string_view text) noexcept {
+        return MakeBlock(text, "", "");
+    }
+    static Block* MakeBlock(std::string_view first, std::string_view separator, std::string_view second) noexcept;
     explicit TAFileName(std::string_view path) noexcept;
+    TAFileName Part(std::size_t start, std::size_t length) const noexcept;
     TAFileName Join(std::string_view tail) const noexcept;
     void SetBlock(Block* block) noexcept;
     void Release() noexcept {

@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
@@ -40,9 +39,9 @@ bool IsAbsolute(std::string_view path) noexcept {
 int TAFileName::_backSlashReplacementOnUnix = 1;
 
 // A new block with the pieces one behind the other, not normalised; null for no text and when memory runs out.
-TAFileName::Block* TAFileName::MakeBlock(std::initializer_list<std::string_view> pieces) noexcept {
-    std::size_t length = 0;
-    for (const std::string_view piece : pieces) length += piece.size();
+TAFileName::Block* TAFileName::MakeBlock(std::string_view first, std::string_view separator,
+                                         std::string_view second) noexcept {
+    const std::size_t length = first.size() + separator.size() + second.size();
     if (length == 0) return nullptr;
     constexpr std::size_t MaxLength = 0x7FFFFF00;
     const std::size_t size = offsetof(Block, text) + (length / PathPadding + 1) * PathPadding;
@@ -53,9 +52,10 @@ TAFileName::Block* TAFileName::MakeBlock(std::initializer_list<std::string_view>
     }
     block->count = 1;
     block->length = static_cast<std::int32_t>(length);
-    char* end = block->text;
-    for (const std::string_view piece : pieces) end = std::copy(piece.begin(), piece.end(), end);
-    *end = '\0';
+    block->normalised = false;
+    char* end = std::copy(first.begin(), first.end(), block->text);
+    end = std::copy(separator.begin(), separator.end(), end);
+    *std::copy(second.begin(), second.end(), end) = '\0';
     return block;
 }
 
@@ -78,7 +78,7 @@ TAFileName::TAFileName(const char* path, int length) noexcept
 
 TAFileName::TAFileName(const ZELString& path) noexcept : TAFileName(path.View()) {}
 
-TAFileName::TAFileName(std::string_view path) noexcept : _block(MakeBlock({path})) {
+TAFileName::TAFileName(std::string_view path) noexcept : _block(MakeBlock(path)) {
     TAFileName::Normalize();
 }
 
@@ -94,13 +94,13 @@ TAFileName& TAFileName::operator=(TAFileName&& other) noexcept {
 }
 
 TAFileName& TAFileName::operator=(const char* path) noexcept {
-    SetBlock(MakeBlock({path != nullptr ? path : ""}));
+    SetBlock(MakeBlock(path != nullptr ? path : ""));
     Normalize();
     return *this;
 }
 
 TAFileName& TAFileName::operator=(const ZELString& path) noexcept {
-    SetBlock(MakeBlock({path.View()}));
+    SetBlock(MakeBlock(path.View()));
     Normalize();
     return *this;
 }
@@ -110,6 +110,7 @@ void TAFileName::Normalize() noexcept {
     const std::size_t length = NormalisePath(_block->text, static_cast<std::size_t>(_block->length));
     _block->length = static_cast<std::int32_t>(length);
     _block->text[length] = '\0';
+    _block->normalised = true;
     if (length == 0) SetBlock(nullptr);
 }
 
@@ -134,9 +135,20 @@ int TAFileName::Compare(TAFileName* left, TAFileName* right) noexcept {
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
+// A part of the text that ends at separators. What stands between separators of a normal form is one itself.
+TAFileName TAFileName::Part(std::size_t start, std::size_t length) const noexcept {
+    TAFileName part;
+    part._block = MakeBlock(View().substr(start, length));
+    if (part._block != nullptr && _block->normalised)
+        part._block->normalised = true;
+    else
+        part.TAFileName::Normalize();
+    return part;
+}
+
 TAFileName TAFileName::Join(std::string_view tail) const noexcept {
     TAFileName joined;
-    joined._block = MakeBlock({View(), _block != nullptr && !tail.empty() ? "\\" : "", tail});
+    joined._block = MakeBlock(View(), _block != nullptr && !tail.empty() ? "\\" : "", tail);
     joined.TAFileName::Normalize();
     return joined;
 }
@@ -150,7 +162,7 @@ TAFileName TAFileName::operator+(const ZELString& tail) const noexcept {
 
 TAFileName& TAFileName::operator+=(const char* tail) noexcept {
     const std::string_view added(tail != nullptr ? tail : "");
-    SetBlock(MakeBlock({View(), _block != nullptr && !added.empty() ? "/" : "", added}));
+    SetBlock(MakeBlock(View(), _block != nullptr && !added.empty() ? "/" : "", added));
     Normalize();
     return *this;
 }
@@ -168,11 +180,11 @@ int TAFileName::HasExtension(const char* ext) const noexcept {
 
 void TAFileName::SetExtension(const ZELString& ext) noexcept {
     // Without a dot rfind gives npos, and npos + 1 is 0: nothing of the text is kept.
-    SetBlock(MakeBlock({View().substr(0, View().rfind('.') + 1), ext.View()}));
+    SetBlock(MakeBlock(View().substr(0, View().rfind('.') + 1), "", ext.View()));
 }
 
 void TAFileName::AddExtension(const ZELString& ext) noexcept {
-    SetBlock(MakeBlock({View(), ext.View()}));
+    SetBlock(MakeBlock(View(), "", ext.View()));
 }
 
 TAFileName TAFileName::basename(int n) const noexcept {
@@ -184,7 +196,7 @@ TAFileName TAFileName::basename(int n) const noexcept {
         separator = end > 0 ? text.rfind(Separator, end - 1) : std::string_view::npos;
         if (separator == std::string_view::npos) return *this;
     }
-    return TAFileName(text.substr(separator + 1, end - separator - 1));
+    return Part(separator + 1, end - separator - 1);
 }
 
 TAFileName TAFileName::dirname(int n) const noexcept {
@@ -195,7 +207,7 @@ TAFileName TAFileName::dirname(int n) const noexcept {
         end = end > 0 ? text.rfind(Separator, end - 1) : std::string_view::npos;
         if (end == std::string_view::npos || end == 0) return TAFileName();
     }
-    return TAFileName(text.substr(0, end));
+    return Part(0, end);
 }
 
 int TAFileName::IsFile() const noexcept {
