@@ -5,12 +5,12 @@
 //     if (Split(line, fields, ";") == 2 && TestMatchWithLogExp(fields[1], "*.cpp&&!(*_test*)"))
 //         puts(TANormalizeArg(fields[2]));
 //
-// Every comparison is of bytes, and letters, digits and white space are those of ASCII, whatever the locale. Lists count
-// from 1. For character classes and repetitions use TAUnicodeRegularExpression; for XML documents ZELXMLNode.
+// Every comparison is of bytes, and letters, digits and white space are those of ASCII, whatever the locale. Lists
+// count from 1. For character classes and repetitions use TAUnicodeRegularExpression; for XML documents ZELXMLNode.
 //
-// A `char*&` is a NUL-terminated block of the C heap (malloc): the function may move it and then stores the new address;
-// the caller keeps it and ends it with free(). When memory runs out, a line that starts with "# Alloc failed in" goes to
-// standard output, the block stays as it was, and the result says that nothing was done. Nothing throws.
+// A `char*&` is a NUL-terminated block of the C heap (malloc): the function may move it and then stores the new
+// address; the caller keeps it and ends it with free(). When memory runs out, a line that starts with "# Alloc failed
+// in" goes to standard output, the block stays as it was, and the result says that nothing was done. Nothing throws.
 //
 // The functions keep no state: they may run in several threads at once on objects that no two of them change. Only
 // SearchConcatenation blocks, as long as the disk does.
@@ -33,8 +33,8 @@ ZEL_API int encodeXMLString(char*& text) noexcept;
 // text). Never moves or shrinks the block, and never needs memory.
 ZEL_API int decodeXMLString(char*& text) noexcept;
 
-// An escaped copy; empty when memory runs out. The word "toreplace" is the mark of an ampersand here: it becomes "&amp;"
-// as well.
+// An escaped copy; empty when memory runs out. The word "toreplace" is the mark of an ampersand here: it becomes
+// "&amp;" as well.
 ZEL_API ZELString substituteEntities(ZELString& text) noexcept;
 
 // Words.
