@@ -30,7 +30,7 @@ struct Range {
 };
 
 struct Place {
-    int depth;         // opening less closing parentheses in front of it; may be negative
+    int depth;         // closing less opening parentheses from here on; may be negative
     int nextOperator;  // the first pair of "&" or "|" at this depth from here on, or Nowhere
     int nextTildes;    // the same for "~~", at any depth
 };
@@ -124,20 +124,31 @@ bool Formula::MakeRoom(std::string_view expression) noexcept {
     return true;
 }
 
+// Backwards, so that each place knows what stands behind it.
 void Formula::MakeIndex() noexcept {
+    std::fill_n(_lastAtDepth - _size, 2 * static_cast<std::size_t>(_size) + 1, Nowhere);
     int depth = 0;
-    for (int i = 0; i <= _size; ++i) {
-        _places[i].depth = depth;
-        _lastAtDepth[depth] = Nowhere;
-        if (i < _size) depth += (_copy[i] == '(') - (_copy[i] == ')');
-    }
     int tildes = Nowhere;
-    for (int i = _size; i >= 0; --i) {
-        Place& place = _places[i];
-        if (StandsAt(i, _size, '&') || StandsAt(i, _size, '|')) _lastAtDepth[place.depth] = i;
-        if (StandsAt(i, _size, '~')) tildes = i;
-        place.nextOperator = _lastAtDepth[place.depth];
-        place.nextTildes = tildes;
+    _places[_size] = {depth, Nowhere, Nowhere};
+    for (int i = _size - 1; i >= 0; --i) {
+        switch (_copy[i]) {
+            case '(':
+                --depth;
+                break;
+            case ')':
+                ++depth;
+                break;
+            case '&':
+            case '|':
+                if (StandsAt(i, _size, _copy[i])) _lastAtDepth[depth] = i;
+                break;
+            case '~':
+                if (StandsAt(i, _size, '~')) tildes = i;
+                break;
+            default:
+                break;
+        }
+        _places[i] = {depth, _lastAtDepth[depth], tildes};
     }
 }
 

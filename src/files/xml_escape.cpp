@@ -26,10 +26,15 @@ struct Entity {
 constexpr std::array<Entity, 5> entities{
     {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&apos;"}}};
 
-// For each byte the entity's text at the end of eight bytes, and how much longer than the byte it is.
+// The entity's text between others that do not matter, so that eight bytes which begin or end with it can be copied at
+// once, and how much longer than the character it is.
 struct Escape {
-    char padded[8];
+    static constexpr std::size_t Block = 8;
+    char padded[2 * Block];  // the text ends in the middle
     std::uint8_t growth;
+
+    constexpr std::size_t Size() const noexcept { return growth + std::size_t{1}; }
+    constexpr const char* Text() const noexcept { return padded + Block - Size(); }
 };
 struct EscapeTable {
     std::array<std::uint8_t, 256> growth{};  // apart as well, since counting needs nothing else
@@ -44,7 +49,7 @@ constexpr EscapeTable table = [] {
         made.number[byte] = static_cast<std::uint8_t>(i);
         made.growth[byte] = made.escapes[i].growth = static_cast<std::uint8_t>(entity.text.size() - 1);
         for (std::size_t c = 0; c < entity.text.size(); ++c)
-            made.escapes[i].padded[8 - entity.text.size() + c] = entity.text[c];
+            made.escapes[i].padded[Escape::Block - entity.text.size() + c] = entity.text[c];
     }
     return made;
 }();
@@ -67,13 +72,12 @@ void EscapeFromEnd(char* text, std::size_t length, std::size_t write) noexcept {
         if (run != 0) std::memmove(text + write, text + read, run);
         --read;
         const Escape& escape = EscapeOf(text[read]);
-        const std::size_t size = escape.growth + std::size_t{1};
-        // Eight bytes at once where those in front of the entity are to be written later anyway.
-        if (write - read >= sizeof escape.padded)
-            std::memcpy(text + write - sizeof escape.padded, escape.padded, sizeof escape.padded);
+        // A whole block where the bytes in front of the entity are to be written later anyway.
+        if (write - read >= Escape::Block)
+            std::memcpy(text + write - Escape::Block, escape.padded, Escape::Block);
         else
-            std::memcpy(text + write - size, escape.padded + sizeof escape.padded - size, size);
-        write -= size;
+            std::memcpy(text + write - escape.Size(), escape.Text(), escape.Size());
+        write -= escape.Size();
     }
 }
 
@@ -84,14 +88,24 @@ const Entity* EntityAtEnd(std::string_view text) noexcept {
     return nullptr;
 }
 
+// Appends in large pieces: a piece for each entity would cost more than the work on it.
 void PutEscaped(XMLOutput& output, std::string_view text) noexcept {
-    std::size_t done = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (GrowthOf(text[i]) == 0) continue;
-        output.Put(text.substr(done, i - done)).Put(entities[table.number[static_cast<unsigned char>(text[i])]].text);
-        done = i + 1;
+    char room[4096];
+    std::size_t used = 0;
+    for (const char character : text) {
+        if (used + Escape::Block > sizeof room) {
+            output.Put({room, used});
+            used = 0;
+        }
+        if (GrowthOf(character) == 0) {
+            room[used++] = character;
+            continue;
+        }
+        const Escape& escape = EscapeOf(character);
+        std::memcpy(room + used, escape.Text(), Escape::Block);
+        used += escape.Size();
     }
-    output.Put(text.substr(done));
+    output.Put({room, used});
 }
 
 }  // namespace
