@@ -4,6 +4,7 @@
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
+#include "TAFileName.h"
 #include "TAIndex.h"
 #include "TAIndexB.h"
 #include "TAIndexI.h"
