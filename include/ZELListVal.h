@@ -63,7 +63,9 @@ public:
         return left._slot - right._slot;
     }
     friend bool operator==(ZELListValIterator left, ZELListValIterator right) noexcept = default;
-    friend auto operator<=>(ZELListValIterator left, ZELListValIterator right) noexcept = default;
+    friend std::strong_ordering operator<=>(ZELListValIterator left, ZELListValIterator right) noexcept {
+        return left._slot <=> right._slot;
+    }
 
 private:
     value_type* const* _slot = nullptr;

@@ -17,7 +17,6 @@
 #define ZELRAWCOLL_H
 
 #include <cstddef>
-#include <cstring>
 #include <new>
 
 #include "ZELExport.h"
@@ -58,8 +57,8 @@ protected:
     ZELCollec& operator=(const ZELCollec& other) noexcept;
     ZELCollec& operator=(ZELCollec&& other) noexcept;
 
-    // The elements, as the one type that this collection keeps. They are written as bytes, so a layer above may look
-    // at pointers as the type that they really have instead of as void*.
+    // The elements, as the one type that this collection keeps. All else here moves them as bytes, so a typed list may
+    // keep pointers of their real type instead of void*, and hand out references to them.
     template <class Element>
     Element* Elements() const noexcept {
         return static_cast<Element*>(_elements);
@@ -71,8 +70,7 @@ protected:
     template <class Element>
     int AppendElement(Element element) noexcept {
         if (_size == _capacity && Grow() != 0) return 1;
-        std::memcpy(static_cast<Element*>(_elements) + _size, &element, sizeof element);
-        ++_size;
+        ::new (static_cast<void*>(static_cast<Element*>(_elements) + _size++)) Element(element);
         return 0;
     }
     int InsertElement(int position, const void* element) noexcept;

@@ -13,7 +13,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
+#include <memory>
+#include <new>
 
 // The sort itself, for callers who bring the buffer: room for count / 2 pointers, or null to sort in place.
 template <class Pointer, class Compare>
@@ -69,9 +70,8 @@ private:
 template <class Pointer, class Compare>
 void ZELStableSort(Pointer* first, int count, Compare compare) noexcept {
     if (count < 2) return;
-    auto* const buffer = static_cast<Pointer*>(std::malloc(static_cast<std::size_t>(count / 2) * sizeof(Pointer)));
-    ZELMergeSort<Pointer, Compare>(compare, buffer).Sort(first, count);
-    std::free(buffer);
+    const std::unique_ptr<Pointer[]> buffer(new (std::nothrow) Pointer[static_cast<std::size_t>(count / 2)]);
+    ZELMergeSort<Pointer, Compare>(compare, buffer.get()).Sort(first, count);
 }
 
 #endif

@@ -9,6 +9,7 @@
 #include "TAIndex.h"
 #include "TAIndexB.h"
 #include "TAIndexI.h"
+#include "TATextUtilities.h"
 #include "ZELDirectory.h"
 #include "ZELExport.h"
 #include "ZELListPtr.h"

@@ -68,7 +68,9 @@ public:
     int IsXDigit() const noexcept { return Has(HexDigit); }
 
     friend constexpr bool operator==(ZELUnicodeChar, ZELUnicodeChar) noexcept = default;
-    friend constexpr std::strong_ordering operator<=>(ZELUnicodeChar, ZELUnicodeChar) noexcept = default;
+    friend constexpr std::strong_ordering operator<=>(ZELUnicodeChar left, ZELUnicodeChar right) noexcept {
+        return left._code <=> right._code;
+    }
     // Exact matches, since a ZELUnicodeChar converts to char as well.
     friend constexpr bool operator==(ZELUnicodeChar left, char right) noexcept { return left == ZELUnicodeChar(right); }
     friend constexpr bool operator==(ZELUnicodeChar left, char32_t right) noexcept { return left._code == right; }

@@ -2,112 +2,65 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
-#include <cstddef>
-#include <map>
+#include <cstring>
 #include <random>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
-// A small strict reader of what the library writes: it fails on everything that is not well-formed, and tells the
-// content in a notation of its own, tag{name=value;...}[text|node node ...].
-class Reader {
-public:
-    explicit Reader(std::string xml) : _xml(std::move(xml)) {}
+// The text with its references resolved. What a parser would refuse or change is not there by the pattern below.
+std::string Resolve(std::string text) {
+    const char* const rows[][2] = {{"&lt;", "<"},  {"&gt;", ">"},   {"&quot;", "\""}, {"&apos;", "'"},
+                                   {"&#9;", "\t"}, {"&#10;", "\n"}, {"&#13;", "\r"},  {"&amp;", "&"}};
+    for (const auto& row : rows)
+        for (std::size_t at = 0; (at = text.find(row[0], at)) != std::string::npos; ++at)
+            text.replace(at, std::strlen(row[0]), row[1]);
+    return text;
+}
 
-    std::string Read() {
-        std::string content;
-        while (!_open.empty() || content.empty()) {
-            if (!Take("<")) return Fail();
-            if (Take("/")) {
-                if (_open.empty() || !Take(_open.back() + ">")) return Fail();
-                _open.pop_back();
-                content += "]";
-            } else if (!ReadStart(content)) {
-                return Fail();
+// A small strict reader of what the library writes: fails on what is not well-formed, and tells the content in a
+// notation of its own, tag{name=value;...}[text or nodes].
+std::string Read(const std::string& xml) {
+    static const std::string name = "[A-Za-z_:\\x80-\\xFF][-.0-9A-Za-z_:\\x80-\\xFF]*";
+    static const std::string reference = "&(?:amp|lt|gt|quot|apos|#9|#10|#13);";
+    static const std::string value = "((?:" + reference + "|[^&<>\"'\\x01-\\x1F])*)";
+    static const std::regex attribute(" (" + name + ")=\"" + value + "\"");
+    static const std::regex token("<(" + name + ")((?: " + name + "=\"" + value + "\")*)(/?)>|</(" + name +
+                                  ")>|(?:" + reference + "|[^&<>\"'\\x01-\\x08\\x0B-\\x1F])+");
+    std::string content;
+    std::vector<std::string> open;
+    std::smatch found;
+    for (auto at = xml.begin(); at != xml.end(); at = found.suffix().first) {
+        if (!std::regex_search(at, xml.end(), found, token, std::regex_constants::match_continuous)) return "refused";
+        if (found[1].matched) {
+            std::set<std::string> names;
+            content += found.str(1) + "{";
+            const std::string attributes = found.str(2);
+            for (std::sregex_iterator next(attributes.begin(), attributes.end(), attribute), end; next != end; ++next) {
+                if (!names.insert(next->str(1)).second) return "repeated " + next->str(1);
+                content += next->str(1) + "=" + Resolve(next->str(2)) + ";";
             }
-            const std::size_t start = _at;
-            const std::string text = ReadText('<');
-            const bool isBlank = text.find_first_not_of(" \n") == std::string::npos;
-            if (_xml.compare(_at, 2, "</") == 0 && _xml[start - 2] != '/' && !isBlank)
-                content += text;
-            else if (!isBlank)
-                content += "'" + text + "'";
-        }
-        return _at == _xml.size() && _xml.back() == '\n' ? content : Fail();
-    }
-
-private:
-    std::string Fail() { return "not well-formed at " + std::to_string(_at) + ": " + _xml.substr(_at, 60); }
-
-    bool Take(const std::string& what) {
-        if (_xml.compare(_at, what.size(), what) != 0) return false;
-        _at += what.size();
-        return true;
-    }
-
-    std::string ReadName() {
-        const std::size_t start = _at;
-        while (_at < _xml.size() && (std::isalnum(static_cast<unsigned char>(_xml[_at])) || _xml[_at] & 0x80 ||
-                                     std::string("_:.-").find(_xml[_at]) != std::string::npos))
-            ++_at;
-        const std::string name = _xml.substr(start, _at - start);
-        return name.empty() || std::string("0123456789.-").find(name[0]) != std::string::npos ? "" : name;
-    }
-
-    // Up to `end`, with references resolved; no character that a parser would refuse or change.
-    std::string ReadText(char end) {
-        static const std::map<std::string, std::string> references = {{"&amp;", "&"},   {"&lt;", "<"},   {"&gt;", ">"},
-                                                                      {"&quot;", "\""}, {"&apos;", "'"}, {"&#9;", "\t"},
-                                                                      {"&#10;", "\n"},  {"&#13;", "\r"}};
-        std::string text;
-        while (_at < _xml.size() && _xml[_at] != end) {
-            const unsigned char c = static_cast<unsigned char>(_xml[_at]);
-            if (c == '<' || c == '>' || (c < ' ' && (end == '"' || (c != '\n' && c != '\t')))) break;
-            if (c != '&') {
-                text += _xml[_at++];
-                continue;
-            }
-            const std::size_t semicolon = _xml.find(';', _at);
-            const auto reference = references.find(_xml.substr(_at, semicolon - _at + 1));
-            if (reference == references.end()) break;
-            text += reference->second;
-            _at = semicolon + 1;
-        }
-        return text;
-    }
-
-    bool ReadStart(std::string& content) {
-        const std::string tag = ReadName();
-        std::map<std::string, std::string> attributes;
-        content += tag + "{";
-        while (Take(" ")) {
-            const std::string name = ReadName();
-            if (name.empty() || !Take("=\"")) return false;
-            const std::string value = ReadText('"');
-            if (!Take("\"") || !attributes.emplace(name, value).second) return false;
-            content += name + "=" + value + ";";
-        }
-        content += "}[";
-        if (Take("/>"))
+            content += found.length(4) ? "}[]" : "}[";
+            if (found.length(4) == 0) open.push_back(found[1]);
+        } else if (found[5].matched) {
+            if (open.empty() || open.back() != found.str(5)) return "not nested at " + found.str(5);
+            open.pop_back();
             content += "]";
-        else if (Take(">"))
-            _open.push_back(tag);
-        else
-            return false;
-        return !tag.empty();
+        } else if (found.str().find_first_not_of(" \n") != std::string::npos) {
+            content += Resolve(found.str());
+        }
     }
-
-    std::string _xml;
-    std::size_t _at = 0;
-    std::vector<std::string> _open;
-};
+    return open.empty() ? content : "open " + open.back();
+}
 
 std::string Content(const ZELXMLNode& node) {
-    return Reader(node.ToXML().CastToCharPtr()).Read();
+    return Read(node.ToXML().CastToCharPtr());
 }
 
 struct Recorder : ZELXMLNodeListener {
@@ -139,7 +92,7 @@ TEST(ZELXMLNode, WritesWhatAParserReadsBack) {
     mixed.AddNode("B").AddNode("C");
     const std::string replacement = "\xEF\xBF\xBD";
     EXPECT_EQ(Content(root), "Path{Name=a<b>&\"'\t\r\n" + replacement + replacement + replacement +
-                                 ";Size=1;}[File{}[ x<y>&\"' \r\t\n]Empty{a_b=2;}[]Mixed{}['t'B{}[C{}[]]]]");
+                                 ";Size=1;}[File{}[ x<y>&\"' \r\t\n]Empty{a_b=2;}[]Mixed{}[tB{}[C{}[]]]]");
     EXPECT_STREQ(root.ToXML().SubString(root.ToXML().FindPosition("  <Empty"), 99),
                  "  <Empty a_b=\"2\"/>\n  <Mixed>t<B><C/></B></Mixed>\n</Path>\n");
     std::ostringstream stream;
@@ -168,9 +121,16 @@ TEST(ZELXMLNode, MakesNamesOfAnything) {
         ZELXMLNode node(bytes.c_str());
         node.SetAttr(bytes.c_str(), bytes.c_str());
         node.AddNode(bytes.c_str()).SetText(bytes.c_str());
-        ASSERT_EQ(Content(node).find("not well-formed"), std::string::npos) << Content(node);
+        ASSERT_EQ(Content(node).back(), ']') << Content(node);
         ASSERT_EQ(node.LocateNode(bytes.c_str()), 1);
+        for (const int outside : {INT_MIN, 0, 2, INT_MAX}) {
+            ASSERT_EQ(node.GetNode(outside), nullptr);
+            ASSERT_EQ(node.GetAttrName(outside), nullptr);
+            ASSERT_EQ(node.LocateNode(bytes.c_str(), outside), 0);
+        }
     }
+    EXPECT_EQ(ZELXMLNode("n").SetAttr(nullptr, "v") + ZELXMLNode("n").SetAttr("", "v"), 2);
+    EXPECT_EQ(ZELXMLNode("n").GetAttr(nullptr), nullptr);
 }
 
 TEST(ZELXMLNode, IsAnArgumentToItself) {
@@ -192,27 +152,7 @@ TEST(ZELXMLNode, IsAnArgumentToItself) {
     moved.AddNode("c");
     *moved.GetNode(1) = moved;
     EXPECT_EQ(Content(moved), "a{}[a{}[b{}[]c{}[]]c{}[]]");
-    EXPECT_EQ(Content(root), "_{}[]");
-}
-
-TEST(ZELXMLNode, AnswersPositionsAndNamesOutside) {
-    ZELXMLNode node("n");
-    node.AddNode("a");
-    node.AddNode("b");
-    node.AddNode("a");
-    for (const int position : {INT_MIN, -1, 0, 4, INT_MAX}) {
-        EXPECT_EQ(node.GetNode(position), nullptr);
-        EXPECT_EQ(node.GetAttrName(position), nullptr);
-        EXPECT_EQ(node.LocateNode("a", position), 0);
-    }
-    EXPECT_EQ(node.LocateNode("a", 2), 3);
-    EXPECT_EQ(node.LocateNode("x"), 0);
-    EXPECT_EQ(node.SetAttr(nullptr, "v"), 1);
-    EXPECT_EQ(node.SetAttr("", "v"), 1);
-    EXPECT_EQ(node.SetAttr("k", nullptr), 0);
-    EXPECT_STREQ(node.GetAttr("k"), "");
-    EXPECT_EQ(node.GetAttr("K"), nullptr);
-    EXPECT_EQ(node.GetAttr(nullptr), nullptr);
+    EXPECT_EQ(Content(root), "_{}[]");  // NOLINT: what a move leaves behind
 }
 
 TEST(ZELXMLNode, TellsListenersThatComeAndGo) {
@@ -238,13 +178,17 @@ TEST(ZELXMLNode, TellsListenersThatComeAndGo) {
 
 TEST(ZELXMLNode, IsAsDeepAsMemoryAllows) {
     const int depth = 100000;
-    ZELXMLNode root("r");
+    ZELXMLNode root("n");
     ZELXMLNode* node = &root;
-    for (int i = 0; i < depth; ++i) node = &node->AddNode("n");
+    std::string expected;
+    for (int i = 0; i < depth; ++i) {
+        node = &node->AddNode("n");
+        expected += std::string(2 * std::min(i, 32), ' ') + "<n>\n";
+    }
+    expected += std::string(64, ' ') + "<n/>\n";
+    for (int i = depth - 1; i >= 0; --i) expected += std::string(2 * std::min(i, 32), ' ') + "</n>\n";
     ZELXMLNode copy(root);
     copy = root;
-    const ZELString xml = copy.ToXML();
-    EXPECT_LT(xml.Length(), depth * 150);
-    EXPECT_EQ(Content(copy).size(), std::string("n{}[]").size() * (depth + 1));
+    EXPECT_TRUE(copy.ToXML() == expected.c_str());
     root.AddNode(copy);
 }

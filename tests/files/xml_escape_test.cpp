@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+#include <utility>
+
+#include "TATextUtilities.h"
+
+namespace {
+
+const std::pair<std::string, std::string> entities[] = {
+    {"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\"", "&quot;"}, {"'", "&apos;"}};
+
+// What one of the two functions makes of a block that is exactly as large as the text.
+std::pair<int, std::string> OnHeap(int (*function)(char*&), const std::string& text) {
+    char* block = static_cast<char*>(std::malloc(text.size() + 1));
+    std::memcpy(block, text.c_str(), text.size() + 1);
+    const int result = function(block);
+    const std::string changed = block;
+    std::free(block);
+    return {result, changed};
+}
+
+int Encode(char*& text) {
+    return encodeXMLString(text);
+}
+int Decode(char*& text) {
+    return decodeXMLString(text);
+}
+
+std::string DecodedByPasses(std::string text) {
+    for (const auto& [character, entity] : entities)
+        for (std::size_t at; (at = text.find(entity)) != std::string::npos;) text.replace(at, entity.size(), character);
+    return text;
+}
+
+std::string EncodedByPasses(std::string text) {
+    for (const auto& [character, entity] : entities)
+        for (std::size_t at = 0; (at = text.find(character, at)) != std::string::npos; at += entity.size())
+            text.replace(at, 1, entity);
+    return text;
+}
+
+}  // namespace
+
+TEST(XMLEscape, WritesAndReadsWhatPassesForEachEntityWould) {
+    const std::string pieces[] = {"&",        "amp;",      "lt;",    "&gt;", "&quot;", "&apos;", "<",
+                                  ">",        "\"",        "'",      ";",    "&am",    "p",      "a long run of text",
+                                  "\xC3\xA4", "toreplace", "torepl", "ace"};
+    std::mt19937 random(1);
+    for (int round = 0; round < 20000; ++round) {
+        std::string text;
+        for (auto count = random() % 12; count > 0; --count) text += pieces[random() % std::size(pieces)];
+
+        const std::string encoded = EncodedByPasses(text);
+        ASSERT_EQ(OnHeap(Encode, text), std::pair(encoded != text ? 1 : 0, encoded));
+        ASSERT_EQ(OnHeap(Decode, text), std::pair(DecodedByPasses(text) != text ? 1 : 0, DecodedByPasses(text)));
+
+        std::string marked = text;
+        for (std::size_t at; (at = marked.find("toreplace")) != std::string::npos;) marked.replace(at, 9, 1, '&');
+        ZELString source(text.c_str());
+        ASSERT_EQ(std::string(substituteEntities(source).View()), EncodedByPasses(marked)) << text;
+        ASSERT_EQ(source, text.c_str());
+    }
+}
+
+TEST(XMLEscape, TakesTimeInProportionToTheText) {
+    constexpr std::size_t Count = 2000000;
+    std::string nested = "&";
+    for (std::size_t i = 0; i < Count; ++i) nested += "amp;";
+    EXPECT_EQ(OnHeap(Decode, nested), std::pair(1, std::string("&")));
+    EXPECT_EQ(OnHeap(Encode, std::string(Count, '\'')).second.size(), Count * 6);
+    ZELString ampersands(std::string(Count, '&').c_str());
+    EXPECT_EQ(substituteEntities(ampersands).View().size(), Count * 5);
+
+    char* none = nullptr;
+    EXPECT_EQ(encodeXMLString(none) + decodeXMLString(none), 0);
+}
