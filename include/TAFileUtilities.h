@@ -56,10 +56,10 @@ ZEL_API void ReadDirectory(ZELString pattern, ZELListValZELString& names, unsign
 ZEL_API void ReadDirectory(const char* pattern, ZELListValTAFileName& names) noexcept;
 ZEL_API void ReadDirectory(ZELString pattern, ZELListValTAFileName& names) noexcept;
 
-// Appends the paths of all regular files of a tree, each beginning with `directory`. Depth first: the files of a
-// directory in the order in which the system lists them, then its directories one after the other, each with all that
-// is in it. Links are not followed, only `directory` itself may be one. What cannot be read is passed over, and so are,
-// on Linux, names that hold a backslash. Trees may be as deep as memory allows.
+// Appends the paths of all regular files of a tree, each beginning with `directory`, its slashes turned round. Depth
+// first: the files of a directory in the order in which the system lists them, then its directories one after the
+// other, each with all that is in it. Links are not followed, only `directory` itself may be one. What cannot be read
+// is passed over, and so are, on Linux, names that hold a backslash. Trees may be as deep as memory allows.
 ZEL_API void ReadRecursiveDirectory(ZELString directory, ZELListValZELString& names) noexcept;
 
 // Removes a directory and all that is in it: 0 when it is gone, else 1. Links are removed and never followed, nothing
@@ -68,8 +68,8 @@ ZEL_API void ReadRecursiveDirectory(ZELString directory, ZELListValZELString& na
 // A file that cannot be removed is told as "   Unable to delete file " + path on standard output and does not keep the
 // others of its directory. A directory below `directory` that cannot be removed is told as "   Unable to delete
 // directory " + path, and the other directories beside it stay.
-// 1 and nothing done for null, for the empty path, for what is no directory, and for a link. Trees may be as deep as
-// memory allows (Windows: as paths may be long) and take about 16 open files at most.
+// 1 and nothing done for null, for the empty path, for the root of a drive, for what is no directory, and for a link.
+// Trees may be as deep as memory allows (Windows: as paths may be long) and take about 16 open files at most.
 ZEL_API int TACleanDirectory(const char* directory) noexcept;
 
 // Copies a file, links followed, with its permissions and replaces the target: it is there complete or as it was. 0, or

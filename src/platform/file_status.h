@@ -7,7 +7,6 @@
 namespace platform {
 
 struct FileStatus {
-    bool isDirectory;
     std::int64_t size;      // bytes; 0 for a directory
     std::int64_t modified;  // seconds since 1970-01-01 00:00 UTC
     bool isWritable;        // by the caller (Windows: as far as the attributes tell)

@@ -41,7 +41,7 @@ public:
     // Remove an entry of the current directory, in spite of attributes against it (Linux: the mode of a file becomes
     // 0600 if it could not be removed before). RemoveFile removes links to directories too. True when it is gone.
     bool RemoveFile(const char* name) noexcept;
-    bool RemoveDirectory(const char* name) noexcept;
+    bool RemoveFolder(const char* name) noexcept;
     // Closes the cursor and removes the top.
     bool CloseAndRemoveTop() noexcept;
     void Close() noexcept;

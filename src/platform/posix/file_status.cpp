@@ -12,8 +12,7 @@ bool platform::ReadFileStatus(const char* path, FileStatus& status) noexcept {
     const NativePath native(path);
     struct stat found;
     if (native.Text() == nullptr || stat(native.Text(), &found) != 0) return false;
-    status.isDirectory = S_ISDIR(found.st_mode);
-    status.size = status.isDirectory ? 0 : found.st_size;
+    status.size = S_ISDIR(found.st_mode) ? 0 : found.st_size;
     status.modified = found.st_mtime;
     status.isWritable = faccessat(AT_FDCWD, native.Text(), W_OK, AT_EACCESS) == 0;
     return true;

@@ -179,7 +179,7 @@ bool platform::TreeCursor::RemoveFile(const char* name) noexcept {
     return fchmodat(folder, name, FileRights, AT_SYMLINK_NOFOLLOW) == 0 && unlinkat(folder, name, 0) == 0;
 }
 
-bool platform::TreeCursor::RemoveDirectory(const char* name) noexcept {
+bool platform::TreeCursor::RemoveFolder(const char* name) noexcept {
     return unlinkat(_state->Current(), name, AT_REMOVEDIR) == 0 || errno == ENOENT;
 }
 

@@ -29,8 +29,8 @@ bool platform::ReadFileStatus(const char* path, FileStatus& status) noexcept {
     const bool told = GetFileInformationByHandle(file, &found);
     CloseHandle(file);
     if (!told) return false;
-    status.isDirectory = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    status.size = status.isDirectory ? 0 : (static_cast<std::int64_t>(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
+    const bool isDirectory = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    status.size = isDirectory ? 0 : (static_cast<std::int64_t>(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
     status.modified = ToUnixSeconds(found.ftLastWriteTime);
     status.isWritable = (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) == 0;
     return true;

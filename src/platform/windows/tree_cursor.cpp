@@ -141,7 +141,7 @@ bool platform::TreeCursor::RemoveFile(const char* name) noexcept {
     return removed;
 }
 
-bool platform::TreeCursor::RemoveDirectory(const char* name) noexcept {
+bool platform::TreeCursor::RemoveFolder(const char* name) noexcept {
     if (!_state->Append(name)) return false;
     const bool removed = RemoveInSpite(_state->path, RemoveDirectoryA);
     _state->Cut();
