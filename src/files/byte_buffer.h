@@ -5,10 +5,7 @@
 
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
-
-#include "foundations/console.h"
 
 class ByteBuffer {
 public:
@@ -24,34 +21,14 @@ public:
     std::string_view View() const noexcept { return {Text(), _size}; }
 
     // False, with the line that every class prints and nothing changed, when memory runs out.
-    bool Append(std::string_view bytes) noexcept {
-        if (bytes.size() >= _capacity - _size && !Reserve(_size + bytes.size() + 1)) return false;
-        if (!bytes.empty()) std::memcpy(_bytes + _size, bytes.data(), bytes.size());
-        _size += bytes.size();
-        _bytes[_size] = '\0';
-        return true;
-    }
+    bool Append(std::string_view bytes) noexcept;
     // Room for so many bytes in all; at least doubles, so that growing costs amortised constant time.
-    bool Reserve(std::size_t capacity) noexcept {
-        if (capacity <= _capacity) return true;
-        if (capacity < _capacity * 2) capacity = _capacity * 2;
-        if (capacity < FirstCapacity) capacity = FirstCapacity;
-        auto* const grown = static_cast<char*>(std::realloc(_bytes, capacity));
-        if (grown == nullptr) {
-            ReportAllocFailure("ByteBuffer", capacity);
-            return false;
-        }
-        _bytes = grown;
-        _capacity = capacity;
-        return true;
-    }
+    bool Reserve(std::size_t capacity) noexcept;
     void Truncate(std::size_t size) noexcept {
         if (_bytes != nullptr) _bytes[_size = size] = '\0';
     }
 
 private:
-    static constexpr std::size_t FirstCapacity = 256;
-
     char* _bytes = nullptr;
     std::size_t _size = 0;
     std::size_t _capacity = 0;
