@@ -3,7 +3,8 @@
 // The standard library's std::atomic::wait is not used for this: it yields the processor several times before it
 // sleeps, and on a machine that is busy, as one that builds is, each yield costs a time slice. Measured with two
 // processors and two busy loops, a hand-over to another thread and back took 4.6 to 9.3 ms that way, and 0.004 to
-// 0.043 ms this way.
+// 0.043 ms this way. On Windows, the libstdc++ of mingw-w64 12 loses wake-ups besides: under Wine, 50 threads in a row
+// that each notify a waiter hung in 7 of 12 runs.
 #ifndef PLATFORM_WAITING_H
 #define PLATFORM_WAITING_H
 

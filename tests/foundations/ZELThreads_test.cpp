@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <thread>
 #include <vector>
 
+#include "support/gate.h"
 #include "support/slots.h"
 
 namespace {
@@ -15,39 +15,34 @@ class Worker : public ZELThreads {
 public:
     Worker() : ZELThreads("a worker with a name that systems cut") {}
     ~Worker() {
-        release.test_and_set();
-        release.notify_all();
+        release.Open();
         Join();
     }
     int Execute(int argument) override {
         joinedItself = Join();
         ranAgain = Run(0);
         if (argument < 0) return argument;
-        release.wait(false);
+        release.Pass();
         while (argument > 100 && !IsEndRequested()) std::this_thread::yield();
         return argument;
     }
-    void Release() {
-        release.test_and_set();
-        release.notify_all();
-    }
 
-    std::atomic_flag release{};
+    Gate release;
     std::atomic<int> joinedItself{-1}, ranAgain{-1};
 };
 
 class SelfDeleting final : public ZELThreads {
 public:
-    explicit SelfDeleting(std::latch& deleted) : ZELThreads(nullptr), _deleted(deleted) {}
+    explicit SelfDeleting(Gate& deleted) : ZELThreads(nullptr), _deleted(deleted) {}
     int Execute(int) override {
-        std::latch& deleted = _deleted;
+        Gate& deleted = _deleted;
         delete this;
-        deleted.count_down();
+        deleted.Open();
         return 0;
     }
 
 private:
-    std::latch& _deleted;
+    Gate& _deleted;
 };
 
 }  // namespace
@@ -107,7 +102,7 @@ TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
     EXPECT_EQ(worker.IsRunning(), 1);
     EXPECT_EQ(worker.Run(8), 1);
     EXPECT_EQ(worker.SetFunction(nullptr, nullptr), 1);
-    worker.Release();
+    worker.release.Open();
     std::vector<std::thread> joiners;
     for (int i = 0; i < 3; ++i) joiners.emplace_back([&] { EXPECT_EQ(worker.Join(), 0); });
     for (std::thread& joiner : joiners) joiner.join();
@@ -123,28 +118,28 @@ TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
 TEST(ZELThreads, EndAsksAndKillGivesUp) {
     {
         Worker asked;
-        asked.Release();
+        asked.release.Open();
         EXPECT_EQ(asked.Run(101), 0);
         EXPECT_EQ(asked.End(), 0);
         EXPECT_EQ(asked.Join(), 0);
         EXPECT_EQ(asked.GetThreadReturnCode(), 101);
     }
     ZELThreads given("given up");
-    std::latch mayEnd(1);
-    EXPECT_EQ(given.SetFunction([](void* latch) { return static_cast<std::latch*>(latch)->wait(), 5; }, &mayEnd), 0);
+    Gate mayEnd;
+    EXPECT_EQ(given.SetFunction([](void* gate) { return static_cast<Gate*>(gate)->Pass(), 5; }, &mayEnd), 0);
     EXPECT_EQ(given.Run(0), 0);
     EXPECT_EQ(given.Kill(), 0);
     EXPECT_EQ(given.GetStatus(), ZELThreadKilled);
     EXPECT_EQ(given.GetThreadReturnCode(), -1);
     EXPECT_EQ(given.IsEndRequested(), 1);
     EXPECT_TRUE(given.Join() == 1 && given.Run(0) == 1 && given.Kill() == 1);
-    mayEnd.count_down();  // the destructor waits for the body, which is still there
+    mayEnd.Open();  // the destructor waits for the body, which is still there
 }
 
 TEST(ZELThreads, AnObjectMayBeDeletedByItsOwnThread) {
-    std::latch deleted(50);
+    Gate deleted(50);
     for (int i = 0; i < 50; ++i) EXPECT_EQ((new SelfDeleting(deleted))->Run(0), 0);
-    deleted.wait();
+    deleted.Pass();
 }
 
 TEST(ZELThreads, SlotsStandInTheirOrder) {
