@@ -5,6 +5,7 @@
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
 #include "TAFileName.h"
+#include "TAFileUtilities.h"
 #include "TAIndex.h"
 #include "TAIndexB.h"
 #include "TAIndexI.h"

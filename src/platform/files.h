@@ -1,15 +1,39 @@
-// C streams on files that children do not inherit.
+// C streams and readers on files that children do not inherit. Paths are path values; see paths.h.
 #ifndef PLATFORM_FILES_H
 #define PLATFORM_FILES_H
 
+#include <cstddef>
 #include <cstdio>
+#include <utility>
 
 namespace platform {
 
-// Opens `path` (any path value) as an unbuffered text stream for writing, made if missing (Linux: mode 0666 less the
-// umask), emptied first unless `append`; in append mode every write goes to the end of that moment. Children do not
-// inherit it. Null on failure; closed with fclose.
+// Opens `path` as an unbuffered text stream for writing, made if missing (Linux: mode 0666 less the umask), emptied
+// first unless `append`; in append mode every write goes to the end of that moment. Children do not inherit it. Null on
+// failure; closed with fclose.
 std::FILE* OpenTextForWriting(const char* path, bool append) noexcept;
+
+// Owns a file that is open for reading as text: on Windows CR LF arrives as LF, and a byte 0x1A ends the text.
+class TextReader {
+public:
+    TextReader() noexcept = default;
+    TextReader(TextReader&& other) noexcept { std::swap(_descriptor, other._descriptor); }
+    TextReader& operator=(TextReader&& other) noexcept {
+        std::swap(_descriptor, other._descriptor);
+        return *this;
+    }
+    ~TextReader() { Close(); }
+
+    // Closes what was open. Others may read and write the file meanwhile. False for directories too.
+    bool Open(const char* path) noexcept;
+    void Close() noexcept;
+    // Reads up to `size` bytes, at most 1 GiB; fewer do not mean the end. Interruptions are retried. 0 at the end, -1
+    // when the system failed or nothing is open.
+    std::ptrdiff_t Read(char* bytes, std::size_t size) noexcept;
+
+private:
+    int _descriptor = -1;
+};
 
 }  // namespace platform
 

@@ -2,6 +2,7 @@
 #ifndef TESTS_SUPPORT_TEST_SYSTEM_H
 #define TESTS_SUPPORT_TEST_SYSTEM_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,13 @@ private:
 
 // The open descriptors (Windows: handles) that a child would get, ascending.
 std::vector<long> InheritedDescriptors();
+
+// Makes `levels` directories below each other at `path`, which exists, a file "f" in each, or as many as paths can be
+// long. Returns their number.
+int MakeDeepTree(const std::string& path, int levels);
+
+// Runs `work` in a thread with a stack of 256 KiB, while the process may have 64 descriptors where that can be set.
+void RunConfined(const std::function<void()>& work);
 
 // For its life a signal interrupts the process's calls about a thousand times a second, where there are signals.
 class Interruptions {

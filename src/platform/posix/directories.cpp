@@ -5,30 +5,12 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 
 #include "platform/paths.h"
 #include "platform/posix/descriptor.h"
-
-namespace {
-
-platform::EntryKind KindOfMode(mode_t mode) {
-    if (S_ISREG(mode)) return platform::EntryKind::File;
-    if (S_ISDIR(mode)) return platform::EntryKind::Directory;
-    if (S_ISLNK(mode)) return platform::EntryKind::Link;
-    return platform::EntryKind::Other;
-}
-
-platform::EntryKind KindOfEntry(DIR* directory, const dirent& entry) {
-    if (entry.d_type != DT_UNKNOWN) return KindOfMode(DTTOIF(entry.d_type));
-    struct stat status;
-    const int result = fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW);
-    return result == 0 ? KindOfMode(status.st_mode) : platform::EntryKind::Other;
-}
-
-}  // namespace
+#include "platform/posix/entry_kind.h"
 
 bool platform::DirectoryListing::Open(const char* path) noexcept {
     Close();
@@ -56,6 +38,6 @@ platform::ListingStep platform::DirectoryListing::Next(const char** name, EntryK
     } while (entry == nullptr && errno == EINTR);
     if (entry == nullptr) return errno == 0 ? ListingStep::End : ListingStep::Error;
     *name = entry->d_name;
-    *kind = KindOfEntry(directory, *entry);
+    *kind = KindOfEntry(dirfd(directory), entry->d_name, entry->d_type);
     return ListingStep::Entry;
 }

@@ -3,6 +3,7 @@
 #include "platform/files.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 #include "platform/paths.h"
 #include "platform/posix/descriptor.h"
@@ -17,4 +18,24 @@ std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept 
     descriptor.Release();
     std::setvbuf(stream, nullptr, _IONBF, 0);
     return stream;
+}
+
+bool platform::TextReader::Open(const char* path) noexcept {
+    Close();
+    const NativePath native(path);
+    if (native.Text() == nullptr) return false;
+    Descriptor file(RetryInterrupted([&] { return open(native.Text(), O_RDONLY | O_CLOEXEC | O_NOCTTY); }));
+    struct stat status;
+    // A directory opens here like a file.
+    if (!file.IsOpen() || fstat(file.Number(), &status) != 0 || S_ISDIR(status.st_mode)) return false;
+    _descriptor = file.Release();
+    return true;
+}
+
+void platform::TextReader::Close() noexcept {
+    Descriptor(std::exchange(_descriptor, -1)).Close();
+}
+
+std::ptrdiff_t platform::TextReader::Read(char* bytes, std::size_t size) noexcept {
+    return RetryInterrupted([&] { return read(_descriptor, bytes, size); });
 }

@@ -22,3 +22,19 @@ std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept 
     std::setvbuf(stream, nullptr, _IONBF, 0);
     return stream;
 }
+
+bool platform::TextReader::Open(const char* path) noexcept {
+    Close();
+    const NativePath native(path);
+    if (native.Text() != nullptr) _descriptor = _open(native.Text(), _O_RDONLY | _O_TEXT | _O_NOINHERIT);
+    return _descriptor >= 0;
+}
+
+void platform::TextReader::Close() noexcept {
+    if (_descriptor >= 0) _close(_descriptor);
+    _descriptor = -1;
+}
+
+std::ptrdiff_t platform::TextReader::Read(char* bytes, std::size_t size) noexcept {
+    return _descriptor >= 0 ? _read(_descriptor, bytes, static_cast<unsigned>(size)) : -1;
+}

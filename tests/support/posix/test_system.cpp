@@ -1,8 +1,10 @@
 #include "support/test_system.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -46,6 +48,39 @@ std::vector<long> InheritedDescriptors() {
     for (int descriptor = 0; descriptor < 1024; ++descriptor)
         if (fcntl(descriptor, F_GETFD) == 0) found.push_back(descriptor);  // neither closed nor FD_CLOEXEC
     return found;
+}
+
+int MakeDeepTree(const std::string& path, int levels) {
+    int folder = open(path.c_str(), O_PATH | O_DIRECTORY);
+    int made = 0;
+    for (; folder >= 0 && made < levels; ++made) {
+        close(openat(folder, "f", O_WRONLY | O_CREAT, 0400));
+        if (mkdirat(folder, "d", 0700) != 0) break;
+        const int below = openat(folder, "d", O_PATH | O_DIRECTORY);
+        close(folder);
+        folder = below;
+    }
+    close(folder);
+    return made;
+}
+
+void RunConfined(const std::function<void()>& work) {
+    rlimit before;
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit confined = {64, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &confined);
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, std::size_t{256} << 10);
+    pthread_t thread;
+    const auto run = [](void* task) -> void* {
+        (*static_cast<const std::function<void()>*>(task))();
+        return nullptr;
+    };
+    if (pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)) == 0)
+        pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+    setrlimit(RLIMIT_NOFILE, &before);
 }
 
 OrdinaryUser::OrdinaryUser() : _ordinary(geteuid() != 0 || seteuid(65534) == 0) {}

@@ -13,7 +13,7 @@ namespace {
 
 std::string CommandLine(const std::string& name, const std::vector<std::string>& arguments) {
     std::string line = Quoted(FolderOfThisProgram() + name + ".exe");
-    for (const std::string& argument : arguments) line += " " + Quoted(argument);
+    for (const std::string& argument : arguments) line.append(1, ' ').append(Quoted(argument));
     return line;
 }
 
@@ -62,6 +62,32 @@ std::vector<long> InheritedDescriptors() {
             (flags & HANDLE_FLAG_INHERIT) != 0)
             found.push_back(value);
     return found;
+}
+
+int MakeDeepTree(const std::string& path, int levels) {
+    std::string folder = path;
+    int made = 0;
+    // Leaves room for a name and for the pattern that lists a directory.
+    for (; made < levels && folder.size() < MAX_PATH - 16; ++made) {
+        const HANDLE file = CreateFileA((folder + "\\f").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                        FILE_ATTRIBUTE_READONLY, nullptr);
+        if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+        folder += "\\d";
+        CreateDirectoryA(folder.c_str(), nullptr);
+    }
+    return made;
+}
+
+void RunConfined(const std::function<void()>& work) {
+    const auto run = [](void* task) -> DWORD {
+        (*static_cast<const std::function<void()>*>(task))();
+        return 0;
+    };
+    const HANDLE thread = CreateThread(nullptr, 256 << 10, run, const_cast<std::function<void()>*>(&work),
+                                       STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    if (thread == nullptr) return;
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
 }
 
 OrdinaryUser::OrdinaryUser() : _ordinary(false) {}

@@ -1,0 +1,78 @@
+// Copying one file, and what the system tells about files.
+
+#include <cinttypes>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+
+#include "TAFileUtilities.h"
+#include "ZELDirectory.h"
+#include "ZELUnicodeString.h"
+#include "platform/clock.h"
+#include "platform/file_actions.h"
+#include "platform/file_status.h"
+
+namespace {
+
+using platform::FileStatus;
+
+ZELString ClockText(std::int64_t seconds) noexcept {
+    char text[platform::ClockTextLength + 1];
+    platform::ToClockText(seconds, text);
+    return text;
+}
+
+ZELXMLNode Describe(const TAFileName& file, const char* tag, bool tellsWritable) noexcept {
+    ZELXMLNode node(tag);
+    FileStatus status;
+    if (platform::ReadFileStatus(file, status)) {
+        char size[24];
+        std::snprintf(size, sizeof size, "%" PRId64, status.size);
+        node.SetAttr("Size", size);
+        node.SetAttr("Time", ClockText(status.modified));
+        if (tellsWritable) node.SetAttr("Writable", status.isWritable ? "1" : "0");
+    }
+    node.AddNode("Path").SetText(file);
+    node.AddNode("Name").SetText(file.basename(1));
+    node.AddNode("Directory").SetText(file.dirname(1));
+    return node;
+}
+
+}  // namespace
+
+int CopyFileW(TAFileName source, TAFileName destination) noexcept {
+    if (source.IsFile() == 0) return 1;
+    ZELUnicodeString from(source), to(destination);
+    return ZELFCopy(&from, &to, 1) >= 0 ? 0 : 1;
+}
+
+int FileExists(ZELString path) noexcept {
+    return platform::KindOf(path) == platform::PathKind::File ? 1 : 0;
+}
+
+ZELString GetModifTime(ZELString path) noexcept {
+    FileStatus status;
+    return platform::ReadFileStatus(path, status) ? ClockText(status.modified) : ZELString();
+}
+
+int FileSelectionSize(ZELString selection) noexcept {
+    constexpr int Most = std::numeric_limits<int>::max();
+    ZELListValZELString paths;
+    ReadDirectory(selection, paths, 0);
+    int total = 0;
+    for (const ZELString& path : paths) {
+        FileStatus status;
+        if (!platform::ReadFileStatus(path, status)) continue;
+        if (status.size > Most - total) return Most;
+        total += static_cast<int>(status.size);
+    }
+    return total;
+}
+
+ZELXMLNode GetFileDescription(TAFileName file) noexcept {
+    return Describe(file, "File", false);
+}
+
+ZELXMLNode GetFileDescriptionRW(TAFileName file) noexcept {
+    return Describe(file, "FileRW", true);
+}
