@@ -112,6 +112,7 @@ void BeAViewUntilItIsChanged(Index& source, const std::map<Key, void*>& model, c
     removed = appended;
     reset = source;
     unchanged = source;
+    source = *&source;
     unchanged = *&unchanged;
     source = unchanged;
     ExpectSame(unchanged, model);

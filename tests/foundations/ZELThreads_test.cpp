@@ -93,9 +93,9 @@ TEST(ZELThreads, EndAsksAndKillGivesUp) {
     EXPECT_TRUE(asked.Run(101) == 0 && asked.End() == 0 && asked.Join() == 0);
     EXPECT_EQ(asked.GetThreadReturnCode(), 101);
 
-    ZELThreads given("given up");
     Gate mayEnd;
-    EXPECT_EQ(given.SetFunction([](void* latch) { return static_cast<Gate*>(latch)->Pass(), 5; }, &mayEnd), 0);
+    ZELThreads given("given up");
+    EXPECT_EQ(given.SetFunction([](void* gate) { return static_cast<Gate*>(gate)->Pass(), 5; }, &mayEnd), 0);
     EXPECT_TRUE(given.Run(0) == 0 && given.Kill() == 0);
     EXPECT_TRUE(given.GetStatus() == ZELThreadKilled && given.GetThreadReturnCode() == -1);
     EXPECT_EQ(given.IsEndRequested(), 1);

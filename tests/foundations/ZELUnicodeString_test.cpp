@@ -85,11 +85,8 @@ TEST(ZELUnicodeString, TellsNullFromEmpty) {
 }
 
 TEST(ZELUnicodeString, StripsTheEndsThatAreNamed) {
-    const char* const rows[][4] = {{"  a b ", "a b ", "  a b", "a b"},
-                                   {"   ", "", "", ""},
-                                   {"", "", "", ""},
-                                   {"a", "a", "a", "a"},
-                                   {" \xC3", "\xC3", " \xC3", "\xC3"}};
+    const char* const rows[][4] = {
+        {"  a b ", "a b ", "  a b", "a b"}, {"   ", "", "", ""}, {" \xC3", "\xC3", " \xC3", "\xC3"}};
     for (const auto& row : rows)
         for (int mode = 0; mode < 3; ++mode)
             EXPECT_EQ(ZELUnicodeString(row[0]).Strip(static_cast<ZELStripMode>(mode), ' '), row[1 + mode]) << row[0];

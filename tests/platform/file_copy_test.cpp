@@ -114,6 +114,7 @@ TEST_F(FileCopy, FailuresAreToldApartAndLeaveNothing) {
         {folder / "missing", target, ZELCopySourceUnreadable},
         {folder / "sub", target, ZELCopySourceNotRegular},
         {EndlessDevice, target, ZELCopySourceNotRegular},
+        {"/proc/self/mem", target, ZELCopySourceUnreadable},  // fails when it is read, if it is there
         {source, folder / "sub", ZELCopyTargetUnwritable},
         {source, folder / "missing/target", ZELCopyTargetUnwritable},
         {source, source + "/target", ZELCopyTargetUnwritable},
