@@ -77,12 +77,27 @@ void Containers() {
     Expect(blocks.Get(0) == &value, "TAIndexB");
 }
 
+void Files() {
+    TAFileName name("a/./b/../c.txt");
+    Expect(name == "a\\c.txt" && name.GetExtension() == "txt", "TAFileName");
+    ZELListValTAFileName names;
+    names.Append(name);
+    Expect(names.Size() == 1, "ZELListValTAFileName");
+
+    ZELString line("  one two ");
+    ZELListValZELString fields;
+    Expect(Split(line, fields) == 2 && fields[2] == "two", "TATextUtilities");
+    Expect(TestMatch("abc", "a*c") == 1 && TestMatchWithLogExp(line, "*one*&&!(*three*)") == 1, "patterns");
+    Expect(FileExists("no such file") == 0 && GetModifTime("") == "", "TAFileUtilities");
+}
+
 }  // namespace
 
 int main() {
     Foundations();
     Diagnostics();
     Containers();
+    Files();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
 }
