@@ -19,7 +19,6 @@
 #include <compare>
 #include <cstddef>
 #include <iterator>
-#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -117,7 +116,7 @@ public:
     // `position` is 1 to Size() + 1: in front of the value there, or at the end.
     int InsertBefore(int position, const T& value) {
         if (position < 1 || position > Size() + 1) return 1;
-        T* const copy = new (std::nothrow) T(value);
+        T* const copy = ::new (std::nothrow) T(value);
         if (copy == nullptr) {
             ReportAllocFailure("ZELListVal", sizeof(T));
             return 1;
@@ -176,9 +175,13 @@ public:
     }
 
 private:
-    // By the standard library, so that a class with virtual functions and a plain destructor is no warning: what a list
-    // holds is exactly a T.
-    static void Delete(T* value) noexcept { std::default_delete<T>()(value); }
+    // What a list holds is exactly a T. A delete-expression would warn where T has virtual functions and a destructor
+    // that is not one of them.
+    static void Delete(T* value) noexcept {
+        static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+        value->T::~T();
+        ::operator delete(value);
+    }
     T* Slot(int position) const noexcept { return this->template Elements<T*>()[position - 1]; }
 };
 
