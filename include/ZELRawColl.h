@@ -27,7 +27,7 @@ template <class Value>
 Value& ZELFreshValue() {
     alignas(Value) static thread_local unsigned char storage[sizeof(Value)];
     static thread_local Value* value = nullptr;
-    if (value != nullptr) value->~Value();
+    if (value != nullptr) value->Value::~Value();
     value = ::new (static_cast<void*>(storage)) Value();
     return *value;
 }
