@@ -116,7 +116,7 @@ public:
     // `position` is 1 to Size() + 1: in front of the value there, or at the end.
     int InsertBefore(int position, const T& value) {
         if (position < 1 || position > Size() + 1) return 1;
-        T* const copy = ::new (std::nothrow) T(value);
+        T* const copy = new (std::nothrow) T(value);
         if (copy == nullptr) {
             ReportAllocFailure("ZELListVal", sizeof(T));
             return 1;
@@ -180,7 +180,10 @@ private:
     static void Delete(T* value) noexcept {
         static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
         value->T::~T();
-        ::operator delete(value);
+        if constexpr (requires(void* block) { T::operator delete(block); })
+            T::operator delete(value);
+        else
+            ::operator delete(value);
     }
     T* Slot(int position) const noexcept { return this->template Elements<T*>()[position - 1]; }
 };
