@@ -1,12 +1,22 @@
-// What the two halves of the copy share: names for temporary files. Process id and a counter make names that differ
-// within the machine; a clash beyond it is the caller's to notice, by creating exclusively.
+// What the two halves of the copy share: the look at the arguments, the disk boundary, and names for temporary files.
+// Process id and a counter make names that differ within the machine; a clash beyond it is the caller's to notice, by
+// creating exclusively.
 
 #include "platform/file_copy.h"
 
 #include <atomic>
 #include <cstdio>
 
+#include "platform/paths.h"
 #include "platform/system.h"
+
+ZELCopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+    if (from == nullptr || *from == '\0' || to == nullptr || *to == '\0') return ZELCopyNullArgument;
+    const NativePath nativeFrom(from);
+    const NativePath nativeTo(to);
+    if (nativeFrom.Text() == nullptr || nativeTo.Text() == nullptr) return ZELCopyNoMemory;
+    return CopyNativeFile(nativeFrom.Text(), nativeTo.Text(), replaceExisting);
+}
 
 void platform::MakeTemporaryName(char (&name)[TemporaryNameSize]) noexcept {
     static std::atomic<unsigned> next = 0;

@@ -14,6 +14,9 @@ namespace platform {
 // copied; a file system without permission bits takes the contents alone.
 ZELCopyStatus CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept;
 
+// The same for names that have passed the disk boundary and are not empty: the target's half of it.
+ZELCopyStatus CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept;
+
 constexpr int TemporaryNameSize = 16;
 
 // Writes the next name for a temporary file of this process, in the letters and length that every file system takes. It

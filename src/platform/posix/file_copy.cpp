@@ -17,7 +17,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/paths.h"
 #include "platform/posix/descriptor.h"
 
 namespace {
@@ -180,23 +179,14 @@ ZELCopyStatus CopyTo(const Place& place, const Source& source, bool replaceExist
     return temporary.BecomeTarget(replaceExisting);
 }
 
-bool IsText(const char* path) {
-    return path != nullptr && *path != '\0';
-}
-
 }  // namespace
 
-ZELCopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
-    if (!IsText(from) || !IsText(to)) return ZELCopyNullArgument;
-    const NativePath nativeFrom(from);
-    const NativePath nativeTo(to);
-    if (nativeFrom.Text() == nullptr || nativeTo.Text() == nullptr) return ZELCopyNoMemory;
-
+ZELCopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     Source source;
-    const ZELCopyStatus opened = OpenSource(nativeFrom.Text(), source);
+    const ZELCopyStatus opened = OpenSource(from, source);
     if (opened != ZELCopyDone) return opened;
     Place place;
-    if (!FindPlace(nativeTo.Text(), place)) return ZELCopyTargetUnwritable;
+    if (!FindPlace(to, place)) return ZELCopyTargetUnwritable;
     if (place.exists) {
         const struct stat& target = place.status;
         if (target.st_dev == source.status.st_dev && target.st_ino == source.status.st_ino) return ZELCopyDone;

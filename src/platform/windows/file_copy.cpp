@@ -12,8 +12,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/paths.h"
-
 namespace {
 
 class FileHandle {
@@ -103,32 +101,24 @@ ZELCopyStatus CopyBeside(const char* source, const char* target, char (&temporar
     return ZELCopyTargetUnwritable;
 }
 
-bool IsText(const char* path) {
-    return path != nullptr && *path != '\0';
-}
-
 }  // namespace
 
-ZELCopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
-    if (!IsText(from) || !IsText(to)) return ZELCopyNullArgument;
-    const NativePath nativeFrom(from);
-    const NativePath nativeTo(to);
-
+ZELCopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     BY_HANDLE_FILE_INFORMATION source;
     {
-        const FileHandle file(nativeFrom.Text(), 0);
+        const FileHandle file(from, 0);
         if (!file.IsOpen()) return ZELCopySourceUnreadable;
         if (!file.IsRegular(source)) return ZELCopySourceNotRegular;
     }
     char target[MAX_PATH];
-    if (std::strlen(nativeTo.Text()) >= sizeof target) return ZELCopyTargetUnwritable;
-    std::strcpy(target, nativeTo.Text());
+    if (std::strlen(to) >= sizeof target) return ZELCopyTargetUnwritable;
+    std::strcpy(target, to);
     bool sameFile = false;
     const ZELCopyStatus checked = CheckTarget(target, source, replaceExisting, sameFile);
     if (checked != ZELCopyDone || sameFile) return checked;
 
     char temporary[MAX_PATH];
-    const ZELCopyStatus copied = CopyBeside(nativeFrom.Text(), target, temporary);
+    const ZELCopyStatus copied = CopyBeside(from, target, temporary);
     if (copied != ZELCopyDone) return copied;
     if (MoveFileExA(temporary, target, replaceExisting ? MOVEFILE_REPLACE_EXISTING : 0)) return ZELCopyDone;
     const DWORD error = GetLastError();
