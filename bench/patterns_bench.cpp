@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -20,15 +21,19 @@ constexpr int Count = 10000;
 const char* const formula = "*.cpp&&!(*_test*)";
 
 std::vector<std::string> MakeNames() {
-    const char* const heads[] = {"lib", "node", "src_", "tree_", "build"};
-    const char* const middles[] = {"_test", "_graph", "node", "_scan", "_cache"};
+    const char* const heads[] = {"lib",  "node",   "src_",  "tree_",  "build", "file",
+                                 "text", "socket", "parse", "kernel", "http",  "index"};
+    const char* const middles[] = {"_test", "_graph",  "node",    "_scan",   "_cache", "_map",
+                                   "_list", "_buffer", "_stream", "_reader", "_utils", "_impl"};
     const char* const tails[] = {".cpp", ".h", ".so", ".o"};
     std::mt19937 random(1);
     std::vector<std::string> names;
     for (int i = 0; i < Count; ++i) {
-        std::string name = heads[random() % 5];
+        std::string name = heads[random() % std::size(heads)];
         while (name.size() < 8 + random() % 10) name += static_cast<char>('a' + random() % 26);
-        name.append(middles[random() % 5]).append(std::to_string(random() % 100)).append(tails[random() % 4]);
+        name.append(middles[random() % std::size(middles)])
+            .append(std::to_string(random() % 100))
+            .append(tails[random() % std::size(tails)]);
         names.push_back(name.substr(0, 31));
     }
     names[0] = "graph_node_index.cpp";

@@ -147,11 +147,11 @@ private:
     };
 
     static bool EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept;
-    static Block* MakeBlock(std::string_view text) noexcept {
-        return MakeBlock(text, "", "");
-    }
+    static Block* NewBlock(std::size_t length) noexcept;
+    static Block* MakeBlock(std::string_view text) noexcept;
     static Block* MakeBlock(std::string_view first, std::string_view separator, std::string_view second) noexcept;
     explicit TAFileName(std::string_view path) noexcept;
+    std::size_t FindLast(char character, std::size_t end) const noexcept;
     TAFileName Part(std::size_t start, std::size_t length) const noexcept;
     TAFileName Join(std::string_view tail) const noexcept;
     void SetBlock(Block* block) noexcept;

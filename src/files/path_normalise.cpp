@@ -1,12 +1,13 @@
 // Nearly every path is clean but for its slashes. One pass over 16 bytes at a time turns these round and looks for the
 // only thing that can need more work inside a path: a separator that is followed by a separator or a dot. Where none
 // is found, the two ends are all that is left to look at. Otherwise the rules run one after the other, each a single
-// pass that reads at one position and writes at another, which is never ahead of it.
+// pass that leaps from one such place to the next and moves the text between them as it stands.
 
 #include "files/path_normalise.h"
 
 #include <emmintrin.h>  // SSE2 is part of every x86-64
 
+#include <bit>
 #include <cstring>
 
 namespace {
@@ -35,23 +36,59 @@ bool TurnSlashes(char* text, std::size_t length) noexcept {
     return suspicious != 0;
 }
 
+// The first place at or behind `from` where a separator is followed by a separator or a dot, which is where the rules
+// may find something; `length` when there is none.
+std::size_t FindCandidate(const char* text, std::size_t from, std::size_t length) noexcept {
+    const __m128i backslash = _mm_set1_epi8(Separator);
+    const __m128i dot = _mm_set1_epi8('.');
+    for (; from + PathPadding < length; from += PathPadding) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + from));
+        const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + from + 1));
+        const __m128i either = _mm_or_si128(_mm_cmpeq_epi8(next, backslash), _mm_cmpeq_epi8(next, dot));
+        const int found = _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(bytes, backslash), either));
+        if (found != 0) return from + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(found)));
+    }
+    for (; from + 1 < length; ++from)
+        if (text[from] == Separator && (text[from + 1] == Separator || text[from + 1] == '.')) return from;
+    return length;
+}
+
+// A text that is rewritten in place: read at one position and written at another, which is never ahead of it.
+struct Rewriting {
+    char* text;
+    std::size_t length;
+    std::size_t read = 0;
+    std::size_t write = 0;
+
+    void KeepUpTo(std::size_t end) noexcept {
+        const std::size_t count = end - read;
+        if (write != read && count != 0) std::memmove(text + write, text + read, count);
+        read += count;
+        write += count;
+    }
+    // Whether a ".." component begins behind the separator that is read next.
+    bool IsAtUpward() const noexcept {
+        const std::size_t rest = length - read;
+        return rest >= 3 && text[read + 1] == '.' && text[read + 2] == '.' &&
+               (rest == 3 || text[read + 3] == Separator);
+    }
+};
+
 // Rules 2 and 3 together. A separator stands for everything behind it that would vanish into it: further separators,
 // and dots that stand alone between separators.
 std::size_t CollapseSeparators(char* text, std::size_t length) noexcept {
-    std::size_t write = 0;
-    std::size_t read = 0;
-    if (length >= 2 && text[0] == Separator && text[1] == Separator) read = write = 1;
-    while (read < length) {
-        const char character = text[read++];
-        text[write++] = character;
-        if (character != Separator) continue;
+    Rewriting at{text, length};
+    if (length >= 2 && text[0] == Separator && text[1] == Separator) at.KeepUpTo(1);
+    for (;;) {
+        at.KeepUpTo(FindCandidate(text, at.read, length));
+        if (at.read == length) return at.write;
+        at.KeepUpTo(at.read + 1);
         for (;;) {
-            while (read < length && text[read] == Separator) ++read;
-            if (read + 1 >= length || text[read] != '.' || text[read + 1] != Separator) break;
-            read += 2;
+            while (at.read < length && text[at.read] == Separator) ++at.read;
+            if (at.read + 1 >= length || text[at.read] != '.' || text[at.read + 1] != Separator) break;
+            at.read += 2;
         }
     }
-    return write;
 }
 
 // Rules 4 and 5.
@@ -75,26 +112,20 @@ std::size_t StartOfTakenBack(const char* text, std::size_t end) noexcept {
 
 // Rule 6.
 std::size_t TakeBackComponents(char* text, std::size_t length) noexcept {
-    std::size_t write = 0;
-    std::size_t read = 0;
-    while (read < length) {
-        const std::size_t rest = length - read;
-        const bool upward = rest >= 3 && text[read] == Separator && text[read + 1] == '.' && text[read + 2] == '.' &&
-                            (rest == 3 || text[read + 3] == Separator);
-        if (!upward) {
-            text[write++] = text[read++];
-            continue;
-        }
-        const std::size_t begin = StartOfTakenBack(text, write);
-        if (begin == write) {
-            std::memmove(text + write, text + read, 3);
-            write += 3;
+    constexpr std::size_t UpwardLength = 3;  // with the separator in front of it
+    Rewriting at{text, length};
+    for (;;) {
+        at.KeepUpTo(FindCandidate(text, at.read, length));
+        if (at.read == length) return at.write;
+        const bool isUpward = at.IsAtUpward();
+        const std::size_t begin = isUpward ? StartOfTakenBack(text, at.write) : at.write;
+        if (begin == at.write) {
+            at.KeepUpTo(at.read + (isUpward ? UpwardLength : 1));
         } else {
-            write = begin;
+            at.write = begin;
+            at.read += UpwardLength;
         }
-        read += 3;
     }
-    return write;
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 #ifndef FOUNDATIONS_TEXT_SEARCH_H
 #define FOUNDATIONS_TEXT_SEARCH_H
 
+#include <emmintrin.h>  // SSE2 is part of every x86-64
+
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -25,8 +28,35 @@ inline bool SameHead(const char* left, const char* right, std::size_t size) noex
     return size == 0;
 }
 
+// Where `what` begins in a text of medium length: sixteen places at a time are tested for its first and its last
+// character, which takes no branch that depends on the text until something is as good as found. In names of files that
+// halves the time of a search by memchr, whose hits no processor foresees.
+// There must be at least sixteen places from `from` on.
+inline std::size_t FindByEnds(std::string_view text, std::string_view what, std::size_t from) noexcept {
+    constexpr std::size_t Places = 16;
+    const std::size_t lastStep = text.size() - what.size() + 1 - Places;
+    const __m128i first = _mm_set1_epi8(what.front());
+    const __m128i last = _mm_set1_epi8(what.back());
+    for (std::size_t at = from;; at += Places) {
+        if (at > lastStep) at = lastStep;
+        const char* const place = text.data() + at;
+        const __m128i begins = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
+        const __m128i ends = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place + what.size() - 1));
+        const __m128i both = _mm_and_si128(_mm_cmpeq_epi8(begins, first), _mm_cmpeq_epi8(ends, last));
+        for (auto found = static_cast<unsigned>(_mm_movemask_epi8(both)); found != 0; found &= found - 1) {
+            const int offset = std::countr_zero(found);
+            if (SameHead(place + offset, what.data(), what.size())) return at + static_cast<std::size_t>(offset);
+        }
+        if (at == lastStep) return std::string_view::npos;
+    }
+}
+
 // For a `what` so short that comparing it anew at each position is linear enough; it fits behind `from`.
 inline std::size_t FindShortText(std::string_view text, std::string_view what, std::size_t from) noexcept {
+    // In longer texts memchr catches up.
+    constexpr std::size_t Fewest = 16, Most = 256;
+    const std::size_t places = text.size() - what.size() + 1 - from;
+    if (places >= Fewest && places <= Most) return FindByEnds(text, what, from);
     const char* position = text.data() + from;
     const char* const end = text.data() + (text.size() - what.size()) + 1;
     while ((position = static_cast<const char*>(

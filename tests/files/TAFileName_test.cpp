@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "TAEnvironment.h"
+#include "support/files.h"
 #include "support/slots.h"
 
 namespace {
@@ -17,19 +18,6 @@ namespace {
 std::string Text(const TAFileName& name) {
     return std::string(name.View());
 }
-
-// A new empty directory that goes with all that a test left in it, two levels deep.
-class Directory {
-public:
-    Directory() : _name(TAFileName::GetTemporaryFileName()) {
-        _name.Delete();
-        EXPECT_EQ(_name.CreateDirectoryW(), 0);
-    }
-    const TAFileName& Name() const { return _name; }
-
-private:
-    TAFileName _name;
-};
 
 struct Exposed : TAFileName {
     using TAFileName::Normalize;
@@ -161,8 +149,8 @@ TEST(TAFileName, AncestorsAreWholeComponents) {
 }
 
 TEST(TAFileName, FilesAndDirectoriesComeAndGo) {
-    const Directory directory;
-    TAFileName deep = directory.Name() + "one/two/three";
+    const TemporaryFolder directory;
+    TAFileName deep = TAFileName(directory.Path().c_str()) + "one/two/three";
     EXPECT_EQ(deep.CreateDirectoryW(), 1);  // no parent
     EXPECT_EQ(deep.CreateRecursiveDirectory(), 0);
     EXPECT_TRUE(deep.CreateRecursiveDirectory() == 0 && deep.CreateDirectoryA() == 0);
