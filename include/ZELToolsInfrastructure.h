@@ -2,6 +2,7 @@
 #ifndef ZELTOOLSINFRASTRUCTURE_H
 #define ZELTOOLSINFRASTRUCTURE_H
 
+#include "TACallback.h"
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
 #include "TAFileName.h"
@@ -9,7 +10,10 @@
 #include "TAIndex.h"
 #include "TAIndexB.h"
 #include "TAIndexI.h"
+#include "TARefCounter.h"
 #include "TATextUtilities.h"
+#include "TAThread.h"
+#include "TAThreadLock.h"
 #include "ZELDirectory.h"
 #include "ZELExport.h"
 #include "ZELListPtr.h"

@@ -91,6 +91,29 @@ void Files() {
     Expect(FileExists("no such file") == 0 && GetModifTime("") == "", "TAFileUtilities");
 }
 
+void Count(int count, const char** counter) {
+    *reinterpret_cast<int*>(const_cast<char*>(counter[0])) = count;
+}
+
+void Processes() {
+    int count = 0;
+    TAThreadLock lock;
+    {
+        const TALocker guard(&lock);
+        TAThread thread;
+        thread.SetArgs(Count, &count, &count, nullptr);
+        Expect(thread.Start() == 0, "TAThread");
+        TAThread::WaitForAll();
+    }
+    Expect(count == 2 && lock.GetLock() == 1, "TAThreadLock");
+    TACallbackPublisher publisher;
+    Expect(publisher.SendCallback(nullptr) == 1, "TACallback");
+    TARefCounter* const counter = new TARefCounter;
+    counter->AddRef();
+    counter->Release();
+    counter->Release();
+}
+
 }  // namespace
 
 int main() {
@@ -98,6 +121,7 @@ int main() {
     Diagnostics();
     Containers();
     Files();
+    Processes();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
 }

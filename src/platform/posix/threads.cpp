@@ -4,6 +4,23 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <new>
+
+namespace {
+
+struct Call {
+    void (*body)(void* argument);
+    void* argument;
+};
+
+void* MakeCall(void* made) {
+    const Call call = *static_cast<Call*>(made);
+    delete static_cast<Call*>(made);
+    call.body(call.argument);
+    return nullptr;
+}
+
+}  // namespace
 
 namespace platform {
 
@@ -15,6 +32,19 @@ void NameCurrentThread(const char* name) noexcept {
     char shortName[16] = {};  // the kernel takes 15 bytes and refuses longer names
     std::strncpy(shortName, name, sizeof shortName - 1);
     pthread_setname_np(pthread_self(), shortName);
+}
+
+bool StartThread(void (*body)(void* argument), void* argument) noexcept {
+    auto* const call = new (std::nothrow) Call{body, argument};
+    if (call == nullptr) return false;
+    pthread_attr_t detached;
+    pthread_attr_init(&detached);
+    pthread_attr_setdetachstate(&detached, PTHREAD_CREATE_DETACHED);
+    pthread_t thread;
+    const bool started = pthread_create(&thread, &detached, MakeCall, call) == 0;
+    pthread_attr_destroy(&detached);
+    if (!started) delete call;
+    return started;
 }
 
 }  // namespace platform

@@ -1,6 +1,25 @@
 #include "platform/threads.h"
 
+#include <process.h>
 #include <windows.h>
+
+#include <new>
+
+namespace {
+
+struct Call {
+    void (*body)(void* argument);
+    void* argument;
+};
+
+unsigned __stdcall MakeCall(void* made) {
+    const Call call = *static_cast<Call*>(made);
+    delete static_cast<Call*>(made);
+    call.body(call.argument);
+    return 0;
+}
+
+}  // namespace
 
 namespace platform {
 
@@ -17,6 +36,19 @@ void NameCurrentThread(const char* name) noexcept {
     if (setDescription == nullptr) return;
     if (MultiByteToWideChar(CP_ACP, 0, name, -1, wideName, 64) == 0) wideName[63] = L'\0';
     setDescription(GetCurrentThread(), wideName);
+}
+
+bool StartThread(void (*body)(void* argument), void* argument) noexcept {
+    auto* const call = new (std::nothrow) Call{body, argument};
+    if (call == nullptr) return false;
+    // The C runtime's call, which gives back at the thread's end what the runtime keeps for it.
+    const auto thread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, MakeCall, call, 0, nullptr));
+    if (thread == nullptr) {
+        delete call;
+        return false;
+    }
+    CloseHandle(thread);
+    return true;
 }
 
 }  // namespace platform

@@ -1,0 +1,34 @@
+#include "TACallback.h"
+
+#include <new>
+
+#include "foundations/console.h"
+
+TACallbackSubscriber::~TACallbackSubscriber() = default;
+TACallbackPublisher::~TACallbackPublisher() = default;
+
+void TACallbackPublisher::AddSubscriber(TACallbackSubscriber* subscriber) noexcept {
+    if (!_subscribers) {
+        try {
+            _subscribers = std::make_shared<ZELListPtrTACallbackSubscriber>();
+        } catch (const std::bad_alloc&) {
+            ReportAllocFailure("TACallbackPublisher", sizeof(ZELListPtrTACallbackSubscriber));
+            return;
+        }
+    }
+    _subscribers->Append(subscriber);
+}
+
+void TACallbackPublisher::RemoveSubscriber(TACallbackSubscriber* subscriber) noexcept {
+    if (!_subscribers) return;
+    for (int i = _subscribers->Size(); i >= 1; --i)
+        if ((*_subscribers)[i] == subscriber) _subscribers->RemovePosition(i);
+}
+
+int TACallbackPublisher::SendCallback(const TAEvent* event) {
+    const std::shared_ptr<ZELListPtrTACallbackSubscriber> subscribers = _subscribers;  // outlives this publisher
+    if (!subscribers || subscribers->Size() == 0) return 1;
+    for (int i = 1; i <= subscribers->Size(); ++i)
+        if (TACallbackSubscriber* const subscriber = (*subscribers)[i]) subscriber->ReceiveCallback(this, event);
+    return 0;
+}

@@ -1,0 +1,74 @@
+// A lock is a counted word, see foundations/binary_semaphore.h. Every copy counts, and the first to end closes the
+// word: a closed one lets everybody through, so nobody is left waiting for a lock that is no more.
+
+#include "TAThreadLock.h"
+
+#include <atomic>
+#include <cstdint>
+#include <new>
+
+#include "foundations/binary_semaphore.h"
+#include "foundations/console.h"
+
+struct TAThreadLock::Shared {
+    std::atomic<std::uint32_t> word{0};
+    std::atomic<int> owners{1};
+};
+
+TAThreadLock::TAThreadLock() noexcept : _shared(new (std::nothrow) Shared) {
+    if (_shared == nullptr) ReportAllocFailure("TAThreadLock", sizeof(Shared));
+}
+
+TAThreadLock::TAThreadLock(const TAThreadLock& other) noexcept : _shared(other._shared) {
+    if (_shared != nullptr) ++_shared->owners;
+}
+
+TAThreadLock& TAThreadLock::operator=(const TAThreadLock& other) noexcept {
+    if (_shared == other._shared) return *this;
+    Close();
+    _shared = other._shared;
+    if (_shared != nullptr) ++_shared->owners;
+    return *this;
+}
+
+TAThreadLock::~TAThreadLock() {
+    Close();
+}
+
+void TAThreadLock::Close() noexcept {
+    if (_shared == nullptr) return;
+    CloseSemaphore(_shared->word);
+    if (--_shared->owners == 0) delete _shared;
+}
+
+int TAThreadLock::GetLock() {
+    if (_shared != nullptr) AcquireSemaphore(_shared->word);
+    return 1;
+}
+
+int TAThreadLock::ReleaseLock() {
+    if (_shared != nullptr) ReleaseSemaphore(_shared->word);
+    return 1;
+}
+
+TAThreadLongLock::~TAThreadLongLock() = default;
+int TAThreadLongLock::GetLock() {
+    return 1;
+}
+int TAThreadLongLock::ReleaseLock() {
+    return 1;
+}
+
+TAThreadRWLock::~TAThreadRWLock() = default;
+int TAThreadRWLock::GetLock() {
+    return 1;
+}
+int TAThreadRWLock::ReleaseLock() {
+    return 1;
+}
+int TAThreadRWLock::GetWriteLock() {
+    return 1;
+}
+int TAThreadRWLock::ReleaseWriteLock() {
+    return 1;
+}
