@@ -36,7 +36,7 @@ public:
 private:
     struct Shared;
 
-    void Close() noexcept;
+    void Drop() noexcept;
 
     Shared* _shared;  // counted; null without memory
 };

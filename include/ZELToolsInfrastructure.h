@@ -10,6 +10,7 @@
 #include "TAIndex.h"
 #include "TAIndexB.h"
 #include "TAIndexI.h"
+#include "TAMutex.h"
 #include "TARefCounter.h"
 #include "TATextUtilities.h"
 #include "TAThread.h"

@@ -25,20 +25,19 @@ TAThreadLock::TAThreadLock(const TAThreadLock& other) noexcept : _shared(other._
 
 TAThreadLock& TAThreadLock::operator=(const TAThreadLock& other) noexcept {
     if (_shared == other._shared) return *this;
-    Close();
+    Drop();
     _shared = other._shared;
     if (_shared != nullptr) ++_shared->owners;
     return *this;
 }
 
 TAThreadLock::~TAThreadLock() {
-    Close();
+    if (_shared != nullptr) CloseSemaphore(_shared->word);
+    Drop();
 }
 
-void TAThreadLock::Close() noexcept {
-    if (_shared == nullptr) return;
-    CloseSemaphore(_shared->word);
-    if (--_shared->owners == 0) delete _shared;
+void TAThreadLock::Drop() noexcept {
+    if (_shared != nullptr && --_shared->owners == 0) delete _shared;
 }
 
 int TAThreadLock::GetLock() {

@@ -1,10 +1,12 @@
 // `process_probe VERB`: uses the library as a tool would, so that a test can look at its streams and its end.
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <new>
 #include <string_view>
 #include <thread>
 
+#include "TAMutex.h"
 #include "TARefCounter.h"
 #include "TAThread.h"
 
@@ -25,6 +27,19 @@ void Freeze() {
     std::puts("end");
 }
 
+// Adds 1 to the number in a file, again and again, under a mutex.
+int CountUnderMutex(const char* name, const char* path, int rounds) {
+    TALockProcess mutex(name);
+    for (int round = 0; round < rounds; ++round) {
+        if (mutex.Lock() != 0) return 1;
+        int number = 0;
+        std::fstream(path) >> number;
+        std::ofstream(path) << number + 1;
+        if (mutex.Unlock() == 0) return 2;
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -35,6 +50,13 @@ int main(int count, char** arguments) {
         TAThread::WaitForAll();
     }
     if (verb == "freeze") Freeze();
+    if (verb == "count") return CountUnderMutex(arguments[2], arguments[3], 100);
+    if (verb == "die") {  // over what the mutex protects
+        TAMutex mutex(arguments[2]);
+        std::printf("%d\n", mutex.Lock());
+        std::fflush(stdout);
+        std::_Exit(0);
+    }
     if (verb == "release") {
         alignas(TARefCounter) static unsigned char room[sizeof(TARefCounter)];
         auto* const counter = new (room) TARefCounter;
