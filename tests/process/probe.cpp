@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <new>
 #include <string_view>
 #include <thread>
 
@@ -56,12 +55,6 @@ int main(int count, char** arguments) {
         std::printf("%d\n", mutex.Lock());
         std::fflush(stdout);
         std::_Exit(0);
-    }
-    if (verb == "release") {
-        alignas(TARefCounter) static unsigned char room[sizeof(TARefCounter)];
-        auto* const counter = new (room) TARefCounter;
-        counter->~TARefCounter();
-        counter->Release();
     }
     if (verb == "delete") {
         TARefCounter* const counter = new TARefCounter;

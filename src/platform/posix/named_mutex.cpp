@@ -7,6 +7,8 @@
 // the open file, not to the process, so two mutexes of one process are two. The last to close removes the file; who
 // opened it before and then finds it removed starts over.
 //
+// The mutex itself is locked once, by the outermost call, and unlocked through the same mapping; inner calls count.
+//
 // The dangerous cases: a mutex that is unmapped while a thread has it locked would leave the thread's list of robust
 // mutexes pointing nowhere, so what is still locked stays mapped for ever; and a file that somebody cut shorter would
 // raise SIGBUS, which mode 0600 and the owner's check leave to the user's own programs.
@@ -17,10 +19,12 @@
 #include <pthread.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -42,10 +46,24 @@ struct SharedMutex {
     char magic[sizeof Magic];
     pthread_mutex_t mutex;
     std::atomic<pid_t> process;
-    std::atomic<pid_t> thread;      // 0 when it is free
-    std::atomic<SharedMutex*> via;  // where the owner's process has it mapped
+    std::atomic<pid_t> thread;  // 0 when it is free
+    std::atomic<std::int64_t> born;
+    std::atomic<SharedMutex*> via;  // the mapping through which the owner locked it first
     int depth;
 };
+
+// Tells a thread from a dead one whose number it got: when it first asked, in nanoseconds.
+std::int64_t OwnBirth() noexcept {
+    thread_local std::int64_t born = 0;
+    if (born != 0) return born;
+    struct timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return born = now.tv_sec * std::int64_t{1000000000} + now.tv_nsec;
+}
+
+bool IsOwn(const SharedMutex& shared) noexcept {
+    return shared.thread.load() == gettid() && shared.born.load() == OwnBirth();
+}
 
 // "/zel-mutex.UID.NAME", with every byte of NAME but letters and digits as %XX.
 struct FileName {
@@ -89,7 +107,6 @@ bool IsSafe(const struct stat& status) noexcept {
 bool MakeMutex(pthread_mutex_t* mutex) noexcept {
     pthread_mutexattr_t kind;
     if (pthread_mutexattr_init(&kind) != 0) return false;
-    pthread_mutexattr_settype(&kind, PTHREAD_MUTEX_RECURSIVE);
     pthread_mutexattr_setrobust(&kind, PTHREAD_MUTEX_ROBUST);
     pthread_mutexattr_setpshared(&kind, PTHREAD_PROCESS_SHARED);
     const bool made = pthread_mutex_init(mutex, &kind) == 0;
@@ -193,15 +210,16 @@ NamedMutex::~NamedMutex() {
 int NamedMutex::Lock() noexcept {
     if (_state == nullptr) return -1;
     SharedMutex& shared = *_state->shared;
-    const int result = pthread_mutex_lock(&shared.mutex);
-    if (result != 0 && result != EOWNERDEAD) return -1;
-    const pid_t self = gettid();
-    if (result == 0 && shared.thread.load() == self) {
+    if (IsOwn(shared)) {
+        if (shared.depth == INT_MAX) return -1;
         ++shared.depth;
         return 0;
     }
+    const int result = pthread_mutex_lock(&shared.mutex);
+    if (result != 0 && result != EOWNERDEAD) return -1;
     shared.process.store(getpid());
-    shared.thread.store(self);
+    shared.thread.store(gettid());
+    shared.born.store(OwnBirth());
     shared.via.store(&shared);
     shared.depth = 1;
     if (result == 0) return 0;
@@ -210,9 +228,10 @@ int NamedMutex::Lock() noexcept {
 }
 
 bool NamedMutex::Unlock() noexcept {
-    if (_state == nullptr || _state->shared->thread.load() != gettid()) return false;
-    SharedMutex& shared = *_state->shared;
-    if (--shared.depth == 0) shared.thread.store(0);
+    if (_state == nullptr || !IsOwn(*_state->shared)) return false;
+    SharedMutex& shared = *_state->shared->via.load();
+    if (--shared.depth > 0) return true;
+    shared.thread.store(0);
     return pthread_mutex_unlock(&shared.mutex) == 0;
 }
 
