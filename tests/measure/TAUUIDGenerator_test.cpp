@@ -14,18 +14,22 @@ const std::string alphabet = "+-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijkl
 
 struct Opened : TAUUIDGenerator {
     using TAUUIDGenerator::ComputeEpoch;
-    using TAUUIDGenerator::Convert;
     using TAUUIDGenerator::Copy;
     using TAUUIDGenerator::counter;
     using TAUUIDGenerator::epoch;
-    using TAUUIDGenerator::Error;
     using TAUUIDGenerator::FileTimeToInt;
     using TAUUIDGenerator::GetMachineIdent;
     using TAUUIDGenerator::GetProcessIdent;
     using TAUUIDGenerator::GetTime;
-    using TAUUIDGenerator::Init;
+    using TAUUIDGenerator::init_done;
     using TAUUIDGenerator::machine_ident;
     using TAUUIDGenerator::process_ident;
+};
+
+// Each test begins like a process of its own.
+class Identifiers : public testing::Test {
+protected:
+    void SetUp() override { Opened::init_done = 0; }
 };
 
 struct Fields {
@@ -60,7 +64,7 @@ Fields Expected(std::int64_t seconds) {
 
 }  // namespace
 
-TEST(TAUUIDGenerator, EncodesTimeMachineProcessAndCount) {
+TEST_F(Identifiers, EncodesTimeMachineProcessAndCount) {
     const std::int64_t before = std::time(nullptr);
     Fields drawn = Drawn();
     const std::int64_t after = Opened::GetTime();
@@ -78,19 +82,17 @@ TEST(TAUUIDGenerator, EncodesTimeMachineProcessAndCount) {
     }
 }
 
-TEST(TAUUIDGenerator, FollowsItsMembers) {
+TEST_F(Identifiers, FollowsItsMembers) {
     Drawn();
     std::mt19937 random(1);
     for (int round = 0; round < 1000; ++round) {
         if (random() % 4 == 0) Opened::machine_ident = static_cast<int>(random());
         if (random() % 4 == 0) Opened::process_ident = static_cast<int>(random());
         if (random() % 4 == 0) Opened::counter = static_cast<short>(random());
-        // Whole seconds beside the real one, a fraction, none at all, and back.
-        const std::int64_t moves[] = {0, -10'000'000, 86400'000'000'000, 5'000'001, -Opened::epoch};
-        __int64 epoch = 0;
-        Opened::ComputeEpoch(&epoch);
-        EXPECT_EQ(epoch, 116444736000000000);
-        Opened::epoch = epoch + moves[random() % 5];
+        // The real epoch, others by whole seconds and by a fraction, and none.
+        constexpr __int64 Epoch = 116444736000000000;
+        const __int64 epochs[] = {Epoch, Epoch - 10'000'000, Epoch + 86400'000'000'000, Epoch + 5'000'001, 0};
+        Opened::epoch = epochs[random() % 5];
         for (bool settled = false; !settled;) {
             const std::int64_t before = Opened::GetTime();
             const Fields expected = Expected(static_cast<std::uint32_t>(before));
@@ -103,7 +105,7 @@ TEST(TAUUIDGenerator, FollowsItsMembers) {
     }
 }
 
-TEST(TAUUIDGenerator, RepeatsAfterAllCountsOfASecond) {
+TEST_F(Identifiers, RepeatsAfterAllCountsOfASecond) {
     TAUUIDGenerator generator;
     bool withinOneSecond = false;
     for (int attempt = 0; attempt < 20 && !withinOneSecond; ++attempt) {
@@ -119,25 +121,12 @@ TEST(TAUUIDGenerator, RepeatsAfterAllCountsOfASecond) {
     EXPECT_TRUE(withinOneSecond);
 }
 
-TEST(TAUUIDGenerator, HasHelpersForBytes) {
-    std::mt19937 random(2);
-    for (int round = 0; round < 200; ++round) {
-        unsigned char block[15];
-        for (unsigned char& byte : block) byte = static_cast<unsigned char>(random());
-        char text[22] = "xxxxxxxxxxxxxxxxxxxxx";
-        Opened::Convert(block, text);
-        ASSERT_EQ(std::strlen(text), 20U);
-        const Fields fields = Decoded(text);
-        const auto number = [&](int from, int count) {
-            std::int64_t value = 0;
-            Opened::Copy(&value, block + from, count);
-            return value;
-        };
-        ASSERT_EQ(fields, (Fields{number(0, 4), number(4, 4), number(8, 1), number(9, 4), number(13, 2)}));
-    }
+TEST_F(Identifiers, HasHelpersForBytes) {
     char text[] = "untouched";
     for (const int count : {0, -1, INT_MIN}) Opened::Copy(text, "abc", count);
     EXPECT_STREQ(text, "untouched");
+    Opened::Copy(text, "abcd", 4);
+    EXPECT_STREQ(text, "dcbauched");
 
     const std::uint64_t instant = 0xFEDCBA9876543210;
     __int64 value = 7;
@@ -148,12 +137,9 @@ TEST(TAUUIDGenerator, HasHelpersForBytes) {
     Opened::FileTimeToInt(time, &value);
     EXPECT_EQ(static_cast<std::uint64_t>(value), instant);
     Opened::ComputeEpoch(nullptr);
-    testing::internal::CaptureStdout();
-    Opened::Error();
-    EXPECT_EQ(testing::internal::GetCapturedStdout().substr(0, 26), "Unable to allocate an UUID");
 }
 
-TEST(TAUUIDGenerator, TakesItsProcessNumberAnewInAForkedChild) {
+TEST_F(Identifiers, TakesItsProcessNumberAnewInAForkedChild) {
     const Fields parent = Drawn();
     const auto drawTwice = [] { return std::string(TAUUIDGenerator().Get()) + TAUUIDGenerator().Get(); };
     const std::string child = OutputOfFork(drawTwice);
@@ -169,7 +155,7 @@ TEST(TAUUIDGenerator, TakesItsProcessNumberAnewInAForkedChild) {
     EXPECT_EQ(Decoded(OutputOfFork(drawTwice).substr(0, 20)).process, 77);
 }
 
-TEST(TAUUIDGenerator, DiffersAmongProcesses) {
+TEST_F(Identifiers, DiffersAmongProcesses) {
     // A hundred, but for systems on which starting them would take too long.
     const std::time_t end = std::time(nullptr) + 15;
     std::set<std::string> drawn;
