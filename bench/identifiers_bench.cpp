@@ -6,6 +6,7 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <ctime>
 #include <random>
+#include <string>
 
 #include "TAUUIDGenerator.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 template <class Draw>
 void Add(const char* name, Draw draw) {
-    benchmark::RegisterBenchmark(name, [draw](benchmark::State& state) mutable {
+    benchmark::RegisterBenchmark(name, [draw](benchmark::State& state) {
         for (auto _ : state) benchmark::DoNotOptimize(draw());
     });
 }
@@ -28,7 +29,8 @@ char* LibuuidText() {
 }
 
 // 128 random bits, written down in hexadecimal.
-char* RandomText(std::mt19937_64& random) {
+char* RandomText() {
+    static std::mt19937_64 random(1);
     static char text[33];
     for (int half = 0; half < 2; ++half) {
         std::uint64_t bits = random();
@@ -37,14 +39,22 @@ char* RandomText(std::mt19937_64& random) {
     return text;
 }
 
+const char* OurText() {
+    static TAUUIDGenerator generator;
+    return generator.Get();
+}
+
+std::string BoostText() {
+    static boost::uuids::random_generator_mt19937 generate;
+    return boost::uuids::to_string(generate());
+}
+
 const bool registered = [] {
-    Add("identifier/ours", [generator = TAUUIDGenerator()]() mutable { return generator.Get(); });
+    Add("identifier/ours", OurText);
     Add("identifier/libuuid_time", LibuuidText<uuid_generate_time>);
     Add("identifier/libuuid_random", LibuuidText<uuid_generate_random>);
-    Add("identifier/mt19937", [random = std::mt19937_64(1)]() mutable { return RandomText(random); });
-    Add("identifier/boost_mt19937", [generate = boost::uuids::random_generator_mt19937()]() mutable {
-        return boost::uuids::to_string(generate());
-    });
+    Add("identifier/mt19937", RandomText);
+    Add("identifier/boost_mt19937", BoostText);
     Add("identifier/time_alone", [] { return std::time(nullptr); });
     return true;
 }();

@@ -39,25 +39,35 @@ constexpr __int64 UnixEpoch = Ticks(std::chrono::sys_days(std::chrono::year{1970
 
 constexpr char alphabet[] = "+-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
-// What the first characters are made from; the members of a generator have the same meanings.
+// What all but the last four characters are made from.
 struct Stem {
     std::uint32_t seconds;
     int machine;
     int process;
-
-    bool operator==(const Stem&) const = default;
 };
 
-constinit char text[TextSize + 1] = {};
+constinit char text[TextSize + 1] = {};  // empty before the first identifier
 constinit Stem textStem = {};
-constinit bool hasText = false;
 
 void PutHighFirst(std::uint32_t number, unsigned char* bytes) noexcept {
     for (int i = 0; i < 4; ++i) bytes[i] = static_cast<unsigned char>(number >> (24 - 8 * i));
 }
 
+// Everything but the count, which is 0.
+void FillBlock(const Stem& stem, unsigned char (&block)[BlockSize]) noexcept {
+    PutHighFirst(stem.seconds, block);
+    PutHighFirst(static_cast<std::uint32_t>(stem.machine), block + 4);
+    block[8] = Marker;
+    PutHighFirst(static_cast<std::uint32_t>(stem.process), block + 9);
+    block[13] = block[14] = 0;
+}
+
 void ConvertGroup(std::uint32_t bits, char* characters) noexcept {
-    for (int i = 0; i < 4; ++i) characters[i] = alphabet[bits >> (18 - 6 * i) & 63];
+    // Written out: this is most of what an identifier costs.
+    characters[0] = alphabet[bits >> 18 & 63];
+    characters[1] = alphabet[bits >> 12 & 63];
+    characters[2] = alphabet[bits >> 6 & 63];
+    characters[3] = alphabet[bits & 63];
 }
 
 Ticks Now() noexcept {
@@ -67,12 +77,13 @@ Ticks Now() noexcept {
 // The number that this process had when it was last looked at.
 constinit int ownProcess = -1;
 
+constinit std::atomic<std::uint32_t>* processMark = nullptr;
+
 // Whether the process has been forked since it was last looked at, or nothing can tell.
 bool IsNewProcess() noexcept {
-    static std::atomic<std::uint32_t>* const mark = platform::GetProcessMark();
-    if (mark == nullptr) return true;
-    if (mark->load(std::memory_order_relaxed) != 0) return false;
-    mark->store(1, std::memory_order_relaxed);
+    if (processMark != nullptr && processMark->load(std::memory_order_relaxed) != 0) return false;
+    processMark = platform::GetProcessMark();
+    if (processMark != nullptr) processMark->store(1, std::memory_order_relaxed);
     return true;
 }
 
@@ -90,7 +101,9 @@ void TAUUIDGenerator::Init() noexcept {
 }
 
 __int64 TAUUIDGenerator::GetTime() noexcept {
-    return (UnixEpoch + Now().count() - epoch) / TicksPerSecond;
+    // Whatever a derived class made of the epoch: the difference wraps.
+    const auto now = static_cast<std::uint64_t>(UnixEpoch + Now().count());
+    return static_cast<__int64>(now - static_cast<std::uint64_t>(epoch)) / TicksPerSecond;
 }
 
 int TAUUIDGenerator::GetMachineIdent() noexcept {
@@ -133,27 +146,28 @@ void TAUUIDGenerator::Error() noexcept {
 }
 
 const char* TAUUIDGenerator::Get() noexcept {
-    Init();
-    if (IsNewProcess()) {
+    if (init_done != 1) [[unlikely]]
+        Init();
+    if (IsNewProcess()) [[unlikely]] {
         // A number that a derived class chose stays.
         const bool isOwn = process_ident == ownProcess;
         ownProcess = platform::GetOwnProcessId();
         if (isOwn) process_ident = ownProcess;
     }
-    const __int64 seconds = epoch == UnixEpoch ? static_cast<__int64>(std::time(nullptr)) : GetTime();
-    const Stem stem = {static_cast<std::uint32_t>(seconds), machine_ident, process_ident};
+    __int64 time = std::time(nullptr);
+    if (epoch != UnixEpoch) [[unlikely]]
+        time = GetTime();
+    const auto seconds = static_cast<std::uint32_t>(time);
+    const int machine = machine_ident, process = process_ident;
+    if (seconds != textStem.seconds || machine != textStem.machine || process != textStem.process || *text == '\0')
+        [[unlikely]] {
+        textStem = {seconds, machine, process};
+        unsigned char block[BlockSize];
+        FillBlock(textStem, block);
+        Convert(block, text);
+    }
     const auto count = static_cast<std::uint16_t>(counter);
     counter = static_cast<short>(count + 1);
-    if (!hasText || stem != textStem) {
-        unsigned char block[BlockSize] = {};
-        PutHighFirst(stem.seconds, block);
-        PutHighFirst(static_cast<std::uint32_t>(stem.machine), block + 4);
-        block[8] = Marker;
-        PutHighFirst(static_cast<std::uint32_t>(stem.process), block + 9);
-        Convert(block, text);
-        textStem = stem;
-        hasText = true;
-    }
-    ConvertGroup(static_cast<std::uint32_t>(stem.process & 0xFF) << 16 | count, text + TextSize - 4);
+    ConvertGroup(static_cast<std::uint32_t>(process & 0xFF) << 16 | count, text + TextSize - 4);
     return text;
 }

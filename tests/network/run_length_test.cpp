@@ -68,6 +68,7 @@ Bytes RandomBytes(std::mt19937& random, std::size_t limit) {
         for (std::size_t length = lengths[random() % most]; length > 0; --length)
             bytes.push_back(kind == 0 ? 0x00 : kind == 1 ? 0xFF : static_cast<unsigned char>(1 + random() % 254));
     }
+    bytes.shrink_to_fit();  // so that a read beyond is seen
     return bytes;
 }
 
