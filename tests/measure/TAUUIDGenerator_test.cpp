@@ -13,17 +13,10 @@ namespace {
 const std::string alphabet = "+-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 struct Opened : TAUUIDGenerator {
-    using TAUUIDGenerator::ComputeEpoch;
-    using TAUUIDGenerator::Copy;
-    using TAUUIDGenerator::counter;
-    using TAUUIDGenerator::epoch;
-    using TAUUIDGenerator::FileTimeToInt;
-    using TAUUIDGenerator::GetMachineIdent;
-    using TAUUIDGenerator::GetProcessIdent;
-    using TAUUIDGenerator::GetTime;
-    using TAUUIDGenerator::init_done;
-    using TAUUIDGenerator::machine_ident;
-    using TAUUIDGenerator::process_ident;
+    using TAUUIDGenerator::ComputeEpoch, TAUUIDGenerator::Copy, TAUUIDGenerator::counter, TAUUIDGenerator::epoch,
+        TAUUIDGenerator::FileTimeToInt, TAUUIDGenerator::GetMachineIdent, TAUUIDGenerator::GetProcessIdent,
+        TAUUIDGenerator::GetTime, TAUUIDGenerator::init_done, TAUUIDGenerator::machine_ident,
+        TAUUIDGenerator::process_ident;
 };
 
 // Each test begins like a process of its own.
