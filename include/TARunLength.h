@@ -37,7 +37,7 @@ ZEL_API int rle_compress(int inSize, unsigned char* in, int outCapacity, unsigne
 // ONE BYTE MORE: a byte with code 0 is still written when exactly `outCapacity` bytes are there already, so `out` needs
 // room for one byte more than `outCapacity` unless the stream is trusted. No byte follows that one.
 // The header is believed: who reads streams from elsewhere first compares rle_compressed_size with what arrived. No
-// stream expands to more than 2016 times its size.
+// stream expands to more than 8064 times its size.
 ZEL_API int rle_uncompress(unsigned char* in, int outCapacity, unsigned char* out) noexcept;
 
 // The total size that the 4 bytes of a stream's header tell, header included; 0 for null. Negative from 2^31 on.

@@ -56,8 +56,8 @@ __m128i LoadPairs(const unsigned char* code) noexcept {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(code));
 }
 
-// Of 8 pairs of a code and a byte, how many of the first are literals: their bytes, since each has two in the mask.
-std::size_t LiteralPairs(__m128i pairs) noexcept {
+// Of 8 pairs of a code and a byte: how many bytes the literals at their beginning take, two for each.
+std::size_t LiteralBytes(__m128i pairs) noexcept {
     const __m128i codes = _mm_and_si128(pairs, _mm_set1_epi16(0x00FF));
     const __m128i isLiteral = _mm_cmpeq_epi16(codes, _mm_setzero_si128());
     return static_cast<std::size_t>(std::countr_one(static_cast<unsigned>(_mm_movemask_epi8(isLiteral))));
@@ -91,7 +91,7 @@ void Expander::ExpandWide() noexcept {
     while (static_cast<std::size_t>(_end - code) >= WideFrom && room() >= std::int64_t{Store}) {
         if (*code == LiteralCode) {
             const __m128i pairs = LoadPairs(code);
-            const std::size_t length = LiteralPairs(pairs);
+            const std::size_t length = LiteralBytes(pairs);
             _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(_mm_srli_epi16(pairs, 8), pairs));
             if (length == sizeof pairs) {
                 // A full step goes on by a constant, for which the next one need not wait.
