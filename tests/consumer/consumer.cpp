@@ -114,6 +114,17 @@ void Processes() {
     counter->Release();
 }
 
+void Coding() {
+    unsigned char mask[300] = {}, packed[604], again[301];
+    Expect(rle_compress(300, mask, rle_max_compressed_size(300), packed) == 6 && rle_compressed_size(packed) == 6 &&
+               rle_uncompress(packed, 300, again) == 300,
+           "TARunLength");
+    Expect(crc("123456789", 0) == 0x93BCE8CF, "crc");
+    TAUUIDGenerator generator;
+    const ZELString first = generator.Get();
+    Expect(first.Length() == 20 && !(first == generator.Get()), "TAUUIDGenerator");
+}
+
 }  // namespace
 
 int main() {
@@ -122,6 +133,7 @@ int main() {
     Containers();
     Files();
     Processes();
+    Coding();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
 }
