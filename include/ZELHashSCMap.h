@@ -134,27 +134,20 @@ protected:
     ZELStringPool* _pool;
 
 private:
-    static constexpr int NodesPerBlock = 20000;
-
-    // A key on its way to its bucket.
-    struct Sought {
-        explicit Sought(std::string_view sought) noexcept;
-
-        std::string_view text;
-        std::uint32_t hash;
-    };
+    struct Sought;
+    struct Holds;
 
     int Init(int size, float loadFactor) noexcept;
-    static void createBlocOfFreeNode() noexcept;
+    static node* TakeNode() noexcept;
     static node* createNode(ZELHashSCMap* map, const Sought& key, void* value, node* next) noexcept;
     static void addFreeNode(ZELHashSCMap* map, node* freed) noexcept;
 
     static link* CreateTable(int size, const char* function) noexcept;
     std::uint16_t* Filters() const noexcept { return reinterpret_cast<std::uint16_t*>(_table + _maxSize); }
     std::uint32_t BucketOf(std::uint32_t hash) const noexcept;
-    bool Holds(const node& entry, const Sought& key) const noexcept;
-    node* FindInChain(node* chain, const Sought& key) const noexcept;
-    node* Find(const Sought& key) const noexcept;
+    link* FindLink(link* at, const Sought& key) const noexcept;
+    link* Find(const Sought& key) const noexcept;
+    static int Give(const link* found, void** value) noexcept;
     void Push(node* entry, std::uint32_t hash) noexcept;
     void Grow() noexcept;
     void CopyFields(const ZELHashSCMap& other) noexcept;
@@ -162,10 +155,7 @@ private:
     void ReleaseNodes() noexcept;
     void ReleaseAll() noexcept;
 
-    // Nodes that removed entries left, and those of the newest block that were never used; for all maps.
-    static node* firstFree;
-    static node* firstFresh;
-    static node* endOfFresh;
+    static node* firstFree;  // nodes of removed entries, for all maps
 };
 
 class ZELHashSCMap::const_iterator {

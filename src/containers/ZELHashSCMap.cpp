@@ -19,6 +19,7 @@
 #include <new>
 
 #include "ZELStringPool.h"
+#include "containers/bump_area.h"
 #include "containers/chain_walk.h"
 #include "containers/key_store.h"
 #include "containers/text_hash.h"
@@ -40,48 +41,60 @@ std::uint16_t FilterBit(std::uint32_t hash) noexcept {
     return static_cast<std::uint16_t>(1U << ((hash * 0x9E3779B1U) >> 28));
 }
 
+// Nodes come 20000 at a time and stay with the process.
+constinit BumpArea nodeArea(20000 * 3 * sizeof(void*) + 16);
+constinit std::size_t liveNodes = 0;
+
 }  // namespace
 
 constinit ZELHashSCMap::node* ZELHashSCMap::firstFree = nullptr;
-constinit ZELHashSCMap::node* ZELHashSCMap::firstFresh = nullptr;
-constinit ZELHashSCMap::node* ZELHashSCMap::endOfFresh = nullptr;
 
-ZELHashSCMap::Sought::Sought(std::string_view sought) noexcept
-    : text(sought.data() != nullptr ? sought : std::string_view("")), hash(HashText(text)) {}
+// A key on its way to its bucket.
+struct ZELHashSCMap::Sought {
+    explicit Sought(std::string_view sought) noexcept
+        : text(sought.data() != nullptr ? sought : std::string_view("")), hash(HashText(text)) {}
+
+    std::string_view text;
+    std::uint32_t hash;
+};
 
 // The stock of nodes.
 
-void ZELHashSCMap::createBlocOfFreeNode() noexcept {
-    node* const block = static_cast<node*>(Allocate(NodesPerBlock * sizeof(node)));
-    if (block == nullptr) return Report("createBlocOfFreeNode", "create new node[20000]");
-    // Not linked one by one: nodes that are never used cost no memory.
-    firstFresh = block;
-    endOfFresh = block + NodesPerBlock;
+ZELHashSCMap::node* ZELHashSCMap::TakeNode() noexcept {
+    node* taken = firstFree;
+    if (taken != nullptr) {
+        firstFree = taken->next;
+        // Free nodes lie anywhere: the next one shall have arrived when its turn comes.
+        Prefetch(firstFree);
+    } else {
+        taken = static_cast<node*>(nodeArea.Take(sizeof(node)));
+    }
+    if (taken == nullptr)
+        Report("createBlocOfFreeNode", "create new node[20000]");
+    else
+        ++liveNodes;
+    return taken;
 }
 
 // A node with a copy of `key`; null when there is no memory.
 ZELHashSCMap::node* ZELHashSCMap::createNode(ZELHashSCMap* map, const Sought& key, void* value, node* next) noexcept {
-    if (firstFree == nullptr && firstFresh == endOfFresh) createBlocOfFreeNode();
-    if (firstFree == nullptr && firstFresh == endOfFresh) return nullptr;
+    node* const created = TakeNode();
+    if (created == nullptr) return nullptr;
     char* const copy = map->_pool != nullptr ? map->_pool->create(key.text.data()) : keyStore.Store(key.text, key.hash);
-    if (copy == nullptr) {
-        Report("createNode", "strdup()");
-        return nullptr;
-    }
-    node* created = firstFree;
-    if (created != nullptr) {
-        firstFree = created->next;
-        Prefetch(firstFree);
-    } else {
-        created = firstFresh++;
-    }
-    return new (created) node{copy, value, next};
+    new (created) node{copy, value, next};
+    if (copy != nullptr) return created;
+    Report("createNode", "strdup()");
+    addFreeNode(map, created);
+    return nullptr;
 }
 
 void ZELHashSCMap::addFreeNode(ZELHashSCMap* map, node* freed) noexcept {
-    if (map->_pool == nullptr) keyStore.Drop(freed->key);
+    if (map->_pool == nullptr && freed->key != nullptr) keyStore.Drop(freed->key);
     *freed = {nullptr, nullptr, firstFree};
     firstFree = freed;
+    if (--liveNodes != 0 || !nodeArea.IsWide()) return;
+    firstFree = nullptr;
+    nodeArea.Rewind();
 }
 
 // The table.
@@ -98,28 +111,42 @@ ZELHashSCMap::link* ZELHashSCMap::CreateTable(int size, const char* function) no
     return static_cast<link*>(table);
 }
 
-std::uint32_t ZELHashSCMap::BucketOf(std::uint32_t hash) const noexcept {
+inline std::uint32_t ZELHashSCMap::BucketOf(std::uint32_t hash) const noexcept {
     const std::uint32_t size = static_cast<std::uint32_t>(_maxSize);
     // Nearly every map has a power of two; a division costs more than the rest of a look-up in a small map.
     return (size & (size - 1)) == 0 ? hash & (size - 1) : hash % size;
 }
 
-bool ZELHashSCMap::Holds(const node& entry, const Sought& key) const noexcept {
-    const std::size_t size = key.text.size();
-    if (_pool != nullptr) return std::strncmp(entry.key, key.text.data(), size) == 0 && std::strlen(entry.key) == size;
-    const KeyHeader header = KeyStore::HeaderOf(entry.key);
-    return header.hash == key.hash && header.length == size && std::memcmp(entry.key, key.text.data(), size) == 0;
+// Whether a node holds the sought key, in a map whose keys are in a pool or in the store.
+struct ZELHashSCMap::Holds {
+    static bool Pooled(const node& entry, const Sought& key) noexcept {
+        const std::size_t size = key.text.size();
+        return std::strncmp(entry.key, key.text.data(), size) == 0 && std::strlen(entry.key) == size;
+    }
+    static bool Stored(const node& entry, const Sought& key) noexcept {
+        const std::size_t size = key.text.size();
+        return KeyStore::HeaderOf(entry.key) == KeyHeader{key.hash, static_cast<std::uint32_t>(size)} &&
+               size <= KeyStore::MaxLength && SameKey(entry.key, key.text.data(), size);
+    }
+};
+
+// The pointer to the first node from `*at` on that holds the key, or to the null at the end of the chain.
+inline ZELHashSCMap::link* ZELHashSCMap::FindLink(link* at, const Sought& key) const noexcept {
+    if (_pool != nullptr) {
+        while (*at != nullptr && !Holds::Pooled(**at, key)) at = &(*at)->next;
+    } else {
+        while (*at != nullptr && !Holds::Stored(**at, key)) at = &(*at)->next;
+    }
+    return at;
 }
 
-ZELHashSCMap::node* ZELHashSCMap::FindInChain(node* chain, const Sought& key) const noexcept {
-    while (chain != nullptr && !Holds(*chain, key)) chain = chain->next;
-    return chain;
-}
-
-ZELHashSCMap::node* ZELHashSCMap::Find(const Sought& key) const noexcept {
+// The same for the whole map; null also when the filter knows that the key is absent.
+inline ZELHashSCMap::link* ZELHashSCMap::Find(const Sought& key) const noexcept {
     if (_table == nullptr) return nullptr;
     const std::uint32_t bucket = BucketOf(key.hash);
-    return (Filters()[bucket] & FilterBit(key.hash)) != 0 ? FindInChain(_table[bucket], key) : nullptr;
+    if ((Filters()[bucket] & FilterBit(key.hash)) == 0) return nullptr;
+    link* const found = FindLink(&_table[bucket], key);
+    return *found != nullptr ? found : nullptr;
 }
 
 // Links a node in at the head of its bucket.
@@ -238,16 +265,18 @@ int ZELHashSCMap::size() {
     return _count;
 }
 
-int ZELHashSCMap::search(std::string_view key, void** value) const noexcept {
-    if (value == nullptr) return 0;
-    const node* const found = Find(Sought(key));
-    if (found == nullptr) return 0;
-    *value = found->value;
+inline int ZELHashSCMap::Give(const link* found, void** value) noexcept {
+    if (found == nullptr || *found == nullptr) return 0;
+    *value = (*found)->value;
     return 1;
 }
 
+int ZELHashSCMap::search(std::string_view key, void** value) const noexcept {
+    return value != nullptr ? Give(Find(Sought(key)), value) : 0;
+}
+
 int ZELHashSCMap::search(const char* key, void** value) {
-    return key != nullptr ? search(std::string_view(key), value) : 0;
+    return key != nullptr && value != nullptr ? Give(Find(Sought(key)), value) : 0;
 }
 
 bool ZELHashSCMap::contains(std::string_view key) const noexcept {
@@ -255,11 +284,7 @@ bool ZELHashSCMap::contains(std::string_view key) const noexcept {
 }
 
 int ZELHashSCMap::searchR(node* chain, const char* key, void** value) const noexcept {
-    if (key == nullptr || value == nullptr) return 0;
-    const node* const found = FindInChain(chain, Sought(key));
-    if (found == nullptr) return 0;
-    *value = found->value;
-    return 1;
+    return key != nullptr && value != nullptr ? Give(FindLink(&chain, Sought(key)), value) : 0;
 }
 
 const char* ZELHashSCMap::insert(const char* key, void* value) {
@@ -278,15 +303,15 @@ const char* ZELHashSCMap::insert(const char* key, void* value) {
 void ZELHashSCMap::remove(const char* key) {
     if (key == nullptr) return;
     const Sought sought(key);
-    if (_isView && (Find(sought) == nullptr || !BecomeOwner())) return;
-    if (_table == nullptr) return;
+    link* found = Find(sought);
+    if (found == nullptr) return;
+    if (_isView) {
+        if (!BecomeOwner()) return;
+        found = Find(sought);
+    }
+    node* const removed = *found;
+    *found = removed->next;
     const std::uint32_t bucket = BucketOf(sought.hash);
-    if ((Filters()[bucket] & FilterBit(sought.hash)) == 0) return;
-    node** at = &_table[bucket];
-    while (*at != nullptr && !Holds(**at, sought)) at = &(*at)->next;
-    node* const removed = *at;
-    if (removed == nullptr) return;
-    *at = removed->next;
     if (_table[bucket] == nullptr) Filters()[bucket] = 0;
     --_count;
     addFreeNode(this, removed);

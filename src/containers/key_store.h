@@ -1,26 +1,50 @@
 // The copies of keys that maps keep themselves.
 //
 // Idea: a key lies behind a header with its hash and its length, so that a look-up rejects nearly every other key, and
-// growth finds its way, without reading the text. Blocks are cut from large ones in sizes by 16 bytes; a freed block
-// waits in the list of its size for the next key. Longer keys go to the heap one by one.
+// growth finds its way, without reading the text. Blocks are cut from an area in sizes by 16 bytes; a freed block waits
+// in the list of its size for the next key. Longer keys go to the heap one by one.
 //
-// Invariants: the text is NUL-terminated and its header directly in front of it; everything stays reachable from
-// `keyStore`. Cost: a few instructions each way. Danger: one store for the process, without a lock.
+// Invariants: the text is NUL-terminated and its header directly in front of it, in the same cache line; everything
+// stays reachable from `keyStore`. Cost: a few instructions each way. Danger: one store for the process, without a
+// lock.
 #ifndef CONTAINERS_KEY_STORE_H
 #define CONTAINERS_KEY_STORE_H
 
+#include <emmintrin.h>  // SSE2 is part of every x86-64
+
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
+#include "containers/bump_area.h"
 #include "containers/prefetch.h"
+#include "foundations/text_search.h"
 
 struct KeyHeader {
     std::uint32_t hash;
     std::uint32_t length;
+
+    // One comparison of 8 bytes.
+    friend bool operator==(KeyHeader left, KeyHeader right) noexcept {
+        return std::bit_cast<std::uint64_t>(left) == std::bit_cast<std::uint64_t>(right);
+    }
 };
+
+// Whether two texts of `size` bytes are the same: for keys, which are short, without a call.
+inline bool SameKey(const char* left, const char* right, std::size_t size) noexcept {
+    if (size <= SearchHeadSize) return SameHead(left, right, size);
+    const auto sameStep = [left, right](std::size_t at) {
+        const __m128i equal = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(left + at)),
+                                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(right + at)));
+        return _mm_movemask_epi8(equal) == 0xFFFF;
+    };
+    std::size_t at = 0;
+    while (at + 16 < size && sameStep(at)) at += 16;
+    return at + 16 >= size && sameStep(size - 16);
+}
 
 class KeyStore {
 public:
@@ -48,6 +72,7 @@ public:
         void*& freed = _freed[ClassOf(size)];
         std::memcpy(block, &freed, sizeof freed);
         freed = block;
+        if (--_live == 0 && _area.IsWide()) StartOver();
     }
 
     static KeyHeader HeaderOf(const char* key) noexcept {
@@ -65,25 +90,22 @@ private:
     void* TakeBlock(std::size_t size) noexcept {
         if (size > LargestBlock) return TakeLarge(size);
         void*& freed = _freed[ClassOf(size)];
-        if (void* const block = freed) {
+        void* block = freed;
+        if (block != nullptr) {
             std::memcpy(&freed, block, sizeof freed);
             // Freed blocks lie anywhere: the next one shall have arrived when its turn comes.
             Prefetch(freed);
-            return block;
+        } else {
+            block = _area.Take((ClassOf(size) + 1) * Grain);
         }
-        const std::size_t rounded = (ClassOf(size) + 1) * Grain;
-        if (rounded > _remaining && !AddChunk()) return nullptr;
-        char* const block = _next;
-        _next += rounded;
-        _remaining -= rounded;
+        _live += block != nullptr ? 1 : 0;
         return block;
     }
     static void* TakeLarge(std::size_t size) noexcept;
-    bool AddChunk() noexcept;
+    void StartOver() noexcept;
 
-    char* _next = nullptr;  // what is left of the newest chunk
-    std::size_t _remaining = 0;
-    void* _chunks = nullptr;  // the newest; each begins with a pointer to the one before it
+    BumpArea _area{256 * 1024};
+    std::size_t _live = 0;  // blocks that hold a key
     void* _freed[LargestBlock / Grain] = {};
 };
 
