@@ -19,8 +19,8 @@ namespace {
 constexpr int BlockRoom = 65532;
 constexpr int TooLong = BlockRoom + 1;
 
-void ReportPool(const char* what, int number) noexcept {
-    std::printf("# Error : unable to allocate in ZELStringPoolAlloc (%s): %d", what, number);
+void Report(const char* format, int number) noexcept {
+    std::printf(format, number);
     std::fflush(stdout);
 }
 
@@ -62,13 +62,13 @@ void ZELStringPool::clear() noexcept {
 
 char* ZELStringPool::alloc(int size) noexcept {
     if (size >= TooLong) {
-        ReportPool("string too long", size);
+        Report("# Error : unable to allocate in ZELStringPoolAlloc (string too long: %d)", size);
         return nullptr;
     }
     if (_isView || size > _remaining) {
         Block* const block = static_cast<Block*>(Allocate(sizeof(Block)));
         if (block == nullptr) {
-            ReportPool("not enough memory", static_cast<int>(sizeof(Block)));
+            Report("# Error : unable to allocate in ZELStringPoolAlloc (not enough memory): %d", int{sizeof(Block)});
             return nullptr;
         }
         block->older = _isView ? nullptr : _block;
