@@ -36,7 +36,7 @@ void Report(const char* function, const char* what) noexcept {
     std::fflush(stdout);
 }
 
-// The bit of a key in the filter of its bucket; from the middle of the hash, since its lower end chose the bucket.
+// The bit of a key in the filter of its bucket; mixed anew, since the lower end of the hash chose the bucket.
 std::uint16_t FilterBit(std::uint32_t hash) noexcept {
     return static_cast<std::uint16_t>(1U << ((hash * 0x9E3779B1U) >> 28));
 }
