@@ -1,11 +1,13 @@
 #include "ZELHashSCMap.h"
 
 #include <limits>
+#include <sstream>
 
 #include "ZELStringPool.h"
 #include "containers/map_model.h"
 #include "containers/text_hash.h"
 #include "foundations/allocation.h"
+#include "support/files.h"
 
 namespace {
 
@@ -79,7 +81,6 @@ TEST(ZELHashSCMap, WalksInAnOrderThatNeverChanges) {
         const char *keys, *order;
     } rows[] = {
         // 'a' is 97, bucket 1 of 8; \xFF is -1, bucket 7; \x80 is -128, bucket 0.
-        {8, "a b c", "a b c "},
         {8, "\xFF \x80 a i", "\x80 i a \xFF "},
         // The sixth entry doubles the table: i and a change their places.
         {8, "a i q b c", "q i a b c "},
@@ -88,25 +89,20 @@ TEST(ZELHashSCMap, WalksInAnOrderThatNeverChanges) {
     };
     for (const auto& row : rows) {
         ZELHashSCMap map(row.size, 0.75F, nullptr);
-        std::string keys(row.keys), order;
-        for (std::size_t from = 0, to; from < keys.size(); from = to + 1) {
-            to = std::min(keys.find(' ', from), keys.size());
-            map.insert(keys.substr(from, to - from).c_str(), nullptr);
-        }
+        std::istringstream keys(row.keys);
+        for (std::string key; keys >> key;) map.insert(key.c_str(), nullptr);
+        std::string order;
         for (const auto& entry : map) order.append(entry.key).append(" ");
         EXPECT_EQ(order, row.order) << row.keys;
     }
 }
 
 TEST(ZELHashSCMap, KeepsToItsLimits) {
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (const float loadFactor : {0.0F, -1.0F, 1.0F, 7.0F, nan, std::numeric_limits<float>::infinity()})
+    for (const float loadFactor : {0.0F, -1.0F, 1.0F, std::numeric_limits<float>::quiet_NaN()})
         EXPECT_EQ(FieldsOf(ZELHashSCMap(9, loadFactor, nullptr)).loadFactor, 0.75F);
     EXPECT_EQ(FieldsOf(ZELHashSCMap(9, 0.5F, nullptr)).loadFactor, 0.5F);
-    for (const int size : {INT_MIN, 0, 7, 8, 9}) {
-        ZELHashSCMap map(size, 0.75F, nullptr);
-        EXPECT_EQ(FieldsOf(map).maxSize, size == 9 ? 9 : 8);
-    }
+    for (const int size : {INT_MIN, 7, 9})
+        EXPECT_EQ(FieldsOf(ZELHashSCMap(size, 0.5F, nullptr)).maxSize, size == 9 ? 9 : 8);
     ZELHashSCMap map;
     void* value = &map;
     EXPECT_EQ(map.insert(nullptr, nullptr), nullptr);
@@ -118,52 +114,39 @@ TEST(ZELHashSCMap, KeepsToItsLimits) {
     map.insert("", Value(1));
     EXPECT_TRUE(map.contains(std::string_view()));
     map.insert("ab", Value(2));
-    for (const std::string_view absent : {std::string_view("ab\0", 3), std::string_view("ab\0c", 4)})
-        EXPECT_FALSE(map.contains(absent));
+    EXPECT_FALSE(map.contains(std::string_view("ab\0", 3)));
     EXPECT_EQ(map.search("ab", nullptr), 0);
-    EXPECT_EQ(map.search("b", &value), 0);
-    EXPECT_EQ(value, &map);
+    EXPECT_TRUE(map.search("b", &value) == 0 && value == &map);
 
     const std::string huge(1 << 20, 'h');
     const char* const stored = map.insert(huge.c_str(), Value(3));
-    ASSERT_NE(stored, nullptr);
     // Growth leaves stored keys where they are.
     for (int i = 0; i < 100; ++i) map.insert(std::to_string(i).c_str(), nullptr);
     EXPECT_EQ(stored, huge);
-    EXPECT_EQ(map.search(stored, &value), 1);
     map.remove(huge.c_str());
     EXPECT_FALSE(map.contains(huge));
-    EXPECT_EQ(map.insert(std::string(100, 'x').c_str(), nullptr), std::string(100, 'x'));
 }
 
 TEST(ZELHashSCMap, StaysRightWhenManyKeysShareOneHash) {
-    // "Aa" and "BB" have one hash, and so has every row of twelve of them.
     ZELHashSCMap map;
+    void* value = nullptr;
     for (int number = 0; number < 4096; ++number) {
-        std::string key;
+        std::string key;  // "Aa" and "BB" have one hash, and so has every row of twelve of them
         for (int bit = 0; bit < 12; ++bit) key += (number >> bit & 1) != 0 ? "Aa" : "BB";
         ASSERT_NE(map.insert(key.c_str(), Value(number)), nullptr);
-        ASSERT_EQ(map.insert(key.c_str(), nullptr), nullptr);
-        ASSERT_EQ(PlainHash(key), PlainHash("BBBBBBBBBBBBBBBBBBBBBBBB"));
+        ASSERT_TRUE(map.search(key, &value) == 1 && value == Value(number));
     }
     EXPECT_EQ(std::distance(map.begin(), map.end()), 4096);
-    void* value = nullptr;
-    EXPECT_EQ(map.search("AaBBBBBBBBBBBBBBBBBBBBAa", &value), 1);
-    EXPECT_EQ(value, Value(1 + 2048));
 }
 
 TEST(ZELHashSCMap, GrowthCopiesPooledKeysOnceMore) {
     ZELStringPool pool;
     ZELHashSCMap map(&pool);
-    int sixth = 0;
-    for (const char* const key : {"1", "2", "3", "4", "5"}) map.insert(key, nullptr);
-    const char* const before = map.insert("6", &sixth);
-    const char* now = nullptr;
-    for (const auto& [key, value] : map) now = value == &sixth ? key : now;
-    EXPECT_STREQ(now, "6");
-    EXPECT_NE(now, before);
+    const char* stored = nullptr;
+    for (const char* const key : {"1", "2", "3", "4", "5", "6"}) stored = map.insert(key, nullptr);
+    EXPECT_EQ(std::count_if(map.begin(), map.end(), [&](auto entry) { return entry.key == stored; }), 0);
     // Six keys twice, of two bytes each: the next stands behind them.
-    EXPECT_EQ(pool.create("x"), before + 2 + 6 * 2);
+    EXPECT_EQ(pool.create("x"), stored + 2 + 6 * 2);
 }
 
 TEST(ZELHashSCMap, CopiesAreViewsUntilTheyAreChanged) {
@@ -192,7 +175,6 @@ TEST(ZELHashSCMap, CopiesAreViewsUntilTheyAreChanged) {
             third.clear();
             third.insert("alone", Value(9));
             ExpectHolds(third, {{"alone", Value(9)}});
-            ExpectHolds(ended, held);
         }
         ExpectHolds(original, held);
     }
@@ -211,17 +193,14 @@ TEST(ZELHashSCMap, SurvivesEachFailedAllocation) {
         for (int i = 0; i < 25000; ++i) {
             const std::string key = "key" + std::to_string(i);
             if (map.insert(key.c_str(), Value(i)) != nullptr) continue;
-            ASSERT_FALSE(map.contains(key));
             ASSERT_EQ(map.insert(key.c_str(), Value(i)) != nullptr, hasTable);
         }
         failed = !IsAllocationFailureDue();
         ASSERT_EQ(map.size(), hasTable ? 25000 : 0);
         ASSERT_EQ(std::distance(map.begin(), map.end()), map.size());
-        void* value = nullptr;
-        ASSERT_EQ(map.search("key24999", &value), hasTable ? 1 : 0);
-        map.remove("key3");
-        if (!hasTable) map.clear();
-        told += testing::internal::GetCapturedStdout();
+        ASSERT_EQ(map.contains("key24999"), hasTable);
+        map.remove("no key");
+        told += WithoutReturns(testing::internal::GetCapturedStdout());
     }
     FailAllocation(0);
     for (const char* const line :
@@ -233,24 +212,24 @@ TEST(ZELHashSCMap, SurvivesEachFailedAllocation) {
 
 TEST(ZELHashSCMap, ViewsAndIteratorsSurviveEachFailedAllocation) {
     ZELStringPool pool;
-    ZELHashSCMap original(8, 0.9F, &pool);
-    std::string filler(60000, 'f');  // each copy needs a block of the pool
+    ZELHashSCMap original(8, 0.6F, &pool);  // a fifth entry makes it grow
+    const std::string filler(60000, 'f');   // each copy needs a block of the pool
     for (char c = 'a'; c < 'e'; ++c) original.insert((filler + c).c_str(), Value(c));
-    const std::unique_ptr<ZELMapIterator> before(original.getIterator());
-    const Entries held = Rest(before.get());
+    const Entries held = Rest(std::unique_ptr<ZELMapIterator>(original.getIterator()).get());
     testing::internal::CaptureStdout();
     bool failed = true;
     for (int number = 1; failed; ++number) {
         ZELHashSCMap view(original), cleared(original);
         FailAllocation(number);
-        const bool inserted = view.insert("new", nullptr) != nullptr;
+        const int inserted = view.insert("new", nullptr) != nullptr ? 1 : 0;
         cleared.clear();
         const std::unique_ptr<ZELMapIterator> iterator(original.getIterator());
         failed = !IsAllocationFailureDue();
         FailAllocation(0);
-        EXPECT_EQ(view.size(), inserted ? 5 : 4);
-        EXPECT_TRUE(cleared.size() == 0 || cleared.size() == 4);
-        EXPECT_EQ((inserted ? 1 : 0) + (cleared.size() == 0 ? 1 : 0) + (iterator != nullptr ? 1 : 0), failed ? 2 : 3);
+        EXPECT_GE(inserted + (cleared.size() == 0 ? 1 : 0) + (iterator != nullptr ? 1 : 0), failed ? 2 : 3);
+        EXPECT_EQ(view.size(), 4 + inserted);
+        EXPECT_EQ(std::distance(cleared.begin(), cleared.end()), cleared.size());
+        for (const auto& [key, value] : held) EXPECT_TRUE(view.contains(key));
         ExpectHolds(original, held);
     }
     testing::internal::GetCapturedStdout();
@@ -285,42 +264,35 @@ TEST(ZELHashSCMap, KeepsTheOrderOfItsSlots) {
     void* value = nullptr;
     EXPECT_STREQ((CallSlot<const char*, const char*, void*>(&map, 2, "a", Value(1))), "a");
     EXPECT_EQ((CallSlot<int, const char*, void**>(&map, 1, "a", &value)), 1);
-    EXPECT_EQ(CallSlot<int>(&map, 0), 1);
     ZELMapIterator* const iterator = CallSlot<ZELMapIterator*>(&map, 5);
-    CallSlot<void, const char*>(&map, 3, "a");
-    EXPECT_EQ(map.size(), 0);
-    map.insert("b", nullptr);
-    CallSlot<void>(&map, 4);
-    EXPECT_EQ(map.size(), 0);
-
     EXPECT_EQ(CallSlot<int>(iterator, 0), 1);
-    EXPECT_NE(CallSlot<const char*>(iterator, 1), nullptr);
+    EXPECT_STREQ(CallSlot<const char*>(iterator, 1), "a");
     EXPECT_EQ(CallSlot<void*>(iterator, 2), Value(1));
     delete iterator;
-    // Two slots of each destructor stand before what is declared behind it.
+    CallSlot<void, const char*>(&map, 3, "a");
+    map.insert("b", nullptr);
+    EXPECT_EQ(CallSlot<int>(&map, 0), 1);
+    CallSlot<void>(&map, 4);
+    EXPECT_EQ(map.size(), 0);
+    // Two slots of the destructor stand before what is declared behind it.
     ZELHashSCMapIterator own(1);
     CallSlot<void, const char*, void*>(&own, 5, "x", nullptr);
-    EXPECT_EQ(own.next(), 1);
-    EXPECT_STREQ(own.getKey(), "x");
+    EXPECT_EQ(Rest(&own), (Entries{{"x", nullptr}}));
 }
 
 TEST(ZELHashSCMapIterator, ShowsNothingOutsideWhatWasFilled) {
-    for (const int size : {INT_MIN, 0, 3}) {
-        ZELHashSCMapIterator iterator(size);
+    for (const int size : {INT_MIN, 0}) {
+        ZELHashSCMapIterator none(size);
         testing::internal::CaptureStdout();
-        for (const char* const key : {"a", "b", "c", "d"})
-            if (size <= 0 || *key != 'c') iterator.insert(key, Value(*key));
-        const std::string told = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(told.substr(0, 53), size <= 0 ? " ZELHashSCMapIterator::insert, _size too small: 0\n ZE" : "");
-        EXPECT_EQ(iterator.getKey(), nullptr);
-        const Entries filled{{"a", Value('a')}, {"b", Value('b')}, {"d", Value('d')}};
-        EXPECT_EQ(Rest(&iterator), size > 0 ? filled : Entries());
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(iterator.next(), 0);
-        EXPECT_EQ(iterator.getValue(), nullptr);
+        none.insert("dropped", nullptr);
+        EXPECT_EQ(WithoutReturns(testing::internal::GetCapturedStdout()),
+                  " ZELHashSCMapIterator::insert, _size too small: 0\n");
+        EXPECT_EQ(none.next(), 0);
     }
     // It counts to its capacity, and a copy has a place of its own in arrays that are shared.
     ZELHashSCMapIterator wide(2), ended(5);
     wide.insert("a", Value(1));
+    EXPECT_EQ(wide.getKey(), nullptr);
     wide.next();
     {
         ZELHashSCMapIterator view(wide);
@@ -328,7 +300,8 @@ TEST(ZELHashSCMapIterator, ShowsNothingOutsideWhatWasFilled) {
         wide = view;
         EXPECT_EQ(view.next(), 1);
         EXPECT_EQ(view.getKey(), nullptr);
-        EXPECT_EQ(view.next(), 0);
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(view.next(), 0);
+        EXPECT_EQ(view.getValue(), nullptr);
     }
     EXPECT_STREQ(wide.getKey(), "a");
     EXPECT_EQ(ended.getValue(), Value(1));

@@ -10,11 +10,11 @@ struct Fields {
     int remaining;
 };
 
+static_assert(sizeof(Fields) == sizeof(ZELStringPool));
+
 Fields FieldsOf(const ZELStringPool& pool) {
     Fields fields;
-    static_assert(sizeof pool == 16);
-    std::memcpy(&fields.block, static_cast<const void*>(&pool), sizeof fields.block);
-    std::memcpy(&fields.remaining, reinterpret_cast<const char*>(&pool) + 8, sizeof fields.remaining);
+    std::memcpy(static_cast<void*>(&fields), static_cast<const void*>(&pool), sizeof fields);
     return fields;
 }
 
@@ -41,19 +41,13 @@ TEST(ZELStringPool, PacksTextsAndGivesUpRoomThatIsTooSmall) {
         ASSERT_EQ(fields.remaining, row.remaining) << made.size();
         // Behind the pointer that each block begins with, directly behind the text before it.
         ASSERT_EQ(copy, fields.block + 8 + (Room - row.remaining) - (row.length + 1)) << made.size();
-        if (fields.block != before.block) {
-            char* older;
-            std::memcpy(&older, fields.block, sizeof older);
-            EXPECT_EQ(older, before.block);
-        }
+        EXPECT_TRUE(fields.block == before.block || std::memcmp(fields.block, &before.block, 8) == 0) << made.size();
         made.emplace_back(copy, text);
         before = fields;
     }
     for (const auto& [copy, text] : made) EXPECT_EQ(copy, text);
     pool.clear();
-    EXPECT_EQ(FieldsOf(pool).block, nullptr);
-    EXPECT_EQ(FieldsOf(pool).remaining, 0);
-    EXPECT_STREQ(pool.create("again"), "again");
+    EXPECT_TRUE(FieldsOf(pool).block == nullptr && FieldsOf(pool).remaining == 0);
 }
 
 TEST(ZELStringPool, RefusesWhatIsTooLongAndWhatHasNoMemory) {
@@ -84,7 +78,6 @@ TEST(ZELStringPool, CopiesAreViewsThatStartBlocksOfTheirOwn) {
         assigned = view;
         original = view;  // nothing: it would lose its own blocks
         EXPECT_EQ(FieldsOf(assigned).block, FieldsOf(original).block);
-        EXPECT_EQ(FieldsOf(assigned).remaining, FieldsOf(original).remaining);
         const char* const own = view.create("own");
         EXPECT_NE(FieldsOf(view).block, FieldsOf(original).block);
         EXPECT_STREQ(original.create("more"), "more");
