@@ -237,7 +237,7 @@ void Register(const std::string& who) {
 
 const bool registered = [] {
     Register<Ours>("ours");
-    //Register<Pooled>("ours, pooled");
+    Register<Pooled>("ours, pooled");
     Register<StdMap>("std::unordered_map");
     Register<FlatMap>("absl::flat_hash_map");
     Register<LlvmMap<llvm::MallocAllocator>>("llvm::StringMap");

@@ -107,7 +107,7 @@ public:
     bool contains(std::string_view key) const noexcept;
     bool contains(const char* key) const noexcept { return key != nullptr && contains(std::string_view(key)); }
 
-    // A walk in the order of getIterator() that needs no memory. It ends to be valid when the map changes.
+    // A walk in the order of getIterator() that needs no memory, valid until the map changes.
     const_iterator begin() const noexcept;
     const_iterator end() const noexcept;
 

@@ -30,6 +30,8 @@ namespace {
 
 constexpr int LeastBuckets = 8;
 constexpr float UsualLoadFactor = 0.75F;
+constexpr std::size_t LinkSize = sizeof(void*);
+constexpr std::size_t BucketSize = LinkSize + sizeof(std::uint16_t);  // a link and a filter
 
 void Report(const char* function, const char* what) noexcept {
     std::printf("# Alloc failed in ZELHashSCMap::%s: unable to %s\n", function, what);
@@ -102,10 +104,10 @@ void ZELHashSCMap::addFreeNode(ZELHashSCMap* map, node* freed) noexcept {
 // Chains and filters, all empty. Null, and a line printed, when there is no memory.
 ZELHashSCMap::link* ZELHashSCMap::CreateTable(int size, const char* function) noexcept {
     const std::size_t buckets = static_cast<std::size_t>(size);
-    void* const table = AllocateZeroed(buckets * (sizeof(link) + sizeof(std::uint16_t)));
+    void* const table = AllocateZeroed(buckets * BucketSize);
     if (table == nullptr) {
         char what[80];
-        std::snprintf(what, sizeof what, "malloc(_maxSize * sizeof(link)) : %zu", buckets * sizeof(link));
+        std::snprintf(what, sizeof what, "malloc(_maxSize * sizeof(link)) : %zu", buckets * LinkSize);
         Report(function, what);
     }
     return static_cast<link*>(table);
@@ -326,7 +328,7 @@ void ZELHashSCMap::clear() {
         _isView = false;
     } else {
         ReleaseNodes();
-        std::memset(_table, 0, static_cast<std::size_t>(_maxSize) * (sizeof(link) + sizeof(std::uint16_t)));
+        std::memset(_table, 0, static_cast<std::size_t>(_maxSize) * BucketSize);
     }
     _count = 0;
 }

@@ -205,7 +205,7 @@ TEST(ZELHashSCMap, SurvivesEachFailedAllocation) {
     FailAllocation(0);
     for (const char* const line :
          {"ZELHashSCMap: unable to malloc(_maxSize * sizeof(link)) : 64\n",
-          "insert: unable to malloc(_maxSize * sizeof(link)) : 128\n", "createNode: unable to strdup()\n",
+          "insert: unable to malloc(_maxSize * sizeof(link)) : 256\n", "createNode: unable to strdup()\n",
           "createBlocOfFreeNode: unable to create new node[20000]\n"})
         EXPECT_NE(told.find(std::string("# Alloc failed in ZELHashSCMap::") + line), std::string::npos) << line;
 }
