@@ -314,7 +314,8 @@ void ZELHashSCMap::remove(const char* key) {
     node* const removed = *found;
     *found = removed->next;
     const std::uint32_t bucket = BucketOf(sought.hash);
-    if (_table[bucket] == nullptr) Filters()[bucket] = 0;
+    // A product and no branch: nobody could foretell it, and it would wait for the node.
+    Filters()[bucket] = static_cast<std::uint16_t>(Filters()[bucket] * (_table[bucket] != nullptr ? 1 : 0));
     --_count;
     addFreeNode(this, removed);
 }
