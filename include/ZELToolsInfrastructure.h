@@ -10,6 +10,7 @@
 #include "TAIndexB.h"
 #include "TAIndexI.h"
 #include "TATextUtilities.h"
+#include "TAUnicodeRegularExpression.h"
 #include "ZELDirectory.h"
 #include "ZELExport.h"
 #include "ZELListPtr.h"
