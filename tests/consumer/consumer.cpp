@@ -75,6 +75,28 @@ void Containers() {
     const int key[2] = {3, 0};
     blocks.Append(key, &value);
     Expect(blocks.Get(0) == &value, "TAIndexB");
+
+    ZELStringPool pool;
+    ZELHashSCMap map(&pool);
+    map.insert(pool.create("a"), &value);
+    int walked = 0;
+    for (const auto& [key, stored] : map) walked += stored == &value && map.contains(key);
+    Expect(walked == 1, "ZELHashSCMap");
+    ZELHashRWMap often;
+    often.insert("a", &value);
+    ZELHashRWMapIteratorRef* const entries = often.getIteratorRef();
+    Expect(entries->next() == 1 && entries->getValue() == &value && entries->next() == 0, "ZELHashRWMap");
+    ZELMapIterator* const snapshot = often.getIterator();
+    Expect(snapshot->next() == 1 && ZELString(snapshot->getKey()) == "a", "ZELMapIterator");
+    delete snapshot;
+}
+
+void Objects() {
+    int value = 0;
+    TAComponent component;
+    component.Insert("key", &value);
+    ZELListValZELString keys;
+    Expect(component.GetValue("key") == &value && component.GetList(keys) == 1, "TAComponent");
 }
 
 void Files() {
@@ -97,6 +119,7 @@ int main() {
     Foundations();
     Diagnostics();
     Containers();
+    Objects();
     Files();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
