@@ -20,8 +20,9 @@
 // told otherwise a filter remembers each answer for good, so that asking again costs one look-up and memory grows with
 // the number of different candidates.
 //
-// A filter is not used by two threads at once, asking included. No two filters that remember may even be asked, set
-// or destroyed at once, since all hash maps share their spare nodes; those that do not remember are independent.
+// A filter is not used by two threads at once, asking included. No two filters that remember may even be asked or
+// destroyed at once, nor beside any hash map that changes, since all hash maps share their spare nodes; filters that do
+// not remember are independent.
 // Nothing throws, nothing blocks. When memory runs out, a line that starts with "# Alloc failed in" goes to standard
 // output; then SetFilter gives 1, an answer that needs the memory is 0, and one that cannot be kept is found again.
 #ifndef TAUNICODEREGULAREXPRESSION_H
@@ -30,6 +31,7 @@
 #include "ZELExport.h"
 #include "ZELUnicodeString.h"
 
+class ZELHashSCMap;
 struct LatinSet;
 
 // Whether a filter remembers its answers.
@@ -37,8 +39,8 @@ enum URE_type { URE_Memoised = 0, URE_NotMemoised = 1 };
 
 class ZEL_API TAUnicodeRegularExpression {
 public:
-    // Each remembers its answers. Without a text (an empty string, a null pointer) the filter is "*". What SetFilter
-    // would refuse gives a filter that matches nothing.
+    // Each remembers its answers. An empty ZELUnicodeString and a null pointer give the filter "*"; what SetFilter
+    // refuses gives one that matches nothing.
     TAUnicodeRegularExpression() noexcept;
     TAUnicodeRegularExpression(const ZELUnicodeString& f) noexcept;
     TAUnicodeRegularExpression(const char* const f) noexcept;
@@ -89,11 +91,13 @@ private:
     void _prepareBlock(int index) noexcept;
     int _prepareLongLiterals() noexcept;
     bool _checkCharacterRule(const ZELUnicodeChar& ch, int index) const noexcept;
+    bool _openAnswers() noexcept;
     void _print() const noexcept;
 
     ZELUnicodeString _filter;
-    int _length = 0;       // of _filter
-    int _lastLexeme = -1;  // the terminal one
+    int _length = 0;                // of _filter
+    ZELHashSCMap* _memo = nullptr;  // from filters to maps from candidates to answers; null until one is remembered
+    int _lastLexeme = -1;           // the terminal one
     int _lexemeCapacity = 0;
     Lexeme* _lexemes = nullptr;
     int _operationCapacity = 0;
@@ -106,7 +110,8 @@ private:
     int _setCapacity = 0;
     LatinSet* _sets = nullptr;  // of the same index as the block
     int _borderCapacity = 0;
-    int* _borders = nullptr;  // of the same index as the character of a long literal
+    int* _borders = nullptr;           // of the same index as the character of a long literal
+    ZELHashSCMap* _answers = nullptr;  // of the present filter, in _memo; null until one is remembered
     bool _isCompiled = false;
     bool _remembers = false;
 };

@@ -1,16 +1,30 @@
-// Setting a filter and asking it.
+// Setting a filter, asking it, and what it remembers: a map from the texts of filters to maps from the texts of
+// candidates to answers. The answers are two constants, so remembering one costs an entry and nothing else. The maps
+// are made when the first answer is to be kept: a filter that is only set touches nothing that others share.
+// The danger is a stale answer, hence keys that tell every text from every other (MemoKey).
 
 #include "TAUnicodeRegularExpression.h"
 
 #include <cstdlib>
+#include <new>
 #include <utility>
 
+#include "ZELHashSCMap.h"
+#include "foundations/console.h"
 #include "regex/blanks.h"
 #include "regex/filter_matcher.h"
+#include "regex/memo_key.h"
 
 namespace {
 
 const char* const matchesAll = "*";
+int rememberedAnswers[] = {0, 1};  // never written; the maps hold pointers to what is not constant
+
+ZELHashSCMap* MakeMap() noexcept {
+    auto* const map = new (std::nothrow) ZELHashSCMap;
+    if (map == nullptr) ReportAllocFailure("TAUnicodeRegularExpression", sizeof(ZELHashSCMap));
+    return map;
+}
 
 }  // namespace
 
@@ -40,6 +54,9 @@ const TAUnicodeRegularExpression& TAUnicodeRegularExpression::operator=(
 }
 
 TAUnicodeRegularExpression::~TAUnicodeRegularExpression() {
+    if (_memo != nullptr)
+        for (const auto& [filter, answers] : *_memo) delete static_cast<ZELHashSCMap*>(answers);
+    delete _memo;
     std::free(_lexemes);
     std::free(_operations);
     std::free(_sets);
@@ -49,6 +66,7 @@ TAUnicodeRegularExpression::~TAUnicodeRegularExpression() {
 int TAUnicodeRegularExpression::SetFilter(const ZELUnicodeString& f, URE_type type) noexcept {
     _isCompiled = false;
     _remembers = type == URE_Memoised;
+    _answers = nullptr;
     // A null filter is replaced by "*", whatever is asked for: what was set before decides, a decision of old.
     ZELUnicodeString text = _filter.IsNull() != 0 ? ZELUnicodeString(matchesAll) : f.Strip(ZELStripBoth, FilterBlank);
     if (_filter.IsNull() == 0 && text.View() != WithoutBlanks(f.View())) return 1;  // no memory for the text
@@ -59,5 +77,34 @@ int TAUnicodeRegularExpression::SetFilter(const ZELUnicodeString& f, URE_type ty
 
 int TAUnicodeRegularExpression::CheckFromFilter(const ZELUnicodeString& candidate) noexcept {
     if (!_isCompiled || candidate.IsNull() != 0) return 0;
-    return FilterMatcher::Match(*this, WithoutBlanks(candidate.View())) == 1 ? 1 : 0;
+    const std::u32string_view text = WithoutBlanks(candidate.View());
+    if (!_remembers || (_answers == nullptr && !_openAnswers())) return FilterMatcher::Match(*this, text) == 1 ? 1 : 0;
+
+    const MemoKey key(text);
+    void* known = nullptr;
+    if (key.Exists() && _answers->search(key.View(), &known) != 0) return *static_cast<const int*>(known);
+    const int answer = FilterMatcher::Match(*this, text);
+    if (answer >= 0 && key.Exists()) _answers->insert(key.Text(), &rememberedAnswers[answer]);
+    return answer == 1 ? 1 : 0;
+}
+
+// Finds or makes the map of the present filter's answers. Where that fails, nothing is remembered until a filter is set
+// again, so that exhausted memory is told once.
+bool TAUnicodeRegularExpression::_openAnswers() noexcept {
+    _remembers = false;
+    const MemoKey key(_filter.View());
+    if (!key.Exists()) return false;
+    if (_memo == nullptr) _memo = MakeMap();
+    if (_memo == nullptr) return false;
+    void* known = nullptr;
+    if (_memo->search(key.View(), &known) == 0) {
+        ZELHashSCMap* const made = MakeMap();
+        if (made == nullptr || _memo->insert(key.Text(), made) == nullptr) {
+            delete made;
+            return false;
+        }
+        known = made;
+    }
+    _answers = static_cast<ZELHashSCMap*>(known);
+    return _remembers = true;
 }
