@@ -26,19 +26,19 @@ public:
     BlockSearch(const Admits& admits, std::size_t count) noexcept : _admits(admits), _count(count) {}
 
     std::size_t Next(std::size_t from, std::size_t to) noexcept {
-        for (;; ++from) {
-            if (from > to) return ReachedPositions::None;
-            _knownEnd = std::max(_knownEnd, from);
-            while (_knownEnd - from < _count && _admits(_knownEnd)) ++_knownEnd;
-            if (_knownEnd - from >= _count) return from;
-            from = _knownEnd;
+        for (std::size_t known = _known; from <= to; from = known + 1) {
+            known = std::max(known, from);
+            while (known - from < _count && _admits(known)) ++known;
+            _known = known;
+            if (known - from >= _count) return from;
         }
+        return ReachedPositions::None;
     }
 
 private:
-    const Admits& _admits;
+    const Admits _admits;
     const std::size_t _count;
-    std::size_t _knownEnd = 0;  // every position from the last `from` up to here is accepted
+    std::size_t _known = 0;  // every position from the last `from` up to here is accepted
 };
 
 }  // namespace
@@ -62,8 +62,9 @@ bool FilterMatcher::AdmitsTail() const noexcept {
         if (lexeme.type == Expression::Literal) {
             if (_text.compare(position, size, TextOf(lexeme)) != 0) return false;
         } else if (lexeme.type != Expression::AnyOne) {
+            const Admission admits = AdmittedBy(i);
             for (std::size_t j = 0; j < size; ++j)
-                if (!IsAdmitted(i, _text[position + j])) return false;
+                if (!admits(position + j)) return false;
         }
         position += size;
     }
@@ -77,7 +78,7 @@ bool FilterMatcher::Pass(int index) noexcept {
         return true;
     }
     if (lexeme.size >= 0) return PassFixed(index);
-    _reached.Extend([&](std::size_t position) { return IsAdmitted(index, _text[position]); });
+    _reached.Extend(AdmittedBy(index));
     return true;
 }
 
@@ -89,8 +90,7 @@ bool FilterMatcher::PassFixed(int index) noexcept {
     if (lexeme.type == Expression::Literal) {
         if (!PassLiteral(lexeme, isFirstEnough)) return false;
     } else if (lexeme.type != Expression::AnyOne) {
-        const auto admits = [&](std::size_t position) { return IsAdmitted(index, _text[position]); };
-        BlockSearch search(admits, size);
+        BlockSearch search(AdmittedBy(index), size);
         if (!_reached.Keep(search, isFirstEnough)) return false;
     }
     _reached.Move(size);
@@ -107,11 +107,11 @@ bool FilterMatcher::PassLiteral(const Lexeme& literal, bool isFirstEnough) noexc
     return _reached.Keep(search, isFirstEnough);
 }
 
-bool FilterMatcher::IsAdmitted(int index, char32_t code) const noexcept {
-    return code < LatinSet::Size ? _filter._sets[index].Holds(code) : IsAdmittedWide(_filter._lexemes[index], code);
+FilterMatcher::Admission FilterMatcher::AdmittedBy(int block) const noexcept {
+    return {_text.data(), _filter._sets[block], *this, _filter._lexemes[block]};
 }
 
-bool FilterMatcher::IsAdmittedWide(const Lexeme& block, char32_t code) const noexcept {
+bool FilterMatcher::IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept {
     int i = block.first;
     while (i <= block.last && !_filter._checkCharacterRule(ZELUnicodeChar(code), i)) ++i;
     return (i <= block.last) == (block.type == Expression::Block);

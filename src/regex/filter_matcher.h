@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "TAUnicodeRegularExpression.h"
+#include "regex/latin_set.h"
 #include "regex/reached_positions.h"
 
 class FilterMatcher {
@@ -24,8 +25,20 @@ private:
     bool Pass(int index) noexcept;
     bool PassFixed(int index) noexcept;
     bool PassLiteral(const Lexeme& literal, bool isFirstEnough) noexcept;
-    bool IsAdmitted(int index, char32_t code) const noexcept;
-    bool IsAdmittedWide(const Lexeme& block, char32_t code) const noexcept;
+    // Whether a block admits the character at a position. Holds the set itself: what a loop asks stays at hand.
+    struct Admission {
+        bool operator()(std::size_t position) const noexcept {
+            const char32_t code = text[position];
+            return code < LatinSet::Size ? set.Holds(code) : matcher.IsWideAdmitted(block, code);
+        }
+
+        const char32_t* text;
+        LatinSet set;
+        const FilterMatcher& matcher;
+        const Lexeme& block;
+    };
+    Admission AdmittedBy(int block) const noexcept;
+    bool IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept;
     std::u32string_view TextOf(const Lexeme& literal) const noexcept;
 
     const TAUnicodeRegularExpression& _filter;

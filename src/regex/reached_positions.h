@@ -92,7 +92,9 @@ void ReachedPositions::Extend(const Admits& admits) noexcept {
         }
         _hasBits = count <= _high - _low;
     } else {
-        while (_high < _limit && admits(_high)) ++_high;
+        std::size_t high = _high;
+        while (high < _limit && admits(high)) ++high;
+        _high = high;
     }
 }
 
