@@ -32,7 +32,7 @@
 #include "ZELUnicodeString.h"
 
 class ZELHashSCMap;
-struct LatinSet;
+struct BlockSet;
 
 // Whether a filter remembers its answers.
 enum URE_type { URE_Memoised = 0, URE_NotMemoised = 1 };
@@ -108,7 +108,7 @@ private:
     int _tail = 0;            // the lexeme from which on all have a fixed size
     long long _tailSize = 0;  // the sum of these sizes
     int _setCapacity = 0;
-    LatinSet* _sets = nullptr;  // of the same index as the block
+    BlockSet* _sets = nullptr;  // of the same index as the block
     int _borderCapacity = 0;
     int* _borders = nullptr;           // of the same index as the character of a long literal
     ZELHashSCMap* _answers = nullptr;  // of the present filter, in _memo; null until one is remembered

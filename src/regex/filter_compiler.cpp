@@ -14,7 +14,7 @@
 #include <string_view>
 
 #include "TAUnicodeRegularExpression.h"
-#include "regex/latin_set.h"
+#include "regex/block_set.h"
 #include "regex/records.h"
 
 namespace {

@@ -5,40 +5,47 @@
 //
 // The lexemes behind the last one of variable size, the tail, stand at a place that the length of the candidate gives;
 // they are tested first, since that settles most names, and the set is carried up to where they begin.
-// Only the smallest position counts in front of "*", so there a search ends with its first find.
+// Only the smallest position counts in front of "*", so there a search ends with its first find. And where a repeated
+// block starts from one position and none of its characters can begin what follows, only the position that it ends at
+// is of use.
 //
 // No fixed lexeme is accepted at the end of the candidate, not even a block with the count 0.
 
 #include "regex/filter_matcher.h"
 
 #include <algorithm>
+#include <bit>
 
-#include "regex/latin_set.h"
+#include "regex/block_set.h"
 #include "regex/literal_search.h"
 
 namespace {
 
-// A search for ReachedPositions::Keep: `count` characters in a row that `admits(position)` accepts. What is known to be
-// accepted is not asked again, so that all searches together are linear.
-template <class Admits>
+// A search for ReachedPositions::Keep: `count` characters in a row that the block admits. What is known to be admitted
+// is not asked again, so that all searches together are linear.
+template <class Admission>
 class BlockSearch {
 public:
-    BlockSearch(const Admits& admits, std::size_t count) noexcept : _admits(admits), _count(count) {}
+    BlockSearch(const Admission& admits, std::size_t count) noexcept : _admits(admits), _count(count) {}
 
     std::size_t Next(std::size_t from, std::size_t to) noexcept {
-        for (std::size_t known = _known; from <= to; from = known + 1) {
-            known = std::max(known, from);
-            while (known - from < _count && _admits(known)) ++known;
-            _known = known;
-            if (known - from >= _count) return from;
+        if (_count == 1) {
+            const std::size_t found = _admits.Next(from, to + 1, true);
+            return found <= to ? found : ReachedPositions::None;
+        }
+        while (from <= to) {
+            _known = std::max(_known, from);
+            if (_known < from + _count) _known = _admits.Next(_known, from + _count, false);
+            if (_known >= from + _count) return from;
+            from = _known + 1;
         }
         return ReachedPositions::None;
     }
 
 private:
-    const Admits _admits;
+    const Admission _admits;
     const std::size_t _count;
-    std::size_t _known = 0;  // every position from the last `from` up to here is accepted
+    std::size_t _known = 0;  // every position from the last `from` up to here is admitted
 };
 
 }  // namespace
@@ -47,28 +54,30 @@ int FilterMatcher::Match(const TAUnicodeRegularExpression& filter, std::u32strin
     const auto tailSize = static_cast<std::size_t>(filter._tailSize);
     if (tailSize > text.size() || (filter._tail == 0 && tailSize < text.size())) return 0;
     FilterMatcher matcher(filter, text, text.size() - tailSize);
-    if (!matcher.AdmitsTail()) return 0;
+    if (!matcher.AcceptsTail()) return 0;
     for (int i = 0; i < filter._tail; ++i)
         if (!matcher.Pass(i)) return matcher._reached.IsOutOfMemory() ? -1 : 0;
     return matcher._reached.Holds(matcher._end) ? 1 : 0;
 }
 
-bool FilterMatcher::AdmitsTail() const noexcept {
+bool FilterMatcher::AcceptsTail() const noexcept {
     std::size_t position = _end;
     for (int i = _filter._tail; i < _filter._lastLexeme; ++i) {
-        const Lexeme& lexeme = _filter._lexemes[i];
-        const auto size = static_cast<std::size_t>(lexeme.size);
-        if (position == _text.size()) return false;
-        if (lexeme.type == Expression::Literal) {
-            if (_text.compare(position, size, TextOf(lexeme)) != 0) return false;
-        } else if (lexeme.type != Expression::AnyOne) {
-            const Admission admits = AdmittedBy(i);
-            for (std::size_t j = 0; j < size; ++j)
-                if (!admits(position + j)) return false;
-        }
-        position += size;
+        if (position == _text.size() || !Accepts(i, position)) return false;
+        position += static_cast<std::size_t>(_filter._lexemes[i].size);
     }
     return true;
+}
+
+// Whether a fixed lexeme, which fits there, is accepted at the position.
+bool FilterMatcher::Accepts(int index, std::size_t position) const noexcept {
+    const Lexeme& lexeme = _filter._lexemes[index];
+    if (lexeme.type == Expression::AnyOne) return true;
+    const std::size_t end = position + static_cast<std::size_t>(lexeme.size);
+    if (lexeme.type != Expression::Literal) return AdmittedBy(index).Next(position, end, false) == end;
+    const char32_t* wanted = _filter._filter.View().data() + lexeme.start;
+    while (position < end && _text[position] == *wanted) ++position, ++wanted;
+    return position == end;
 }
 
 bool FilterMatcher::Pass(int index) noexcept {
@@ -78,7 +87,9 @@ bool FilterMatcher::Pass(int index) noexcept {
         return true;
     }
     if (lexeme.size >= 0) return PassFixed(index);
+    const bool isFromOne = _reached.IsOne();
     _reached.Extend(AdmittedBy(index));
+    if (isFromOne && _filter._sets[index].endsRun) _reached.KeepLast();
     return true;
 }
 
@@ -86,25 +97,40 @@ bool FilterMatcher::PassFixed(int index) noexcept {
     const Lexeme& lexeme = _filter._lexemes[index];
     const auto size = static_cast<std::size_t>(lexeme.size);
     if (size > _end || _text.empty() || !_reached.DropAbove(std::min(_end - size, _text.size() - 1))) return false;
-    const bool isFirstEnough = _filter._lexemes[index + 1].type == Expression::AnyRun;
-    if (lexeme.type == Expression::Literal) {
-        if (!PassLiteral(lexeme, isFirstEnough)) return false;
-    } else if (lexeme.type != Expression::AnyOne) {
-        BlockSearch search(AdmittedBy(index), size);
-        if (!_reached.Keep(search, isFirstEnough)) return false;
-    }
+    const bool isAccepted = _reached.IsOne() ? Accepts(index, _reached.First()) : KeepAccepted(index);
     _reached.Move(size);
-    return true;
+    return isAccepted;
 }
 
-bool FilterMatcher::PassLiteral(const Lexeme& literal, bool isFirstEnough) noexcept {
-    const std::u32string_view text = TextOf(literal);
+bool FilterMatcher::KeepAccepted(int index) noexcept {
+    const Lexeme& lexeme = _filter._lexemes[index];
+    const bool isFirstEnough = _filter._lexemes[index + 1].type == Expression::AnyRun;
+    if (lexeme.type == Expression::AnyOne) return true;
+    if (lexeme.type == Expression::Literal) return KeepLiteral(lexeme, isFirstEnough);
+    BlockSearch search(AdmittedBy(index), static_cast<std::size_t>(lexeme.size));
+    return _reached.Keep(search, isFirstEnough);
+}
+
+bool FilterMatcher::KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexcept {
+    const auto size = static_cast<std::size_t>(literal.size);
+    const std::u32string_view text(_filter._filter.View().data() + literal.start, size);
     if (text.size() <= ShortLiteralSize) {
         ShortLiteralSearch search(_text, text);
         return _reached.Keep(search, isFirstEnough);
     }
     LongLiteralSearch search(_text, text, _filter._borders + literal.start);
     return _reached.Keep(search, isFirstEnough);
+}
+
+std::size_t FilterMatcher::Admission::Next(std::size_t from, std::size_t end, bool isAdmitted) const noexcept {
+    if (set.rangeCount > 0) {
+        const unsigned refused = isAdmitted ? 0 : 15;
+        for (; end - from >= 4; from += 4)
+            if (const unsigned found = set.HoldsOfFour(text + from) ^ refused; found != 0)
+                return from + static_cast<std::size_t>(std::countr_zero(found));
+    }
+    while (from < end && (*this)(from) != isAdmitted) ++from;
+    return from;
 }
 
 FilterMatcher::Admission FilterMatcher::AdmittedBy(int block) const noexcept {
@@ -115,8 +141,4 @@ bool FilterMatcher::IsWideAdmitted(const Lexeme& block, char32_t code) const noe
     int i = block.first;
     while (i <= block.last && !_filter._checkCharacterRule(ZELUnicodeChar(code), i)) ++i;
     return (i <= block.last) == (block.type == Expression::Block);
-}
-
-std::u32string_view FilterMatcher::TextOf(const Lexeme& literal) const noexcept {
-    return {_filter._filter.View().data() + literal.start, static_cast<std::size_t>(literal.size)};
 }

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "TAUnicodeRegularExpression.h"
-#include "regex/latin_set.h"
+#include "regex/block_set.h"
 #include "regex/reached_positions.h"
 
 class FilterMatcher {
@@ -21,25 +21,29 @@ private:
     FilterMatcher(const TAUnicodeRegularExpression& filter, std::u32string_view text, std::size_t end) noexcept
         : _filter(filter), _text(text), _end(end), _reached(end) {}
 
-    bool AdmitsTail() const noexcept;
+    bool AcceptsTail() const noexcept;
+    bool Accepts(int index, std::size_t position) const noexcept;
     bool Pass(int index) noexcept;
     bool PassFixed(int index) noexcept;
-    bool PassLiteral(const Lexeme& literal, bool isFirstEnough) noexcept;
-    // Whether a block admits the character at a position. Holds the set itself: what a loop asks stays at hand.
+    bool KeepAccepted(int index) noexcept;
+    bool KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexcept;
+    // What a block admits.
     struct Admission {
         bool operator()(std::size_t position) const noexcept {
             const char32_t code = text[position];
-            return code < LatinSet::Size ? set.Holds(code) : matcher.IsWideAdmitted(block, code);
+            if (code < BlockSet::Size) return set.Holds(code);
+            return set.hasWideRules ? matcher.IsWideAdmitted(block, code) : set.holdsWide;
         }
+        // The first position from `from` on that is admitted, or is not; `end` when there is none before it.
+        std::size_t Next(std::size_t from, std::size_t end, bool isAdmitted) const noexcept;
 
         const char32_t* text;
-        LatinSet set;
+        const BlockSet set;  // a copy, so that loops need not look it up anew
         const FilterMatcher& matcher;
         const Lexeme& block;
     };
     Admission AdmittedBy(int block) const noexcept;
     bool IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept;
-    std::u32string_view TextOf(const Lexeme& literal) const noexcept;
 
     const TAUnicodeRegularExpression& _filter;
     const std::u32string_view _text;

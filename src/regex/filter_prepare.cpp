@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "TAUnicodeRegularExpression.h"
-#include "regex/latin_set.h"
+#include "regex/block_set.h"
 #include "regex/literal_search.h"
 #include "regex/records.h"
 
@@ -14,13 +14,14 @@ int TAUnicodeRegularExpression::_prepare() noexcept {
     for (; _tail > 0 && _lexemes[_tail - 1].size >= 0; --_tail) _tailSize += _lexemes[_tail - 1].size;
 
     if (!MakeRoomForRecords(_sets, _setCapacity, _lastLexeme)) return 1;
-    for (int i = 0; i < _lastLexeme; ++i)
+    for (int i = _lastLexeme - 1; i >= 0; --i)
         if (_lexemes[i].first != -1) _prepareBlock(i);
     return _prepareLongLiterals();
 }
 
+// With the block behind it prepared already.
 void TAUnicodeRegularExpression::_prepareBlock(int index) noexcept {
-    LatinSet set{};
+    BlockSet set{};
     for (int i = _lexemes[index].first; i <= _lexemes[index].last; ++i) {
         const CharacterOperation& operation = _operations[i];
         if (operation.op >= FirstClass)
@@ -29,6 +30,15 @@ void TAUnicodeRegularExpression::_prepareBlock(int index) noexcept {
             set.AddRange(operation.c1.CodePoint(), (operation.op == 0 ? operation.c1 : operation.c2).CodePoint());
     }
     if (_lexemes[index].type == NegatedBlock) set.Invert();
+    set.FindRanges();
+    const Lexeme& next = _lexemes[index + 1];
+    if (next.type == Literal && next.size > 0) {
+        BlockSet begin{};
+        begin.AddRange(_filter[next.start].CodePoint(), _filter[next.start].CodePoint());
+        set.endsRun = set.IsDisjoint(begin);
+    } else if (next.type >= Block && next.size > 0) {
+        set.endsRun = set.IsDisjoint(_sets[index + 1]);
+    }
     _sets[index] = set;
 }
 

@@ -6,18 +6,8 @@
 
 #include "foundations/console.h"
 
-ReachedPositions::~ReachedPositions() {
-    if (_words != _inlineWords) std::free(_words);
-}
-
-bool ReachedPositions::DropAbove(std::size_t highest) noexcept {
-    if (_low > highest) return false;
-    if (!_hasBits) {
-        _high = std::min(_high, highest);
-        return true;
-    }
+void ReachedPositions::DropBitsAbove(std::size_t highest) noexcept {
     while (_high > highest || !Bit(_high)) ClearBit(_high--);
-    return true;
 }
 
 // The first position of the set from `from` on.

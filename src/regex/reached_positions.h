@@ -9,8 +9,10 @@
 #ifndef REGEX_REACHED_POSITIONS_H
 #define REGEX_REACHED_POSITIONS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 
 class ReachedPositions {
 public:
@@ -20,11 +22,20 @@ public:
     explicit ReachedPositions(std::size_t limit) noexcept : _limit(limit) {}
     ReachedPositions(const ReachedPositions&) = delete;
     ReachedPositions& operator=(const ReachedPositions&) = delete;
-    ~ReachedPositions();
+    ~ReachedPositions() {
+        if (_words != _inlineWords) std::free(_words);
+    }
 
     bool IsOutOfMemory() const noexcept { return _isOutOfMemory; }
     bool Holds(std::size_t position) const noexcept {
         return position >= _low && position <= _high && (!_hasBits || Bit(position));
+    }
+
+    bool IsOne() const noexcept { return _low == _high; }
+    std::size_t First() const noexcept { return _low; }
+    void KeepLast() noexcept {
+        _low = _high;
+        _hasBits = false;
     }
 
     // All positions from the smallest to the limit.
@@ -38,9 +49,17 @@ public:
         _base += distance;
     }
     // Drops what is above `highest`; false when nothing is left.
-    bool DropAbove(std::size_t highest) noexcept;
+    bool DropAbove(std::size_t highest) noexcept {
+        if (_low > highest) return false;
+        if (_hasBits)
+            DropBitsAbove(highest);
+        else
+            _high = std::min(_high, highest);
+        return true;
+    }
 
-    // Adds to each position the next one, again and again, as long as `admits(position)`.
+    // Adds to each position the next one, again and again, as long as `admits(position)`; admits.Next(from, end, false)
+    // gives the first position from `from` to `end` that is not admitted, or `end`.
     template <class Admits>
     void Extend(const Admits& admits) noexcept;
 
@@ -65,6 +84,7 @@ private:
         _words[bit / 64] &= ~(std::uint64_t{1} << bit % 64);
     }
     std::size_t NextBit(std::size_t from) const noexcept;
+    void DropBitsAbove(std::size_t highest) noexcept;
     bool AddAbove(std::size_t position) noexcept;
     bool BeginBits() noexcept;
     template <class Search>
@@ -92,9 +112,7 @@ void ReachedPositions::Extend(const Admits& admits) noexcept {
         }
         _hasBits = count <= _high - _low;
     } else {
-        std::size_t high = _high;
-        while (high < _limit && admits(high)) ++high;
-        _high = high;
+        _high = admits.Next(_high, _limit, false);
     }
 }
 
