@@ -78,6 +78,7 @@ private:
         ZELUnicodeChar c2;
     };
 
+    bool _takeText(const ZELUnicodeString& text) noexcept;
     int _compile() noexcept;
     int _compileLexeme(int& pos) noexcept;
     int _addLexeme(int start, int type) noexcept;
@@ -107,6 +108,7 @@ private:
     // What matching needs beside the records.
     int _tail = 0;            // the lexeme from which on all have a fixed size
     long long _tailSize = 0;  // the sum of these sizes
+    int _telling = -1;        // the literal whose absence tells most, or -1
     int _setCapacity = 0;
     BlockSet* _sets = nullptr;  // of the same index as the block
     int _borderCapacity = 0;

@@ -68,22 +68,33 @@ int TAUnicodeRegularExpression::SetFilter(const ZELUnicodeString& f, URE_type ty
     _remembers = type == URE_Memoised;
     _answers = nullptr;
     // A null filter is replaced by "*", whatever is asked for: what was set before decides, a decision of old.
-    ZELUnicodeString text = _filter.IsNull() != 0 ? ZELUnicodeString(matchesAll) : f.Strip(ZELStripBoth, FilterBlank);
-    if (_filter.IsNull() == 0 && text.View() != WithoutBlanks(f.View())) return 1;  // no memory for the text
-    _filter = std::move(text);
+    if (_filter.IsNull() != 0)
+        _filter = ZELUnicodeString(matchesAll);
+    else if (!_takeText(f))
+        return 1;
     _isCompiled = _compile() == 0 && _prepare() == 0;
     return _isCompiled ? 0 : 1;
+}
+
+// False, and the old text kept, without memory.
+bool TAUnicodeRegularExpression::_takeText(const ZELUnicodeString& text) noexcept {
+    const std::u32string_view stripped = WithoutBlanks(text.View());
+    if (stripped.size() == text.View().size())
+        _filter = text;
+    else if (ZELUnicodeString copy = text.Strip(ZELStripBoth, FilterBlank); copy.View() == stripped)
+        _filter = std::move(copy);
+    return _filter.View() == stripped;
 }
 
 int TAUnicodeRegularExpression::CheckFromFilter(const ZELUnicodeString& candidate) noexcept {
     if (!_isCompiled || candidate.IsNull() != 0) return 0;
     const std::u32string_view text = WithoutBlanks(candidate.View());
-    if (!_remembers || (_answers == nullptr && !_openAnswers())) return FilterMatcher::Match(*this, text) == 1 ? 1 : 0;
+    if (!_remembers || (_answers == nullptr && !_openAnswers())) return MatchFilter(*this, text) == 1 ? 1 : 0;
 
     const MemoKey key(text);
     void* known = nullptr;
     if (key.Exists() && _answers->search(key.View(), &known) != 0) return *static_cast<const int*>(known);
-    const int answer = FilterMatcher::Match(*this, text);
+    const int answer = MatchFilter(*this, text);
     if (answer >= 0 && key.Exists()) _answers->insert(key.Text(), &rememberedAnswers[answer]);
     return answer == 1 ? 1 : 0;
 }

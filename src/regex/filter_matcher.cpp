@@ -4,7 +4,8 @@
 // without trying any position of the candidate twice for the same lexeme.
 //
 // The lexemes behind the last one of variable size, the tail, stand at a place that the length of the candidate gives;
-// they are tested first, since that settles most names, and the set is carried up to where they begin.
+// they are tested first, since that settles most names, and the set is carried up to where they begin. Next comes the
+// last literal behind several stars: without it there is no match.
 // Only the smallest position counts in front of "*", so there a search ends with its first find. And where a repeated
 // block starts from one position and none of its characters can begin what follows, only the position that it ends at
 // is of use.
@@ -16,8 +17,10 @@
 #include <algorithm>
 #include <bit>
 
+#include "TAUnicodeRegularExpression.h"
 #include "regex/block_set.h"
 #include "regex/literal_search.h"
+#include "regex/reached_positions.h"
 
 namespace {
 
@@ -50,17 +53,63 @@ private:
 
 }  // namespace
 
-int FilterMatcher::Match(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept {
+// All of it is inline: candidates are short, and calls would cost more than what they do.
+class FilterMatcher {
+public:
+    static int Match(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept;
+
+private:
+    using Expression = TAUnicodeRegularExpression;
+    using Lexeme = Expression::Lexeme;
+
+    FilterMatcher(const TAUnicodeRegularExpression& filter, std::u32string_view text, std::size_t end) noexcept
+        : _filter(filter), _text(text), _end(end), _reached(end) {}
+
+    bool AcceptsTail() const noexcept;
+    bool HoldsTelling() const noexcept;
+    bool Accepts(int index, std::size_t position) const noexcept;
+    bool Pass(int index) noexcept;
+    bool PassFixed(int index) noexcept;
+    bool KeepAccepted(int index) noexcept;
+    bool KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexcept;
+    // What a block admits.
+    struct Admission {
+        bool operator()(std::size_t position) const noexcept {
+            const char32_t code = text[position];
+            if (code < BlockSet::Size) return set.Holds(code);
+            return set.hasWideRules ? matcher.IsWideAdmitted(block, code) : set.holdsWide;
+        }
+        // The first position from `from` on that is admitted, or is not; `end` when there is none before it.
+        std::size_t Next(std::size_t from, std::size_t end, bool isAdmitted) const noexcept;
+
+        const char32_t* text;
+        const BlockSet& set;
+        const FilterMatcher& matcher;
+        const Lexeme& block;
+    };
+    Admission AdmittedBy(int block) const noexcept;
+    bool IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept;
+    std::u32string_view TextOf(const Lexeme& literal) const noexcept {
+        return {_filter._filter.View().data() + literal.start, static_cast<std::size_t>(literal.size)};
+    }
+
+    const TAUnicodeRegularExpression& _filter;
+    const std::u32string_view _text;
+    const std::size_t _end;  // where the tail begins in the text
+    ReachedPositions _reached;
+};
+
+inline int FilterMatcher::Match(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept {
     const auto tailSize = static_cast<std::size_t>(filter._tailSize);
     if (tailSize > text.size() || (filter._tail == 0 && tailSize < text.size())) return 0;
     FilterMatcher matcher(filter, text, text.size() - tailSize);
-    if (!matcher.AcceptsTail()) return 0;
+    if (!matcher.AcceptsTail() || !matcher.HoldsTelling()) return 0;
     for (int i = 0; i < filter._tail; ++i)
         if (!matcher.Pass(i)) return matcher._reached.IsOutOfMemory() ? -1 : 0;
     return matcher._reached.Holds(matcher._end) ? 1 : 0;
 }
 
-bool FilterMatcher::AcceptsTail() const noexcept {
+inline bool FilterMatcher::AcceptsTail() const noexcept {
     std::size_t position = _end;
     for (int i = _filter._tail; i < _filter._lastLexeme; ++i) {
         if (position == _text.size() || !Accepts(i, position)) return false;
@@ -69,18 +118,26 @@ bool FilterMatcher::AcceptsTail() const noexcept {
     return true;
 }
 
+inline bool FilterMatcher::HoldsTelling() const noexcept {
+    if (_filter._telling < 0) return true;
+    const std::u32string_view literal = TextOf(_filter._lexemes[_filter._telling]);
+    if (literal.size() > _end) return false;
+    const std::size_t count = _end - literal.size() + 1;
+    return FindEnds(_text.data(), count, literal.front(), literal.size() - 1, literal.back()) < count;
+}
+
 // Whether a fixed lexeme, which fits there, is accepted at the position.
-bool FilterMatcher::Accepts(int index, std::size_t position) const noexcept {
+inline bool FilterMatcher::Accepts(int index, std::size_t position) const noexcept {
     const Lexeme& lexeme = _filter._lexemes[index];
     if (lexeme.type == Expression::AnyOne) return true;
     const std::size_t end = position + static_cast<std::size_t>(lexeme.size);
     if (lexeme.type != Expression::Literal) return AdmittedBy(index).Next(position, end, false) == end;
-    const char32_t* wanted = _filter._filter.View().data() + lexeme.start;
+    const char32_t* wanted = TextOf(lexeme).data();
     while (position < end && _text[position] == *wanted) ++position, ++wanted;
     return position == end;
 }
 
-bool FilterMatcher::Pass(int index) noexcept {
+inline bool FilterMatcher::Pass(int index) noexcept {
     const Lexeme& lexeme = _filter._lexemes[index];
     if (lexeme.type == Expression::AnyRun) {
         _reached.Open();
@@ -93,7 +150,7 @@ bool FilterMatcher::Pass(int index) noexcept {
     return true;
 }
 
-bool FilterMatcher::PassFixed(int index) noexcept {
+inline bool FilterMatcher::PassFixed(int index) noexcept {
     const Lexeme& lexeme = _filter._lexemes[index];
     const auto size = static_cast<std::size_t>(lexeme.size);
     if (size > _end || _text.empty() || !_reached.DropAbove(std::min(_end - size, _text.size() - 1))) return false;
@@ -102,7 +159,7 @@ bool FilterMatcher::PassFixed(int index) noexcept {
     return isAccepted;
 }
 
-bool FilterMatcher::KeepAccepted(int index) noexcept {
+inline bool FilterMatcher::KeepAccepted(int index) noexcept {
     const Lexeme& lexeme = _filter._lexemes[index];
     const bool isFirstEnough = _filter._lexemes[index + 1].type == Expression::AnyRun;
     if (lexeme.type == Expression::AnyOne) return true;
@@ -111,9 +168,8 @@ bool FilterMatcher::KeepAccepted(int index) noexcept {
     return _reached.Keep(search, isFirstEnough);
 }
 
-bool FilterMatcher::KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexcept {
-    const auto size = static_cast<std::size_t>(literal.size);
-    const std::u32string_view text(_filter._filter.View().data() + literal.start, size);
+inline bool FilterMatcher::KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexcept {
+    const std::u32string_view text = TextOf(literal);
     if (text.size() <= ShortLiteralSize) {
         ShortLiteralSearch search(_text, text);
         return _reached.Keep(search, isFirstEnough);
@@ -122,7 +178,7 @@ bool FilterMatcher::KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexc
     return _reached.Keep(search, isFirstEnough);
 }
 
-std::size_t FilterMatcher::Admission::Next(std::size_t from, std::size_t end, bool isAdmitted) const noexcept {
+inline std::size_t FilterMatcher::Admission::Next(std::size_t from, std::size_t end, bool isAdmitted) const noexcept {
     if (set.rangeCount > 0) {
         const unsigned refused = isAdmitted ? 0 : 15;
         for (; end - from >= 4; from += 4)
@@ -133,12 +189,16 @@ std::size_t FilterMatcher::Admission::Next(std::size_t from, std::size_t end, bo
     return from;
 }
 
-FilterMatcher::Admission FilterMatcher::AdmittedBy(int block) const noexcept {
+inline FilterMatcher::Admission FilterMatcher::AdmittedBy(int block) const noexcept {
     return {_text.data(), _filter._sets[block], *this, _filter._lexemes[block]};
 }
 
-bool FilterMatcher::IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept {
+inline bool FilterMatcher::IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept {
     int i = block.first;
     while (i <= block.last && !_filter._checkCharacterRule(ZELUnicodeChar(code), i)) ++i;
     return (i <= block.last) == (block.type == Expression::Block);
+}
+
+int MatchFilter(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept {
+    return FilterMatcher::Match(filter, text);
 }

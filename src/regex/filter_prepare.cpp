@@ -13,7 +13,14 @@ int TAUnicodeRegularExpression::_prepare() noexcept {
     _tailSize = 0;
     for (; _tail > 0 && _lexemes[_tail - 1].size >= 0; --_tail) _tailSize += _lexemes[_tail - 1].size;
 
-    if (!MakeRoomForRecords(_sets, _setCapacity, _lastLexeme)) return 1;
+    // Behind two stars a literal is reached last and seldom; whether it is there at all is quickly seen.
+    _telling = -1;
+    for (int i = 0, runs = 0; i < _tail; ++i) {
+        if (_lexemes[i].type == AnyRun) ++runs;
+        if (runs > 1 && _lexemes[i].type == Literal) _telling = i;
+    }
+
+    if (!MakeRoomForRecords<8>(_sets, _setCapacity, _lastLexeme)) return 1;
     for (int i = _lastLexeme - 1; i >= 0; --i)
         if (_lexemes[i].first != -1) _prepareBlock(i);
     return _prepareLongLiterals();

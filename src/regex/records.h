@@ -9,13 +9,13 @@
 
 #include "foundations/console.h"
 
-// Makes room for `count` records: 64 at first, then twice as many until they suffice. What was there is kept. False,
+// Makes room for `count` records: `First` of them, and twice as many until they suffice. What was there is kept. False,
 // and nothing changed, without memory.
-template <class Record>
+template <int First = 64, class Record>
 bool MakeRoomForRecords(Record*& records, int& capacity, int count) noexcept {
     static_assert(std::is_trivially_copyable_v<Record>);
     if (count <= capacity) return true;
-    int room = capacity > 0 ? capacity : 64;
+    int room = capacity > 0 ? capacity : First;
     while (room < count && room <= INT_MAX / 2) room *= 2;
     const std::size_t bytes = static_cast<std::size_t>(room) * sizeof(Record);
     auto* const grown = room >= count ? static_cast<Record*>(std::realloc(records, bytes)) : nullptr;
