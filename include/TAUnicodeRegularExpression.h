@@ -16,13 +16,13 @@
 // regular expressions for that, and TestMatch for wildcards on 8-bit text.
 //
 // Deciding one candidate takes at most time in proportion to the elements of the filter times the length of the
-// candidate, whatever the two are; a character above U+00FF is compared with each element of a block in turn. Unless
-// told otherwise a filter remembers each answer for good, so that asking again costs one look-up and memory grows with
-// the number of different candidates.
+// candidate, whatever the two are; a character above U+00FF may be compared with each element of a block in turn.
+// Unless told otherwise a filter of so many elements that a look-up is faster remembers each answer for good: its
+// memory grows with the number of different candidates.
 //
-// A filter is not used by two threads at once, asking included. No two filters that remember may even be asked or
-// destroyed at once, nor beside any hash map that changes, since all hash maps share their spare nodes; filters that do
-// not remember are independent.
+// A filter is not used by two threads at once, asking included. No two that may remember are even asked or destroyed at
+// once, nor beside any hash map that changes, since all maps share their spare nodes; filters set with URE_NotMemoised
+// are independent.
 // Nothing throws, nothing blocks. When memory runs out, a line that starts with "# Alloc failed in" goes to standard
 // output; then SetFilter gives 1, an answer that needs the memory is 0, and one that cannot be kept is found again.
 #ifndef TAUNICODEREGULAREXPRESSION_H
@@ -34,12 +34,12 @@
 class ZELHashSCMap;
 struct BlockSet;
 
-// Whether a filter remembers its answers.
+// Whether a filter may remember its answers; they are the same either way.
 enum URE_type { URE_Memoised = 0, URE_NotMemoised = 1 };
 
 class ZEL_API TAUnicodeRegularExpression {
 public:
-    // Each remembers its answers. An empty ZELUnicodeString and a null pointer give the filter "*"; what SetFilter
+    // Each may remember its answers. An empty ZELUnicodeString and a null pointer give the filter "*"; what SetFilter
     // refuses gives one that matches nothing.
     TAUnicodeRegularExpression() noexcept;
     TAUnicodeRegularExpression(const ZELUnicodeString& f) noexcept;

@@ -1,6 +1,7 @@
 // Setting a filter, asking it, and what it remembers: a map from the texts of filters to maps from the texts of
 // candidates to answers. The answers are two constants, so remembering one costs an entry and nothing else. The maps
-// are made when the first answer is to be kept: a filter that is only set touches nothing that others share.
+// are made when the first answer is to be kept: a filter that is only set touches nothing that others share. An answer
+// is kept only where the filter has so many lexemes to walk that looking it up is faster than finding it.
 // The danger is a stale answer, hence keys that tell every text from every other (MemoKey).
 
 #include "TAUnicodeRegularExpression.h"
@@ -18,6 +19,7 @@
 namespace {
 
 const char* const matchesAll = "*";
+constexpr int CheapLexemes = 6;    // measured: on names of files walking these costs less than one look-up
 int rememberedAnswers[] = {0, 1};  // never written; the maps hold pointers to what is not constant
 
 ZELHashSCMap* MakeMap() noexcept {
@@ -65,7 +67,6 @@ TAUnicodeRegularExpression::~TAUnicodeRegularExpression() {
 
 int TAUnicodeRegularExpression::SetFilter(const ZELUnicodeString& f, URE_type type) noexcept {
     _isCompiled = false;
-    _remembers = type == URE_Memoised;
     _answers = nullptr;
     // A null filter is replaced by "*", whatever is asked for: what was set before decides, a decision of old.
     if (_filter.IsNull() != 0)
@@ -73,6 +74,7 @@ int TAUnicodeRegularExpression::SetFilter(const ZELUnicodeString& f, URE_type ty
     else if (!_takeText(f))
         return 1;
     _isCompiled = _compile() == 0 && _prepare() == 0;
+    _remembers = type == URE_Memoised && _tail > CheapLexemes;
     return _isCompiled ? 0 : 1;
 }
 

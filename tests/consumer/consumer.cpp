@@ -113,6 +113,12 @@ void Files() {
     Expect(FileExists("no such file") == 0 && GetModifTime("") == "", "TAFileUtilities");
 }
 
+void Filters() {
+    TAUnicodeRegularExpression filter("*_[0-9]*.cpp");
+    Expect(filter.CheckFromFilter("scan_12.cpp") == 1 && filter.CheckFromFilter("scan.cpp") == 0, "filters");
+    Expect(filter.SetFilter("[:foo:]", URE_NotMemoised) == 1, "SetFilter");
+}
+
 }  // namespace
 
 int main() {
@@ -121,6 +127,7 @@ int main() {
     Containers();
     Objects();
     Files();
+    Filters();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
 }
