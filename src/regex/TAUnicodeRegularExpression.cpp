@@ -7,10 +7,10 @@
 #include "TAUnicodeRegularExpression.h"
 
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 #include "ZELHashSCMap.h"
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 #include "regex/blanks.h"
 #include "regex/filter_matcher.h"
@@ -23,7 +23,7 @@ constexpr int CheapLexemes = 6;    // measured: on names of files walking these 
 int rememberedAnswers[] = {0, 1};  // never written; the maps hold pointers to what is not constant
 
 ZELHashSCMap* MakeMap() noexcept {
-    auto* const map = new (std::nothrow) ZELHashSCMap;
+    auto* const map = NewObject<ZELHashSCMap>();
     if (map == nullptr) ReportAllocFailure("TAUnicodeRegularExpression", sizeof(ZELHashSCMap));
     return map;
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 #include "foundations/utf8.h"
 
@@ -16,7 +17,7 @@ bool HasUtf8OfItsOwn(char32_t code) noexcept {
 
 MemoKey::MemoKey(std::u32string_view text) noexcept : _bytes(_inside) {
     const std::size_t room = text.size() * MaxUtf8Length + 1;
-    if (room > sizeof _inside) _bytes = static_cast<char*>(std::malloc(room));
+    if (room > sizeof _inside) _bytes = static_cast<char*>(Allocate(room));
     if (_bytes == nullptr)
         ReportAllocFailure("TAUnicodeRegularExpression", room);
     else if (!Write(text))

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdlib>
 
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 
 void ReachedPositions::DropBitsAbove(std::size_t highest) noexcept {
@@ -31,7 +32,7 @@ bool ReachedPositions::BeginBits() noexcept {
     _base = _low;
     const std::size_t count = (_limit - _base) / 64 + 1;
     if (count > _room) {
-        auto* const words = static_cast<std::uint64_t*>(std::malloc(count * sizeof(std::uint64_t)));
+        auto* const words = static_cast<std::uint64_t*>(Allocate(count * sizeof(std::uint64_t)));
         if (words == nullptr) {
             ReportAllocFailure("TAUnicodeRegularExpression", count * sizeof(std::uint64_t));
             _isOutOfMemory = true;

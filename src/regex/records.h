@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <type_traits>
 
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 
 // Makes room for `count` records: `First` of them, and twice as many until they suffice. What was there is kept. False,
@@ -18,7 +19,8 @@ bool MakeRoomForRecords(Record*& records, int& capacity, int count) noexcept {
     int room = capacity > 0 ? capacity : First;
     while (room < count && room <= INT_MAX / 2) room *= 2;
     const std::size_t bytes = static_cast<std::size_t>(room) * sizeof(Record);
-    auto* const grown = room >= count ? static_cast<Record*>(std::realloc(records, bytes)) : nullptr;
+    auto* const grown =
+        room >= count && !AllocationFails() ? static_cast<Record*>(std::realloc(records, bytes)) : nullptr;
     if (grown == nullptr) {
         ReportAllocFailure("TAUnicodeRegularExpression", bytes);
         return false;

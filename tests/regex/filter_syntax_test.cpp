@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "TAUnicodeRegularExpression.h"
+#include "foundations/allocation.h"
 #include "support/files.h"
 
 class FilterInspector {
@@ -205,4 +206,32 @@ TEST(FilterMemory, LetsANullFilterBecomeAStar) {
           TAUnicodeRegularExpression(null), TAUnicodeRegularExpression(static_cast<const char*>(nullptr))})
         EXPECT_TRUE(made.GetFilter() == "*");
     EXPECT_TRUE(TAUnicodeRegularExpression("").GetFilter() == "");
+}
+
+TEST(FilterMemory, BearsThatAnyAllocationFails) {
+    // Needs every kind of memory: many records, borders, bits for many positions, maps, keys longer than a buffer.
+    std::string text = "*b[a]*a[a]*[a]*[a]*aaaaaaaaaaaaaaaaaaaaaaaa*";
+    for (int i = 0; i < 40; ++i) text += "[b-c].";
+    std::string candidate;
+    for (int i = 0; i < 1500; ++i) candidate += "baa";
+    candidate += std::string(30, 'a');
+    for (int i = 0; i < 40; ++i) candidate += "bx";
+    int failures = 0;
+    for (bool isDue = false; !isDue; ++failures) {
+        TAUnicodeRegularExpression filter;
+        testing::internal::CaptureStdout();
+        FailAllocation(failures + 1);
+        const int refused = filter.SetFilter(text.c_str(), URE_Memoised);
+        const int first = filter.CheckFromFilter(candidate.c_str());
+        const int again = filter.CheckFromFilter(candidate.c_str());
+        isDue = IsAllocationFailureDue();
+        FailAllocation(0);
+        const std::string told = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(told.rfind("# Alloc failed in ", 0), isDue ? std::string::npos : 0u) << failures << told;
+        EXPECT_EQ(again, 1 - refused) << failures;
+        EXPECT_LE(first, again);
+        EXPECT_EQ(filter.SetFilter(text.c_str(), URE_Memoised), 0);
+        EXPECT_EQ(filter.CheckFromFilter(candidate.c_str()), 1);
+    }
+    EXPECT_GT(failures, 10);
 }
