@@ -17,8 +17,8 @@
 //
 // Deciding one candidate takes at most time in proportion to the elements of the filter times the length of the
 // candidate, whatever the two are; a character above U+00FF may be compared with each element of a block in turn.
-// Unless told otherwise a filter of so many elements that a look-up is faster remembers each answer for good: its
-// memory grows with the number of different candidates.
+// Unless told otherwise a filter of so many elements (some thirty) that a look-up is faster remembers each answer for
+// good: its memory grows with the number of different candidates.
 //
 // A filter is not used by two threads at once, asking included. No two that may remember are even asked or destroyed at
 // once, nor beside any hash map that changes, since all maps share their spare nodes; filters set with URE_NotMemoised

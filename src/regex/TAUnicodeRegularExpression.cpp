@@ -19,7 +19,10 @@
 namespace {
 
 const char* const matchesAll = "*";
-constexpr int CheapLexemes = 6;    // measured: on names of files walking these costs less than one look-up
+// Measured on names of files: up to here finding an answer costs less than looking it up among many, most of all where
+// the names do not fit the cache.
+constexpr int CheapLexemes = 32;
+constexpr int CheapOperations = 256;
 int rememberedAnswers[] = {0, 1};  // never written; the maps hold pointers to what is not constant
 
 ZELHashSCMap* MakeMap() noexcept {
@@ -74,7 +77,7 @@ int TAUnicodeRegularExpression::SetFilter(const ZELUnicodeString& f, URE_type ty
     else if (!_takeText(f))
         return 1;
     _isCompiled = _compile() == 0 && _prepare() == 0;
-    _remembers = type == URE_Memoised && _tail > CheapLexemes;
+    _remembers = type == URE_Memoised && (_tail > CheapLexemes || _lastOperation > CheapOperations);
     return _isCompiled ? 0 : 1;
 }
 
