@@ -44,6 +44,7 @@ public:
     TAUnicodeRegularExpression() noexcept;
     TAUnicodeRegularExpression(const ZELUnicodeString& f) noexcept;
     TAUnicodeRegularExpression(const char* const f) noexcept;
+    TAUnicodeRegularExpression(const ZELString& f) noexcept : TAUnicodeRegularExpression(ZELUnicodeString(f)) {}
     // Compile the text of `other` anew, as SetFilter does with URE_Memoised; its answers stay its own.
     TAUnicodeRegularExpression(const TAUnicodeRegularExpression& other) noexcept;
     const TAUnicodeRegularExpression& operator=(const TAUnicodeRegularExpression& other) noexcept;

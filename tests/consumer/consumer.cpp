@@ -116,7 +116,8 @@ void Files() {
 void Filters() {
     TAUnicodeRegularExpression filter("*_[0-9]*.cpp");
     Expect(filter.CheckFromFilter("scan_12.cpp") == 1 && filter.CheckFromFilter("scan.cpp") == 0, "filters");
-    Expect(filter.SetFilter("[:foo:]", URE_NotMemoised) == 1, "SetFilter");
+    filter = TAUnicodeRegularExpression(ZELString("a*"));
+    Expect(filter.CheckFromFilter(ZELString("ab")) == 1, "filters of 8-bit text");
 }
 
 }  // namespace
