@@ -18,6 +18,7 @@
 #include "TAThread.h"
 #include "TAThreadLock.h"
 #include "TAUUIDGenerator.h"
+#include "TAUnicodeRegularExpression.h"
 #include "ZELDirectory.h"
 #include "ZELExport.h"
 #include "ZELHashRWMap.h"

@@ -147,6 +147,13 @@ void Coding() {
     Expect(first.Length() == 20 && !(first == generator.Get()), "TAUUIDGenerator");
 }
 
+void Filters() {
+    TAUnicodeRegularExpression filter("*_[0-9]*.cpp");
+    Expect(filter.CheckFromFilter("scan_12.cpp") == 1 && filter.CheckFromFilter("scan.cpp") == 0, "filters");
+    filter = TAUnicodeRegularExpression(ZELString("a*"));
+    Expect(filter.CheckFromFilter(ZELString("ab")) == 1, "filters of 8-bit text");
+}
+
 }  // namespace
 
 int main() {
@@ -157,6 +164,7 @@ int main() {
     Files();
     Processes();
     Coding();
+    Filters();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
 }
