@@ -51,9 +51,10 @@ constinit std::size_t liveNodes = 0;
 
 constinit ZELHashSCMap::node* ZELHashSCMap::firstFree = nullptr;
 
-// A key on its way to its bucket.
+// A key on its way to its bucket. What a look-up is made of is inlined by force: left alone, the compiler spends a fifth
+// of its time on calls.
 struct ZELHashSCMap::Sought {
-    explicit Sought(std::string_view sought) noexcept
+    [[gnu::always_inline]] explicit Sought(std::string_view sought) noexcept
         : text(sought.data() != nullptr ? sought : std::string_view("")), hash(HashText(text)) {}
 
     std::string_view text;
@@ -133,7 +134,7 @@ struct ZELHashSCMap::Holds {
 };
 
 // The pointer to the first node from `*at` on that holds the key, or to the null at the end of the chain.
-inline ZELHashSCMap::link* ZELHashSCMap::FindLink(link* at, const Sought& key) const noexcept {
+[[gnu::always_inline]] inline ZELHashSCMap::link* ZELHashSCMap::FindLink(link* at, const Sought& key) const noexcept {
     if (_pool != nullptr) {
         while (*at != nullptr && !Holds::Pooled(**at, key)) at = &(*at)->next;
     } else {
@@ -143,7 +144,7 @@ inline ZELHashSCMap::link* ZELHashSCMap::FindLink(link* at, const Sought& key) c
 }
 
 // The same for the whole map; null also when the filter knows that the key is absent.
-inline ZELHashSCMap::link* ZELHashSCMap::Find(const Sought& key) const noexcept {
+[[gnu::always_inline]] inline ZELHashSCMap::link* ZELHashSCMap::Find(const Sought& key) const noexcept {
     if (_table == nullptr) return nullptr;
     const std::uint32_t bucket = BucketOf(key.hash);
     if ((Filters()[bucket] & FilterBit(key.hash)) == 0) return nullptr;
