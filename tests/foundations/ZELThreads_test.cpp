@@ -48,26 +48,6 @@ TEST(ZELMutex, AnyThreadMayReleaseAndAFreeLockStaysFree) {
     lock.Unlock();
 }
 
-TEST(ZELMutex, ExcludesAndLosesNoWakeUp) {
-    ZELMutex lock, mine, yours;
-    long counter = 0;
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&] {
-            for (int round = 0; round < 20000; ++round) lock.Lock(), ++counter, lock.Unlock();
-        });
-    threads.clear();
-    EXPECT_EQ(counter, 80000);
-
-    // Hand-over: each side opens the other's gate.
-    mine.Lock();
-    yours.Lock();
-    const std::jthread partner([&] {
-        for (int round = 0; round < 5000; ++round) yours.Lock(), mine.Unlock();
-    });
-    for (int round = 0; round < 5000; ++round) yours.Unlock(), mine.Lock();
-}
-
 TEST(ZELThreads, RunsItsBodyOnceAtATimeAndKeepsItsCode) {
     Worker worker;
     EXPECT_TRUE(worker.GetStatus() == ZELThreadIdle && worker.GetThreadId() == 0);
