@@ -1,0 +1,12 @@
+// Loading a library of this build at run time; one half per target.
+#ifndef TESTS_SUPPORT_SHARED_LIBRARY_H
+#define TESTS_SUPPORT_SHARED_LIBRARY_H
+
+#include <string>
+
+// `name` stands beside the program, without the system's extension. Null on failure.
+void* OpenLibraryBeside(const std::string& name);
+void* FindFunction(void* library, const char* name);
+void CloseLibrary(void* library);
+
+#endif

@@ -1,0 +1,15 @@
+#include "support/shared_library.h"
+
+#include <windows.h>
+
+void* OpenLibraryBeside(const std::string& name) {
+    return LoadLibraryA((name + ".dll").c_str());
+}
+
+void* FindFunction(void* library, const char* name) {
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+void CloseLibrary(void* library) {
+    FreeLibrary(static_cast<HMODULE>(library));
+}
