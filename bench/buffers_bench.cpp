@@ -1,9 +1,9 @@
 // Loading whole files beside what a program would write instead, and loading 2,000 of them ahead of the work on them
 // beside loading each when it is wanted.
 //
-// What was loaded is looked through once (memchr for a byte that is not there): a text is loaded to be read, and a
-// mapping does nothing before that. Loading ahead is about another processor, so its contenders may use all of them,
-// although the program is bound to one. "cold" files are dropped from the system's cache beforehand.
+// "scan" looks through what was loaded once (memchr for a byte that is not there). Loading ahead is about another
+// processor, so its contenders may use all of them, although the program is bound to one. "cold" files are dropped from
+// the system's cache beforehand.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -30,7 +30,10 @@ namespace fs = std::filesystem;
 // Made on first use, gone with the program.
 class Folder {
 public:
-    explicit Folder(const fs::path& where) : _path(where / ("zel_buffers_bench" + std::to_string(getpid()))) {
+    Folder() {
+        static int made = 0;
+        const std::string name = "zel_buffers_bench" + std::to_string(getpid()) + "_" + std::to_string(++made);
+        _path = fs::temp_directory_path() / name;
         fs::create_directories(_path);
     }
     Folder(const Folder&) = delete;
@@ -46,13 +49,16 @@ private:
     fs::path _path;
 };
 
-bool IsReadThrough(const char* text, std::size_t size) {
-    return text != nullptr && std::memchr(text, 'y', size) == nullptr;
+bool isScanned;
+
+bool Use(const char* text, std::size_t size) {
+    benchmark::DoNotOptimize(text);
+    return text != nullptr && (!isScanned || std::memchr(text, 'y', size) == nullptr);
 }
 
 bool LoadOurs(const char* path) {
     ZELFileBuffer* const buffer = new ZELFileBuffer(path);
-    const bool isRead = IsReadThrough(buffer->getBuffer(), static_cast<std::size_t>(buffer->getBufferSize()));
+    const bool isRead = Use(buffer->getBuffer(), static_cast<std::size_t>(buffer->getBufferSize()));
     buffer->Release();
     return isRead;
 }
@@ -68,7 +74,7 @@ bool LoadByRead(const char* path) {
         done += static_cast<std::size_t>(count);
     close(file);
     text[done] = '\0';
-    const bool isRead = IsReadThrough(text, done);
+    const bool isRead = Use(text, done);
     std::free(text);
     return isRead;
 }
@@ -78,7 +84,7 @@ bool LoadByStream(const char* path) {
     std::string text(static_cast<std::size_t>(file.tellg()), '\0');
     file.seekg(0);
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    return IsReadThrough(text.data(), text.size());
+    return Use(text.data(), text.size());
 }
 
 bool LoadByMapping(const char* path) {
@@ -88,13 +94,14 @@ bool LoadByMapping(const char* path) {
     const auto size = static_cast<std::size_t>(status.st_size);
     void* const text = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file, 0);
     close(file);
-    const bool isRead = text != MAP_FAILED && IsReadThrough(static_cast<const char*>(text), size);
+    const bool isRead = text != MAP_FAILED && Use(static_cast<const char*>(text), size);
     munmap(text, size);
     return isRead;
 }
 
-void LoadWhole(benchmark::State& state, bool (*load)(const char* path), std::size_t size) {
-    static const Folder folder("/dev/shm");
+void LoadWhole(benchmark::State& state, bool (*load)(const char* path), std::size_t size, bool scan) {
+    isScanned = scan;
+    static const Folder folder;
     const std::string path = folder.File(std::to_string(size), size);
     for (auto _ : state)
         if (!load(path.c_str())) state.SkipWithError("not read");
@@ -103,7 +110,7 @@ void LoadWhole(benchmark::State& state, bool (*load)(const char* path), std::siz
 constexpr std::size_t AheadSize = std::size_t{64} << 10;
 
 const std::vector<std::string>& AheadFiles() {
-    static const Folder folder(fs::temp_directory_path());
+    static const Folder folder;
     static const std::vector<std::string> names = [] {
         std::vector<std::string> made;
         for (int i = 0; i < 2000; ++i) made.push_back(folder.File(std::to_string(i), AheadSize));
@@ -186,8 +193,9 @@ const bool registered = [] {
                              Size{"256M", 256 << 20}})
         for (const Loader& loader : {Loader{"ours", LoadOurs}, Loader{"read+malloc", LoadByRead},
                                      Loader{"ifstream", LoadByStream}, Loader{"mmap", LoadByMapping}})
-            benchmark::RegisterBenchmark((std::string("load/") + loader.name + "/" + size.name).c_str(), LoadWhole,
-                                         loader.load, size.bytes);
+            for (const char* const operation : {"load/", "load+scan/"})
+                benchmark::RegisterBenchmark((std::string(operation) + loader.name + "/" + size.name).c_str(),
+                                             LoadWhole, loader.load, size.bytes, operation[4] == '+');
     for (const bool isCold : {false, true})
         for (const auto& [name, run] : {std::pair<const char*, void (*)()>{"ours", AheadByPool},
                                         {"ours (TAFileBuffer)", AheadByBuffers},

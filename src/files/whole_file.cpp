@@ -1,7 +1,7 @@
 // The size is asked up front and serves as a hint: one block with room for the text, its NUL and one byte more, so that
 // the call that fills it shows by its short count that the file ends there, and a file costs one read. A file that
-// holds more than it said, or that cannot say (a pipe, a file of the kernel's), goes on in a block that doubles; one
-// that says absurdly much gets a first block of bounded size. Memory follows what arrives.
+// holds more than it said, or that cannot say (a pipe, a file of the kernel's), goes on in a block that doubles. What a
+// file says costs nothing: the first block is bounded where it would, and a smaller one serves when it cannot be had.
 //
 // The dangerous case is a short count that is not the end (Windows translates line ends, an interruption cuts): only a
 // count that is short and meets the announced size, or a count of 0, ends the reading.
@@ -24,6 +24,13 @@ std::size_t NextCapacity(std::size_t capacity, std::size_t announced, const Whol
     return announced + Extra > capacity ? std::min(doubled, announced + Extra) : doubled;
 }
 
+// Room for `wanted` bytes; a new block may get fewer, and `wanted` tells.
+void* Grow(void* block, std::size_t& wanted, const WholeFileRules& rules) {
+    void* grown = rules.resize(block, wanted);
+    while (grown == nullptr && block == nullptr && wanted > UnknownSizeBlock) grown = rules.resize(block, wanted /= 2);
+    return grown;
+}
+
 // Reads what `reader` gives into `file`, and returns the size of its block.
 std::size_t ReadAll(platform::TextReader& reader, const WholeFileRules& rules, WholeFile& file, std::size_t& size) {
     const std::size_t announced =
@@ -31,8 +38,8 @@ std::size_t ReadAll(platform::TextReader& reader, const WholeFileRules& rules, W
     std::size_t capacity = 0;
     while (size < rules.most) {
         if (size + 1 >= capacity) {
-            const std::size_t wanted = NextCapacity(capacity, announced, rules);
-            void* const grown = rules.resize(file.text, wanted);
+            std::size_t wanted = NextCapacity(capacity, announced, rules);
+            void* const grown = Grow(file.text, wanted, rules);
             if (grown == nullptr) {
                 file.refused = wanted;
                 break;

@@ -16,8 +16,8 @@ struct WholeFile {
 
 // Others than these are for tests.
 struct WholeFileRules {
-    std::size_t most = 0x7FFFFFFE;                   // sizes are int, and the NUL needs room as well
-    std::size_t firstBlock = std::size_t{64} << 20;  // however large the file says it is
+    std::size_t most = 0x7FFFFFFE;                     // sizes are int, and the NUL needs room as well
+    std::size_t firstBlock = platform::MostInAdvance;  // at most, however large the file says it is
     void* (*resize)(void* block, std::size_t size) = platform::ResizeBlock;
 };
 

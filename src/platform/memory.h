@@ -10,6 +10,10 @@ namespace platform {
 // the system can fill it in few steps. (Page faults are three quarters of the time that reading 64 MiB takes.)
 void* ResizeBlock(void* block, std::size_t size) noexcept;
 
+// What a block may have in advance, for no more reason than that somebody says it will be needed: anything where a
+// block takes memory only as it is filled, else a bounded size.
+extern const std::size_t MostInAdvance;
+
 }  // namespace platform
 
 #endif

@@ -10,6 +10,7 @@
 
 namespace {
 
+const bool textMode = std::filesystem::path::preferred_separator == '\\';
 constexpr std::size_t Budget = 10'240'000;
 
 std::string Text(std::size_t size) {
@@ -103,7 +104,7 @@ TEST_F(FileBuffer, LoadsInTheOrderOfTheList) {
 // A file that tells the thread that reads it.
 TEST_F(FileBuffer, OneByteAboveTheBudgetTheConsumerReadsItself) {
     const std::string teller = "/proc/thread-self/stat";
-    if (!std::filesystem::exists(teller)) GTEST_SKIP() << "no such file";
+    if (textMode || !std::filesystem::exists(teller)) GTEST_SKIP() << "no such file";
     const auto threadIn = [](const std::string& text) { return text.substr(0, text.find(' ')); };
     for (const std::size_t size : {Budget, Budget + 1}) {
         const auto large = Make(File(size)), told = Make(teller);

@@ -85,7 +85,7 @@ TEST(WholeFile, WhatIsNoOrdinaryFile) {
     EXPECT_EQ(Read(folder / "text", {}), textMode ? "a\n"
                                                   : "a\r\n\x1A"
                                                     "b\n");
-    if (!EndlessDevice.empty()) {
+    if (!textMode) {
         EXPECT_EQ(Read(EndlessDevice, {.most = 1'000'000}), std::string(1'000'000, '\0'));
     }
     if (const std::string pipe = folder / "pipe"; MakeNamedPipe(pipe)) {

@@ -4,7 +4,10 @@
 
 #include <sys/mman.h>
 
+#include <cstdint>
 #include <cstdlib>
+
+const std::size_t platform::MostInAdvance = SIZE_MAX;
 
 void* platform::ResizeBlock(void* block, std::size_t size) noexcept {
     constexpr std::size_t HugePage = std::size_t{2} << 20;
