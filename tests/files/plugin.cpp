@@ -16,6 +16,11 @@ struct Loaders {
 
 }  // namespace
 
+// An address in the library.
+extern "C" void* LibraryCode() {
+    return reinterpret_cast<void*>(&ZELFileBufferPool::enableMultiThread);
+}
+
 // Lets a pool and the reading thread load `path` again and again. With `idle` returns when they have nothing to do.
 extern "C" void* StartLoaders(const char* path, bool idle) {
     ZELFileBufferPool::enableMultiThread();

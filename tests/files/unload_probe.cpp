@@ -12,8 +12,10 @@ int main(int count, char** arguments) {
     if (plugin == nullptr || count < 4) return 2;
     const auto start = reinterpret_cast<void* (*)(const char*, bool)>(FindFunction(plugin, "StartLoaders"));
     if (start == nullptr) return 3;
+    const auto libraryCode = reinterpret_cast<void* (*)()>(FindFunction(plugin, "LibraryCode"));
+    void* const code = libraryCode();
     loaders = start(arguments[1], arguments[3] == std::string_view("idle"));
     if (arguments[2] == std::string_view("unload")) CloseLibrary(plugin);
-    std::puts("end");
+    std::puts(IsLoaded(code) ? "end" : "the library is gone");
     return 0;
 }

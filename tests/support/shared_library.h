@@ -8,5 +8,7 @@
 void* OpenLibraryBeside(const std::string& name);
 void* FindFunction(void* library, const char* name);
 void CloseLibrary(void* library);
+// Whether `code` lies in a library or program that is loaded.
+bool IsLoaded(void* code);
 
 #endif

@@ -16,3 +16,8 @@ void* FindFunction(void* library, const char* name) {
 void CloseLibrary(void* library) {
     dlclose(library);
 }
+
+bool IsLoaded(void* code) {
+    Dl_info found;
+    return dladdr(code, &found) != 0;
+}

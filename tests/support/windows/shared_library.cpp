@@ -13,3 +13,9 @@ void* FindFunction(void* library, const char* name) {
 void CloseLibrary(void* library) {
     FreeLibrary(static_cast<HMODULE>(library));
 }
+
+bool IsLoaded(void* code) {
+    constexpr DWORD Flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE found;
+    return GetModuleHandleExA(Flags, static_cast<LPCSTR>(code), &found) != 0;
+}
