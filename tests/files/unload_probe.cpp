@@ -1,21 +1,15 @@
-// `unload_probe PATH keep|unload idle|busy`: loads the library through a plugin, lets its threads load PATH, unloads
-// both or not, and ends.
+// `unload_probe PATH COUNT`: lets the library load PATH so often on its threads, after loading it through a plugin;
+// unloads it, and ends.
 #include <cstdio>
-#include <string_view>
+#include <cstdlib>
 
-#include "support/shared_library.h"
+#include "support/test_system.h"
 
-void* volatile loaders;
-
-int main(int count, char** arguments) {
-    void* const plugin = OpenLibraryBeside("files_plugin");
-    if (plugin == nullptr || count < 4) return 2;
-    const auto start = reinterpret_cast<void* (*)(const char*, bool)>(FindFunction(plugin, "StartLoaders"));
-    if (start == nullptr) return 3;
-    const auto libraryCode = reinterpret_cast<void* (*)()>(FindFunction(plugin, "LibraryCode"));
-    void* const code = libraryCode();
-    loaders = start(arguments[1], arguments[3] == std::string_view("idle"));
-    if (arguments[2] == std::string_view("unload")) CloseLibrary(plugin);
-    std::puts(IsLoaded(code) ? "end" : "the library is gone");
-    return 0;
+int main(int, char** arguments) {
+    static void* made[10'000];
+    const auto use = [&](void* function) {
+        const auto start = reinterpret_cast<void* (*)(const char*, int, void**)>(function);
+        return start(arguments[1], std::atoi(arguments[2]), made);
+    };
+    std::puts(StaysLoaded("files_plugin", "StartLoaders", use) ? "loaded" : "gone");
 }
