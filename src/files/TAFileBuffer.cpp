@@ -110,7 +110,7 @@ void TAFileBuffer::ASyncLoad(int, const char**) noexcept {
             shared.AwaitChange();
             continue;
         }
-        TAFileBuffer* const next = shared.list[1];
+        TAFileBuffer* const next = *shared.list.begin();
         next->TakeOut();
         shared.lock.Unlock();
         next->ReadText(true);
