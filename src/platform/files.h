@@ -3,6 +3,7 @@
 #define PLATFORM_FILES_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <utility>
 
@@ -17,9 +18,10 @@ std::FILE* OpenTextForWriting(const char* path, bool append) noexcept;
 class TextReader {
 public:
     TextReader() noexcept = default;
-    TextReader(TextReader&& other) noexcept { std::swap(_descriptor, other._descriptor); }
+    TextReader(TextReader&& other) noexcept { *this = std::move(other); }
     TextReader& operator=(TextReader&& other) noexcept {
         std::swap(_descriptor, other._descriptor);
+        std::swap(_size, other._size);
         return *this;
     }
     ~TextReader() { Close(); }
@@ -27,12 +29,16 @@ public:
     // Closes what was open. Others may read and write the file meanwhile. False for directories too.
     bool Open(const char* path) noexcept;
     void Close() noexcept;
+    // What the system said at the opening, in bytes before any translation. A hint: files change, and a pipe or a file
+    // of the system's own says 0 or anything.
+    std::int64_t Size() const noexcept { return _size; }
     // Reads up to `size` bytes, at most 1 GiB; fewer do not mean the end. Interruptions are retried. 0 at the end, -1
     // when the system failed or nothing is open.
     std::ptrdiff_t Read(char* bytes, std::size_t size) noexcept;
 
 private:
     int _descriptor = -1;
+    std::int64_t _size = 0;
 };
 
 }  // namespace platform

@@ -16,6 +16,10 @@ void NameCurrentThread(const char* name) noexcept;
 // the same time find their function lost.)
 bool StartThread(void (*body)(void* argument), void* argument) noexcept;
 
+// Keeps the library's code in the process to its end, whoever unloads it: for threads that run its code and that an
+// unloading would not wait for. A program that has the library inside itself is not changed.
+void KeepLibraryLoaded() noexcept;
+
 }  // namespace platform
 
 #endif

@@ -110,6 +110,14 @@ void Files() {
     ZELListValZELString fields;
     Expect(Split(line, fields) == 2 && fields[2] == "two", "TATextUtilities");
     Expect(TestMatch("abc", "a*c") == 1 && TestMatchWithLogExp(line, "*one*&&!(*three*)") == 1, "patterns");
+    ZELFileBufferPool::enableMultiThread();
+    ZELFileBufferPool pool;
+    ZELFileBuffer* const missing = new ZELFileBuffer("no such file");
+    pool.append(missing);
+    Expect(missing->getBuffer() == nullptr && missing->getStatus() == ZELFileBuffer::NotOpened, "ZELFileBuffer");
+    missing->Release();
+    Expect(TAFileBuffer("no such file", 0).GetSize() == 0, "TAFileBuffer");
+    TAFileBuffer::ASyncCleanup();
     Expect(FileExists("no such file") == 0 && GetModifTime("") == "", "TAFileUtilities");
 }
 

@@ -31,6 +31,10 @@ private:
     bool _ordinary;
 };
 
+// Loads the library `name` of the test's own folder, lets `use` work with a function of it, and unloads it. Whether the
+// code whose address `use` returns is still there.
+bool StaysLoaded(const std::string& name, const char* function, const std::function<void*(void*)>& use);
+
 // The open descriptors (Windows: handles) that a child would get, ascending.
 std::vector<long> InheritedDescriptors();
 

@@ -29,6 +29,7 @@ bool platform::TextReader::Open(const char* path) noexcept {
     // A directory opens here like a file.
     if (!file.IsOpen() || fstat(file.Number(), &status) != 0 || S_ISDIR(status.st_mode)) return false;
     _descriptor = file.Release();
+    _size = status.st_size;
     return true;
 }
 

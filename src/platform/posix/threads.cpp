@@ -1,5 +1,6 @@
 #include "platform/threads.h"
 
+#include <dlfcn.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -45,6 +46,17 @@ bool StartThread(void (*body)(void* argument), void* argument) noexcept {
     pthread_attr_destroy(&detached);
     if (!started) delete call;
     return started;
+}
+
+void KeepLibraryLoaded() noexcept {
+    static const bool kept = [] {
+        Dl_info library;
+        if (dladdr(reinterpret_cast<void*>(&MakeCall), &library) == 0) return false;
+        void* const handle = dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+        if (handle != nullptr) dlclose(handle);  // the mark stays
+        return handle != nullptr;
+    }();
+    static_cast<void>(kept);
 }
 
 }  // namespace platform

@@ -27,6 +27,7 @@ bool platform::TextReader::Open(const char* path) noexcept {
     Close();
     const NativePath native(path);
     if (native.Text() != nullptr) _descriptor = _open(native.Text(), _O_RDONLY | _O_TEXT | _O_NOINHERIT);
+    _size = _descriptor >= 0 ? _filelengthi64(_descriptor) : 0;
     return _descriptor >= 0;
 }
 

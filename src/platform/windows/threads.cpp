@@ -51,4 +51,10 @@ bool StartThread(void (*body)(void* argument), void* argument) noexcept {
     return true;
 }
 
+void KeepLibraryLoaded() noexcept {
+    HMODULE library;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       reinterpret_cast<LPCSTR>(&MakeCall), &library);
+}
+
 }  // namespace platform

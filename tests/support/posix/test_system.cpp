@@ -1,5 +1,6 @@
 #include "support/test_system.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
@@ -41,6 +42,15 @@ int RunAndWait(const std::string& name, const std::vector<std::string>& argument
 
 bool MakeNamedPipe(const std::string& path) {
     return mkfifo(path.c_str(), 0600) == 0;
+}
+
+bool StaysLoaded(const std::string& name, const char* function, const std::function<void*(void*)>& use) {
+    const auto path = std::filesystem::read_symlink("/proc/self/exe").parent_path() / (name + ".so");
+    void* const library = dlopen(path.c_str(), RTLD_NOW);
+    const void* const code = use(dlsym(library, function));
+    dlclose(library);
+    Dl_info found;
+    return dladdr(code, &found) != 0;
 }
 
 std::vector<long> InheritedDescriptors() {

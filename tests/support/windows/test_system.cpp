@@ -53,6 +53,14 @@ bool MakeNamedPipe(const std::string&) {
     return false;
 }
 
+bool StaysLoaded(const std::string& name, const char* function, const std::function<void*(void*)>& use) {
+    const HMODULE library = LoadLibraryA((name + ".dll").c_str());
+    void* const code = use(reinterpret_cast<void*>(GetProcAddress(library, function)));
+    FreeLibrary(library);
+    HMODULE found;
+    return GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, static_cast<LPCSTR>(code), &found) != 0;
+}
+
 std::vector<long> InheritedDescriptors() {
     // Handles are small multiples of four.
     std::vector<long> found;

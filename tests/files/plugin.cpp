@@ -1,0 +1,18 @@
+// What a program loads that uses the library without being linked with it.
+#include "TAFileBuffer.h"
+#include "ZELFileBufferPool.h"
+
+// Lets a pool and the reading thread load `path` `count` times each, which it never ends: what was made stands in
+// `made`, which has room for it. Returns an address of the library's code.
+extern "C" void* StartLoaders(const char* path, int count, void** made) {
+    ZELFileBufferPool::enableMultiThread();
+    auto* const pool = new ZELFileBufferPool;
+    *made++ = pool;
+    for (int i = 0; i < count; ++i) {
+        auto* const buffer = new ZELFileBuffer(path);
+        pool->append(buffer);
+        *made++ = buffer;
+        *made++ = new TAFileBuffer(path, 0);
+    }
+    return reinterpret_cast<void*>(&ZELFileBufferPool::enableMultiThread);
+}
