@@ -75,6 +75,28 @@ void Containers() {
     const int key[2] = {3, 0};
     blocks.Append(key, &value);
     Expect(blocks.Get(0) == &value, "TAIndexB");
+
+    ZELStringPool pool;
+    ZELHashSCMap map(&pool);
+    map.insert(pool.create("a"), &value);
+    int walked = 0;
+    for (const auto& [text, stored] : map) walked += stored == &value && map.contains(text);
+    Expect(walked == 1, "ZELHashSCMap");
+    ZELHashRWMap often;
+    often.insert("a", &value);
+    ZELHashRWMapIteratorRef* const entries = often.getIteratorRef();
+    Expect(entries->next() == 1 && entries->getValue() == &value && entries->next() == 0, "ZELHashRWMap");
+    ZELMapIterator* const snapshot = often.getIterator();
+    Expect(snapshot->next() == 1 && ZELString(snapshot->getKey()) == "a", "ZELMapIterator");
+    delete snapshot;
+}
+
+void Objects() {
+    int value = 0;
+    TAComponent component;
+    component.Insert("key", &value);
+    ZELListValZELString keys;
+    Expect(component.GetValue("key") == &value && component.GetList(keys) == 1, "TAComponent");
 }
 
 void Files() {
@@ -114,14 +136,35 @@ void Processes() {
     counter->Release();
 }
 
+void Coding() {
+    unsigned char mask[300] = {}, packed[604], again[301];
+    Expect(rle_compress(300, mask, rle_max_compressed_size(300), packed) == 6 && rle_compressed_size(packed) == 6 &&
+               rle_uncompress(packed, 300, again) == 300,
+           "TARunLength");
+    Expect(crc("123456789", 0) == 0x93BCE8CF, "crc");
+    TAUUIDGenerator generator;
+    const ZELString first = generator.Get();
+    Expect(first.Length() == 20 && !(first == generator.Get()), "TAUUIDGenerator");
+}
+
+void Filters() {
+    TAUnicodeRegularExpression filter("*_[0-9]*.cpp");
+    Expect(filter.CheckFromFilter("scan_12.cpp") == 1 && filter.CheckFromFilter("scan.cpp") == 0, "filters");
+    filter = TAUnicodeRegularExpression(ZELString("a*"));
+    Expect(filter.CheckFromFilter(ZELString("ab")) == 1, "filters of 8-bit text");
+}
+
 }  // namespace
 
 int main() {
     Foundations();
     Diagnostics();
     Containers();
+    Objects();
     Files();
     Processes();
+    Coding();
+    Filters();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
 }

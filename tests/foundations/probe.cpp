@@ -7,6 +7,7 @@
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
+#include "TAUUIDGenerator.h"
 #include "ZELTrace.h"
 
 namespace {
@@ -73,6 +74,10 @@ int main(int count, char** arguments) {
     if (verb == "fatal") {
         Trace("progress", 0);
         FATAL(-1, arguments[2]);
+    }
+    if (verb == "identifiers") {
+        TAUUIDGenerator generator;
+        for (long left = std::strtol(arguments[2], nullptr, 10); left > 0; --left) std::puts(generator.Get());
     }
     if (verb == "env") {
         const char* const value = std::getenv(arguments[2]);

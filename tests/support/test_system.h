@@ -41,6 +41,9 @@ int MakeDeepTree(const std::string& path, int levels);
 // Runs `work` in a thread with a stack of 256 KiB, while the process may have 64 descriptors where that can be set.
 void RunConfined(const std::function<void()>& work);
 
+// What `work` gives in a forked copy of this process; empty where processes cannot be forked.
+std::string OutputOfFork(const std::function<std::string()>& work);
+
 // For its life a signal interrupts the process's calls about a thousand times a second, where there are signals.
 class Interruptions {
 public:

@@ -89,6 +89,21 @@ OrdinaryUser::~OrdinaryUser() {
     if (getuid() == 0 && seteuid(0) != 0) _exit(126);
 }
 
+std::string OutputOfFork(const std::function<std::string()>& work) {
+    int ends[2];
+    if (pipe(ends) != 0) return {};
+    const pid_t child = fork();
+    if (child == 0) {
+        const std::string text = work();  // shorter than a pipe is deep
+        _exit(write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
+    }
+    close(ends[1]);
+    char text[4096];
+    const ssize_t count = child > 0 && waitpid(child, nullptr, 0) == child ? read(ends[0], text, sizeof text) : 0;
+    close(ends[0]);
+    return std::string(text, count > 0 ? static_cast<std::size_t>(count) : 0);
+}
+
 Interruptions::Interruptions() {
     struct sigaction action = {};  // without SA_RESTART
     action.sa_handler = [](int) {};

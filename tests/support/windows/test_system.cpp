@@ -94,6 +94,10 @@ OrdinaryUser::OrdinaryUser() : _ordinary(false) {}
 
 OrdinaryUser::~OrdinaryUser() = default;
 
+std::string OutputOfFork(const std::function<std::string()>&) {
+    return {};
+}
+
 Interruptions::Interruptions() = default;
 
 Interruptions::~Interruptions() = default;

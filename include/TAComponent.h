@@ -1,0 +1,67 @@
+// A named registry of things under texts; it never owns them.
+//
+//     TAComponent tools;
+//     tools.SetName("tools");
+//     if (tools.Insert("scan", &scanner) != 0) Trace("scan stands already", 0);
+//     ZELListValZELString names;
+//     tools.GetList(names);  // sorted
+//
+// For a plain map without a name and a sorted list use ZELHashSCMap or ZELHashRWMap.
+//
+// A copied component, constructed or assigned, has a name of its own and shares the map of the original: what one
+// inserts the other finds. The original owns the map, so it must live longer. Assigning to a component ends its own
+// map. A component whose map got no memory answers 0 and null throughout. Nothing throws, nothing blocks. Threads: as
+// for ZELHashSCMap. No two maps of the process, components included, may be changed at the same time.
+#ifndef TACOMPONENT_H
+#define TACOMPONENT_H
+
+#include "ZELExport.h"
+#include "ZELListValZELString.h"
+#include "ZELMap.h"
+#include "ZELString.h"
+
+class ZELHashRWMap;
+
+class ZEL_API TAComponent {
+public:
+    TAComponent() noexcept;
+    TAComponent(const TAComponent& other) noexcept;
+    TAComponent& operator=(const TAComponent& other) noexcept;
+    virtual ~TAComponent();
+
+    ZELString GetName() const noexcept { return _name; }
+    // Valid until the name changes or the component ends.
+    const char* GetNameChar() const noexcept { return _name; }
+    void SetName(ZELString name) noexcept;
+
+    // Not 0, and the old value stays, when the key is present; otherwise 0, also when nothing could be stored (a null
+    // key, no memory).
+    int Insert(const char* key, void* value) noexcept;
+    int Insert(ZELString key, void* value) noexcept;
+    // The value of `key`, or null.
+    void* GetValue(const char* key) const noexcept;
+    void* GetValue(ZELString key) const noexcept;
+    // Not 0 when the key is present.
+    int IsIn(const char* key) const noexcept;
+    int IsIn(ZELString key) const noexcept;
+    void Remove(const char* key) noexcept;
+    void Remove(ZELString key) noexcept;
+    void Clear() noexcept;
+    int GetSize() const noexcept;
+
+    // A new iterator, valid until the component changes; the caller deletes it. Null when memory runs out.
+    ZELMapIterator* GetIterator() const noexcept;
+    // An iterator that belongs to the component; it is valid until a call after a change and must not be deleted.
+    ZELMapIterator* GetIteratorRef() const noexcept;
+    // Replaces the list by all keys in the order of CompareTAStrings; returns their number.
+    int GetList(ZELListValZELString& keys) const noexcept;
+    // Writes each key as a line of its own to standard output, as Trace(key, 0) does, in the order of the map.
+    void DumpKeys() const noexcept;
+
+private:
+    ZELString _name;
+    ZELHashRWMap* _map;
+    bool _isView = false;  // the map belongs to another component
+};
+
+#endif

@@ -1,0 +1,32 @@
+// The heap, and a countdown that tests set: at 0, where it stays outside tests, nothing fails.
+
+#include "foundations/allocation.h"
+
+#include <atomic>
+#include <cstdlib>
+
+namespace {
+
+constinit std::atomic<int> countdown{0};
+
+}  // namespace
+
+void FailAllocation(int number) noexcept {
+    countdown.store(number, std::memory_order_relaxed);
+}
+
+bool IsAllocationFailureDue() noexcept {
+    return countdown.load(std::memory_order_relaxed) > 0;
+}
+
+bool AllocationFails() noexcept {
+    return IsAllocationFailureDue() && countdown.fetch_sub(1, std::memory_order_relaxed) == 1;
+}
+
+void* Allocate(std::size_t size) noexcept {
+    return AllocationFails() ? nullptr : std::malloc(size);
+}
+
+void* AllocateZeroed(std::size_t size) noexcept {
+    return AllocationFails() ? nullptr : std::calloc(1, size);
+}

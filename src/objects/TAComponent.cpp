@@ -1,0 +1,109 @@
+// A component is a name beside a map on the heap, which its copies share.
+//
+// Invariants: _map is null when it got no memory; only a component that is no view deletes it. Danger: a
+// view whose original has ended. Nothing here can tell, so the header forbids it.
+
+#include "TAComponent.h"
+
+#include <utility>
+
+#include "TADiagnostics.h"
+#include "TATextUtilities.h"
+#include "ZELHashRWMap.h"
+#include "foundations/allocation.h"
+#include "foundations/console.h"
+
+namespace {
+
+constexpr int FirstBuckets = 30;
+
+}  // namespace
+
+TAComponent::TAComponent() noexcept : _map(NewObject<ZELHashRWMap>(FirstBuckets, 0.75F)) {
+    if (_map == nullptr) ReportAllocFailure("TAComponent", sizeof(ZELHashRWMap));
+}
+
+TAComponent::TAComponent(const TAComponent& other) noexcept : _name(other._name), _map(other._map), _isView(true) {}
+
+TAComponent& TAComponent::operator=(const TAComponent& other) noexcept {
+    _name = other._name;
+    if (_map == other._map) return *this;
+    if (!_isView) delete _map;
+    _map = other._map;
+    _isView = true;
+    return *this;
+}
+
+TAComponent::~TAComponent() {
+    if (!_isView) delete _map;
+}
+
+void TAComponent::SetName(ZELString name) noexcept {
+    _name = std::move(name);
+}
+
+int TAComponent::Insert(const char* key, void* value) noexcept {
+    if (_map == nullptr) return 0;
+    if (_map->contains(key)) return 1;
+    _map->insert(key, value);
+    return 0;
+}
+
+int TAComponent::Insert(ZELString key, void* value) noexcept {
+    return Insert(key.CastToCharPtr(), value);
+}
+
+void* TAComponent::GetValue(const char* key) const noexcept {
+    void* value = nullptr;
+    if (_map != nullptr) _map->search(key, &value);
+    return value;
+}
+
+void* TAComponent::GetValue(ZELString key) const noexcept {
+    return GetValue(key.CastToCharPtr());
+}
+
+int TAComponent::IsIn(const char* key) const noexcept {
+    return _map != nullptr && _map->contains(key) ? 1 : 0;
+}
+
+int TAComponent::IsIn(ZELString key) const noexcept {
+    return IsIn(key.CastToCharPtr());
+}
+
+void TAComponent::Remove(const char* key) noexcept {
+    if (_map != nullptr) _map->remove(key);
+}
+
+void TAComponent::Remove(ZELString key) noexcept {
+    Remove(key.CastToCharPtr());
+}
+
+void TAComponent::Clear() noexcept {
+    if (_map != nullptr) _map->clear();
+}
+
+int TAComponent::GetSize() const noexcept {
+    return _map != nullptr ? _map->size() : 0;
+}
+
+ZELMapIterator* TAComponent::GetIterator() const noexcept {
+    return _map != nullptr ? _map->getIterator() : nullptr;
+}
+
+ZELMapIterator* TAComponent::GetIteratorRef() const noexcept {
+    return _map != nullptr ? _map->getIteratorRef() : nullptr;
+}
+
+int TAComponent::GetList(ZELListValZELString& keys) const noexcept {
+    keys.RemoveAll(ZELCollec::KeepMemory);
+    if (_map == nullptr) return 0;
+    for (const auto& [key, value] : *_map) keys.Append(key);
+    keys.QuickSort(CompareTAStrings);
+    return keys.Size();
+}
+
+void TAComponent::DumpKeys() const noexcept {
+    if (_map == nullptr) return;
+    for (const auto& [key, value] : *_map) Trace(key, 0);
+}
