@@ -1,0 +1,57 @@
+// Gets the text and hands it to the scanner. The text is kept with zeros behind it, since the scanner's last step reads
+// on there; the output has as much room for what that step writes.
+
+#include "ZELFilePrepro.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "ZELFileBuffer.h"
+#include "files/source_scanner.h"
+#include "foundations/console.h"
+
+namespace {
+
+char* Allocate(std::size_t length) noexcept {
+    const std::size_t size = length + 1 + SourceScannerSlack;
+    char* const block = static_cast<char*>(std::malloc(size));
+    if (block == nullptr) ReportAllocFailure("ZELFilePrepro", size);
+    return block;
+}
+
+}  // namespace
+
+ZELFilePrepro::ZELFilePrepro(ZELString fileName) noexcept : _fileName(std::move(fileName)) {}
+
+ZELFilePrepro::~ZELFilePrepro() {
+    std::free(_text);
+}
+
+bool ZELFilePrepro::ObtainText() noexcept {
+    if (_text != nullptr) return true;
+    ZELFileBuffer* const file = new (std::nothrow) ZELFileBuffer(_fileName);
+    if (file == nullptr) {
+        ReportAllocFailure("ZELFilePrepro", sizeof(ZELFileBuffer));
+        return false;
+    }
+    const char* const text = file->getBuffer();
+    const std::size_t length = text != nullptr ? std::strlen(text) : 0;
+    if (text != nullptr && (_text = Allocate(length)) != nullptr) {
+        std::memcpy(_text, text, length);
+        std::memset(_text + length, 0, 1 + SourceScannerSlack);
+        _length = length;
+    }
+    file->destroy();
+    return _text != nullptr;
+}
+
+int ZELFilePrepro::preprocess(int flags, char*& output) noexcept {
+    char* const block = ObtainText() ? Allocate(_length) : nullptr;
+    if (block == nullptr) return 1;
+    bool complete = false;
+    block[StripSource(_text, _length, flags, block, complete)] = '\0';
+    output = block;
+    return complete ? 0 : 2;
+}
