@@ -215,7 +215,7 @@ std::size_t YAVIFStream::read(char* buffer, std::size_t size) noexcept {
         return 0;
     }
     const bool own = _shared != nullptr && _shared->isOwner;
-    std::clearerr(file);
+    platform::ForgetEnd(file);
     if (own) _shared->block.Forget();
     _lastError = 0;
     if (buffer == nullptr) return 0;

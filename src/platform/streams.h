@@ -17,6 +17,9 @@ std::FILE* OpenStream(const char* path, const char* mode) noexcept;
 // as LF. For streams that are read in no other way, since their own buffer is passed by.
 std::ptrdiff_t ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept;
 
+// Forgets an end and an error that were met, so that what was added to the file since can be read.
+void ForgetEnd(std::FILE* stream) noexcept;
+
 // A block of the C heap that grows with what is put into it.
 struct LineRoom {
     LineRoom() = default;

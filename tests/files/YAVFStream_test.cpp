@@ -165,8 +165,9 @@ TEST_F(Streams, InsertionsPrintTheSameEverywhere) {
         << INT64_MIN << ' ' << UINT64_MAX << ' ' << 1e100 << ' ' << 0.1 << ' ' << 2.5L << ' ' << pointer << ' '
         << "text" << static_cast<const char*>(nullptr) << ZELString("!") << endl;
     EXPECT_EQ(out.Putc('p') + out.Print("%5.2f|%s", 3.14159, "x") + out.write("n\0l", 3) + out.write(nullptr, 3), 0);
-    const char expected[] = "c\xC8 -7 4294967295 -8 9 -9223372036854775808 18446744073709551615 1e+100 0.1 2.5 "
-                            "0x78abcdef text!\np 3.14|xn\0l";
+    const char expected[] =
+        "c\xC8 -7 4294967295 -8 9 -9223372036854775808 18446744073709551615 1e+100 0.1 2.5 "
+        "0x78abcdef text!\np 3.14|xn\0l";
     EXPECT_EQ(Bytes(out, file), std::string(expected, sizeof expected - 1));
 }
 

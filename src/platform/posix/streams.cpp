@@ -38,6 +38,10 @@ std::ptrdiff_t platform::ReadArrived(std::FILE* stream, char* bytes, std::size_t
     return RetryInterrupted([&] { return read(fileno(stream), bytes, size); });
 }
 
+void platform::ForgetEnd(std::FILE* stream) noexcept {
+    std::clearerr(stream);
+}
+
 std::size_t platform::ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room,
                                 bool& met) noexcept {
     if (most != SIZE_MAX || delimiter < 0 || delimiter > UCHAR_MAX) {

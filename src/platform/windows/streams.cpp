@@ -55,6 +55,12 @@ std::ptrdiff_t platform::ReadArrived(std::FILE* stream, char* bytes, std::size_t
     return _read(_fileno(stream), bytes, static_cast<unsigned>(size));
 }
 
+void platform::ForgetEnd(std::FILE* stream) noexcept {
+    std::clearerr(stream);
+    // In text mode the descriptor keeps an end in mind as well, until it is moved.
+    _lseeki64(_fileno(stream), 0, SEEK_CUR);
+}
+
 std::size_t platform::ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room,
                                 bool& met) noexcept {
     _lock_file(stream);
