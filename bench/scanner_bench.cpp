@@ -114,7 +114,7 @@ void Strip_ByCharacters(benchmark::State& state) {
 
 void Strip_Preprocessor(benchmark::State& state) {
     const std::string command =
-        "g++ -E -fpreprocessed -P -x c++ " + std::string(AllHeaders().Name().GetNativeName()) + " >/dev/null 2>&1";
+        "g++ -w -E -fpreprocessed -P -x c++ " + std::string(AllHeaders().Name().GetNativeName()) + " >/dev/null 2>&1";
     for (auto _ : state) benchmark::DoNotOptimize(std::system(command.c_str()));
     CountBytes(state);
 }

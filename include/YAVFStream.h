@@ -109,8 +109,8 @@ private:
     friend struct YAVStandardStreams;
     constexpr explicit YAVIFStream(Standard which) noexcept : YAVFStream(which) {}
 
-    bool NextPiece(int delimiter, std::size_t most, std::string_view& piece, bool& met) noexcept;
-    int LineResult(bool any, bool met) noexcept;
+    bool NextPiece(std::FILE* file, int delimiter, std::size_t most, std::string_view& piece, bool& met) noexcept;
+    int LineResult(bool any) noexcept;
 };
 
 // Everything but the insertions is flushed at once; of those, endl and flush do.

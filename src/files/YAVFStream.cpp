@@ -14,10 +14,10 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <utility>
 
 #include "files/input_block.h"
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 #include "platform/streams.h"
 
@@ -64,7 +64,7 @@ void YAVFStream::Drop() noexcept {
 }
 
 bool YAVFStream::MakeShared(std::FILE* own) noexcept {
-    _shared = new (std::nothrow) Shared(own);
+    _shared = NewObject<Shared>(own);
     if (_shared == nullptr) ReportAllocFailure("YAVFStream", sizeof(Shared));
     return _shared != nullptr;
 }
@@ -151,15 +151,15 @@ int YAVIFStream::open(const char* name, const int& mode) noexcept {
     return _Open(name, mode, 1);
 }
 
-// The next bytes of the file, which is open; see InputBlock::Next.
-bool YAVIFStream::NextPiece(int delimiter, std::size_t most, std::string_view& piece, bool& met) noexcept {
+// The next bytes of `file`, which is this stream's; see InputBlock::Next.
+inline bool YAVIFStream::NextPiece(std::FILE* file, int delimiter, std::size_t most, std::string_view& piece,
+                                   bool& met) noexcept {
     met = false;
-    if (_shared != nullptr && _shared->isOwner) return _shared->block.Next(File(), delimiter, most, piece, met);
+    if (_shared != nullptr && _shared->isOwner) return _shared->block.Next(file, delimiter, most, piece, met);
     if (_shared == nullptr && !MakeShared(nullptr)) {
         Fail(ENOMEM);
         return false;
     }
-    std::FILE* const file = File();
     const std::size_t count = platform::ReadPiece(file, delimiter, most, _shared->line, met);
     piece = {_shared->line.text, count - (met ? 1 : 0)};
     if (count == 0 && std::feof(file) == 0 && std::ferror(file) == 0) {
@@ -169,43 +169,42 @@ bool YAVIFStream::NextPiece(int delimiter, std::size_t most, std::string_view& p
     return count > 0;
 }
 
-// What the reading of a line comes to, when it took something (`any`), or its delimiter (`met`).
-int YAVIFStream::LineResult(bool any, bool met) noexcept {
-    if (met) return 0;
+// What the reading of a line comes to that did not end with its delimiter; `any` tells whether it took something.
+int YAVIFStream::LineResult(bool any) noexcept {
     if (ReadError() != 0) return Fail();
     return any ? 0 : 1;
 }
 
 int YAVIFStream::getline(ZELString& line, int delimiter, int skipEmpty) noexcept {
-    line = "";
-    if (File() == nullptr) return Fail(InvalidArgument);
-    for (;;) {
-        std::size_t length = 0;
+    std::FILE* const file = File();
+    std::size_t length;
+    do {
+        line = "";
+        if (file == nullptr) return Fail(InvalidArgument);
+        length = 0;
         bool any = false;
         bool met = false;
-        errno = 0;
-        for (std::string_view piece; !met && NextPiece(delimiter, SIZE_MAX, piece, met); any = true) {
-            line.Append(piece);
+        for (std::string_view piece; !met && NextPiece(file, delimiter, SIZE_MAX, piece, met); any = true) {
             length += piece.size();
+            if (line.Append(piece).View().size() != length) return Fail(ENOMEM);
         }
-        if (LineResult(any, met) != 0) return 1;
-        if (line.View().size() != length) return Fail(ENOMEM);
-        if (length > 0 || skipEmpty == 0) return 0;
-    }
+        if (!met && LineResult(any) != 0) return 1;
+    } while (length == 0 && skipEmpty != 0);
+    return 0;
 }
 
 int YAVIFStream::getline(char* buffer, std::size_t size, int delimiter) noexcept {
     if (buffer != nullptr) std::memset(buffer, 0, size);
-    if (File() == nullptr || buffer == nullptr || size < 2) return Fail(InvalidArgument);
+    std::FILE* const file = File();
+    if (file == nullptr || buffer == nullptr || size < 2) return Fail(InvalidArgument);
     std::size_t length = 0;
     bool met = false;
     std::string_view piece;
-    errno = 0;
-    while (!met && length < size - 1 && NextPiece(delimiter, size - 1 - length, piece, met)) {
+    while (!met && length < size - 1 && NextPiece(file, delimiter, size - 1 - length, piece, met)) {
         std::memcpy(buffer + length, piece.data(), piece.size());
         length += piece.size();
     }
-    return length == size - 1 ? 0 : LineResult(length > 0, met);
+    return met || length == size - 1 ? 0 : LineResult(length > 0);
 }
 
 std::size_t YAVIFStream::read(char* buffer, std::size_t size) noexcept {

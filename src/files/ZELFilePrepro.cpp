@@ -5,18 +5,18 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <utility>
 
 #include "ZELFileBuffer.h"
 #include "files/source_scanner.h"
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 
 namespace {
 
-char* Allocate(std::size_t length) noexcept {
+char* MakeBlock(std::size_t length) noexcept {
     const std::size_t size = length + 1 + SourceScannerSlack;
-    char* const block = static_cast<char*>(std::malloc(size));
+    char* const block = static_cast<char*>(Allocate(size));
     if (block == nullptr) ReportAllocFailure("ZELFilePrepro", size);
     return block;
 }
@@ -31,14 +31,14 @@ ZELFilePrepro::~ZELFilePrepro() {
 
 bool ZELFilePrepro::ObtainText() noexcept {
     if (_text != nullptr) return true;
-    ZELFileBuffer* const file = new (std::nothrow) ZELFileBuffer(_fileName);
+    ZELFileBuffer* const file = NewObject<ZELFileBuffer>(_fileName);
     if (file == nullptr) {
         ReportAllocFailure("ZELFilePrepro", sizeof(ZELFileBuffer));
         return false;
     }
     const char* const text = file->getBuffer();
     const std::size_t length = text != nullptr ? std::strlen(text) : 0;
-    if (text != nullptr && (_text = Allocate(length)) != nullptr) {
+    if (text != nullptr && (_text = MakeBlock(length)) != nullptr) {
         std::memcpy(_text, text, length);
         std::memset(_text + length, 0, 1 + SourceScannerSlack);
         _length = length;
@@ -48,7 +48,7 @@ bool ZELFilePrepro::ObtainText() noexcept {
 }
 
 int ZELFilePrepro::preprocess(int flags, char*& output) noexcept {
-    char* const block = ObtainText() ? Allocate(_length) : nullptr;
+    char* const block = ObtainText() ? MakeBlock(_length) : nullptr;
     if (block == nullptr) return 1;
     bool complete = false;
     block[StripSource(_text, _length, flags, block, complete)] = '\0';

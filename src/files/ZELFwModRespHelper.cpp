@@ -11,23 +11,26 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <new>
+#include <initializer_list>
 #include <string_view>
 
 #include "ZELHashSCMap.h"
 #include "ZELQMAStream.h"
 #include "ZELString.h"
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 
 namespace {
 
 struct Framework {
+    explicit Framework(char* text) noexcept : code(text) {}
+
     char* code;
     ZELHashSCMap modules;  // to codes
 };
 
 char* CopyText(std::string_view text) noexcept {
-    char* const copy = static_cast<char*>(std::malloc(text.size() + 1));
+    char* const copy = static_cast<char*>(Allocate(text.size() + 1));
     if (copy == nullptr) {
         ReportAllocFailure("ZELFwModRespHelper", text.size() + 1);
         return nullptr;
@@ -143,7 +146,7 @@ void ZELFwModRespHelper::Shared::AddFramework(const Declaration& declaration, co
         return;
     }
     char* const code = CopyText(UpperCase(declaration.code).View());
-    Framework* const framework = code != nullptr ? new (std::nothrow) Framework{code, ZELHashSCMap()} : nullptr;
+    Framework* const framework = code != nullptr ? NewObject<Framework>(code) : nullptr;
     if (framework != nullptr && frameworks->insert(ZELString(name), framework) != nullptr) return;
     if (code != nullptr && framework == nullptr) ReportAllocFailure("ZELFwModRespHelper", sizeof(Framework));
     delete framework;
@@ -191,7 +194,7 @@ namespace {
 template <class TakeLine>
 int ReadOnce(ZELHashSCMap*& map, const char* path, TakeLine take) noexcept {
     if (map != nullptr) return 1;
-    map = new (std::nothrow) ZELHashSCMap;
+    map = NewObject<ZELHashSCMap>();
     if (map == nullptr) {
         ReportAllocFailure("ZELFwModRespHelper", sizeof(ZELHashSCMap));
         return 0;
@@ -205,7 +208,7 @@ int ReadOnce(ZELHashSCMap*& map, const char* path, TakeLine take) noexcept {
 
 }  // namespace
 
-ZELFwModRespHelper::ZELFwModRespHelper() noexcept : _shared(new (std::nothrow) Shared) {
+ZELFwModRespHelper::ZELFwModRespHelper() noexcept : _shared(NewObject<Shared>()) {
     if (_shared == nullptr) ReportAllocFailure("ZELFwModRespHelper", sizeof(Shared));
 }
 

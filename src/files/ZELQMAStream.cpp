@@ -17,9 +17,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <utility>
 
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 #include "platform/streams.h"
 
@@ -84,8 +84,17 @@ int ZELQMAStream::Reader::Close() noexcept {
     return _file != nullptr ? std::fclose(std::exchange(_file, nullptr)) : 1;
 }
 
+// Looks at the next step, of which there is at least one byte.
+inline void ZELQMAStream::Reader::Scan() noexcept {
+    const std::size_t left = _end - _scanned;
+    _base = _scanned;
+    _lineFeeds = FindLineFeeds(_buffer + _base);
+    if (left < Step) _lineFeeds &= (std::uint64_t{1} << left) - 1;  // behind it stands what was there before
+    _scanned += left < Step ? left : Step;
+}
+
 // The next line, or null at the end.
-char* ZELQMAStream::Reader::NextLine() noexcept {
+inline char* ZELQMAStream::Reader::NextLine() noexcept {
     if (_file == nullptr) return nullptr;
     while (_lineFeeds == 0) {
         if (_scanned == _end && !Fill()) return nullptr;
@@ -97,15 +106,6 @@ char* ZELQMAStream::Reader::NextLine() noexcept {
     _buffer[lineFeed] = '\0';
     _begin = lineFeed + 1;
     return line;
-}
-
-// Looks at the next step, of which there is at least one byte.
-void ZELQMAStream::Reader::Scan() noexcept {
-    const std::size_t left = _end - _scanned;
-    _base = _scanned;
-    _lineFeeds = FindLineFeeds(_buffer + _base);
-    if (left < Step) _lineFeeds &= (std::uint64_t{1} << left) - 1;  // behind it stands what was there before
-    _scanned += left < Step ? left : Step;
 }
 
 // Reads on; false at the end, for good.
@@ -126,7 +126,7 @@ bool ZELQMAStream::Reader::MoveRest() noexcept {
     _end = _scanned = end;
     if (end < _capacity / 2) return true;
     const std::size_t capacity = _capacity == 0 ? FirstCapacity : _capacity * 2;
-    char* const grown = static_cast<char*>(std::realloc(_buffer, capacity + Step));
+    char* const grown = AllocationFails() ? nullptr : static_cast<char*>(std::realloc(_buffer, capacity + Step));
     if (grown == nullptr) {
         ReportAllocFailure("ZELQMAStream", capacity + Step);
         return false;
@@ -157,7 +157,7 @@ void ZELQMAStream::Drop() noexcept {
 }
 
 std::FILE* ZELQMAStream::fopen(const char* name, const char* mode) noexcept {
-    if (_reader == nullptr && (_reader = new (std::nothrow) Reader) == nullptr) {
+    if (_reader == nullptr && (_reader = NewObject<Reader>()) == nullptr) {
         ReportAllocFailure("ZELQMAStream", sizeof(Reader));
         return nullptr;
     }

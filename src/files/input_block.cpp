@@ -5,10 +5,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 #include "platform/streams.h"
 
@@ -33,7 +33,7 @@ std::size_t InputBlock::Arrived(std::ptrdiff_t count) noexcept {
 // False when nothing came.
 bool InputBlock::Fill(std::FILE* file) noexcept {
     if (_atEnd) return false;
-    if (_bytes == nullptr && (_bytes = static_cast<char*>(std::malloc(BlockSize))) == nullptr) {
+    if (_bytes == nullptr && (_bytes = static_cast<char*>(Allocate(BlockSize))) == nullptr) {
         ReportAllocFailure("YAVFStream", BlockSize);
         _hasFailed = true;
         errno = ENOMEM;
@@ -42,19 +42,6 @@ bool InputBlock::Fill(std::FILE* file) noexcept {
     _begin = 0;
     _end = Arrived(platform::ReadArrived(file, _bytes, BlockSize));
     return _end > 0;
-}
-
-bool InputBlock::Next(std::FILE* file, int delimiter, std::size_t most, std::string_view& piece, bool& met) noexcept {
-    met = false;
-    if (_begin == _end && !Fill(file)) return false;
-    const char* const begin = _bytes + _begin;
-    const std::size_t length = std::min(most, _end - _begin);
-    const void* const found =
-        delimiter >= 0 && delimiter <= UCHAR_MAX ? std::memchr(begin, delimiter, length) : nullptr;
-    met = found != nullptr;
-    piece = {begin, met ? static_cast<std::size_t>(static_cast<const char*>(found) - begin) : length};
-    _begin += piece.size() + (met ? 1 : 0);
-    return true;
 }
 
 std::size_t InputBlock::Read(std::FILE* file, char* bytes, std::size_t size) noexcept {

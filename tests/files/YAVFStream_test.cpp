@@ -10,6 +10,9 @@
 #include <thread>
 #include <vector>
 
+#include "ZELFilePrepro.h"
+#include "ZELQMAStream.h"
+#include "foundations/allocation.h"
 #include "support/files.h"
 #include "support/test_system.h"
 
@@ -255,6 +258,31 @@ TEST_F(Streams, ALineIsGivenAsSoonAsItIsThere) {
     EXPECT_EQ(in.getline(line, '\n', 0), 0);
     EXPECT_EQ(line, "second");
     EXPECT_EQ(in.getline(line, '\n', 0), 1);
+}
+
+TEST_F(Streams, EachFailedAllocationIsAFailureAndNoMore) {
+    WriteBytes(file, "line\n");
+    std::FILE* const lent = std::fopen(file.c_str(), "rb");
+    bool failed = true;
+    for (int number = 1; failed; ++number) {
+        std::rewind(lent);
+        testing::internal::CaptureStdout();
+        FailAllocation(number);
+        ZELString line;
+        char* text = nullptr;
+        YAVIFStream own(file.c_str(), 0), borrowed(lent);
+        ZELQMAStream reader;
+        const int failures = own.getline(line, '\n', 0) + borrowed.getline(line, '\n', 0) +
+                             (reader.fopen(file.c_str(), "r") == nullptr || reader.getline(text) == 0 ? 1 : 0) +
+                             (ZELFilePrepro(file.c_str()).preprocess(0, text) != 0 ? 1 : (std::free(text), 0));
+        failed = !IsAllocationFailureDue();
+        FailAllocation(0);
+        reader.fclose();
+        EXPECT_EQ(testing::internal::GetCapturedStdout().find("# Alloc failed in "), failed ? 0 : std::string::npos);
+        EXPECT_EQ(failures, failed ? 1 : 0) << number;
+        EXPECT_EQ(own.GetErrno() == 0 || own.GetErrno() == ENOMEM || own.isOpen() == 0, true);
+    }
+    EXPECT_EQ(std::fclose(lent), 0);
 }
 
 TEST_F(Streams, TheStandardStreamsServeBeforeAndAfterMain) {

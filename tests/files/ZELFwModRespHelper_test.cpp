@@ -8,6 +8,7 @@
 #include <regex>
 #include <string>
 
+#include "foundations/allocation.h"
 #include "support/files.h"
 
 namespace {
@@ -118,6 +119,25 @@ TEST(ZELFwModRespHelper, AgreesWithTheModelOnRandomFiles) {
         }
     }
     EXPECT_GT(coverage.size(), 3u);  // the files did mean something
+}
+
+TEST(ZELFwModRespHelper, SurvivesEachFailedAllocation) {
+    const TemporaryFolder folder;
+    WriteBytes(folder / "organisation", "Name A.ab.\nName B.cd.\n");
+    WriteBytes(folder / "components", "1 2 3 4 Fw:f Resp:ab\n1 2 3 Parent:f Mod:m Resp:cd\n");
+    bool failed = true;
+    for (int number = 1; failed; ++number) {
+        testing::internal::CaptureStdout();
+        FailAllocation(number);
+        ZELFwModRespHelper helper;
+        helper.parseFiles((folder / "organisation").c_str(), (folder / "components").c_str());
+        failed = !IsAllocationFailureDue();
+        FailAllocation(0);
+        const std::string answers =
+            Text(helper.getFrameworkLongResponsible("f")) + Text(helper.getModuleLongResponsible("f", "m"));
+        EXPECT_EQ(testing::internal::GetCapturedStdout().find("# Alloc failed in "), failed ? 0 : std::string::npos);
+        EXPECT_EQ(answers == "Name A.ab.Name B.cd.", !failed) << number;
+    }
 }
 
 TEST(ZELFwModRespHelper, AnswersNullWithoutFilesAndArguments) {
