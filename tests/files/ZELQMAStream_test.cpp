@@ -1,12 +1,7 @@
 #include "ZELQMAStream.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <random>
-#include <string>
-
 #include "support/files.h"
+#include "support/testing.h"
 
 namespace {
 
