@@ -4,46 +4,17 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <fstream>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "TAFileUtilities.h"
+#include "big_text.h"
 
 namespace {
 
-// Gone with the program.
-class BigText {
-public:
-    BigText() : _name(TAFileName::GetTemporaryFileName()) {
-        constexpr std::size_t Size = 200'000'000;
-        std::mt19937 random(1);
-        std::ofstream file(std::string(_name.GetNativeName()), std::ios::binary);
-        for (std::size_t size = 0; size < Size;) {
-            std::string line(random() % 100, 'x');
-            line += '\n';
-            file << line;
-            size += line.size();
-        }
-    }
-    BigText(const BigText&) = delete;
-    BigText& operator=(const BigText&) = delete;
-    ~BigText() { _name.Delete(); }
-    const TAFileName& Name() const { return _name; }
-
-private:
-    TAFileName _name;
-};
-
-const TAFileName& Text() {
-    static const BigText text;
-    return text.Name();
-}
-
 void ReadLines_Ours(benchmark::State& state) {
-    const ZELString name(Text().View());
+    const ZELString name(BigText::Name().View());
     for (auto _ : state) {
         ZELListValZELString lines;
         if (ReadFile(name, lines) != 0) state.SkipWithError("not read");
@@ -52,7 +23,7 @@ void ReadLines_Ours(benchmark::State& state) {
 }
 
 void ReadLines_StdGetline(benchmark::State& state) {
-    const std::string name(Text().GetNativeName());
+    const std::string name(BigText::Name().GetNativeName());
     for (auto _ : state) {
         std::vector<std::string> lines;
         std::ifstream file(name);

@@ -27,3 +27,6 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/ZELToolsInfrastructure.pc.in
   ${CMAKE_CURRENT_BINARY_DIR}/ZELToolsInfrastructure.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZELToolsInfrastructure.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# The look of HTML reports; share/ZELToolsInfrastructure is a root for CopyDefaultHtmlStyle then.
+install(DIRECTORY resources DESTINATION ${CMAKE_INSTALL_DATADIR}/ZELToolsInfrastructure COMPONENT runtime)

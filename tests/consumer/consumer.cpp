@@ -2,6 +2,7 @@
 #include <ZELToolsInfrastructure.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 namespace {
@@ -118,6 +119,26 @@ void Files() {
     missing->Release();
     Expect(TAFileBuffer("no such file", 0).GetSize() == 0, "TAFileBuffer");
     TAFileBuffer::ASyncCleanup();
+    YAVOFStream out("consumer.txt", "wb");
+    out << "one // two\nlast " << 2.5 << endl;
+    out.close();
+    YAVIFStream in("consumer.txt", "rb");
+    Expect(in.getline(line, '\n', 0) == 0 && line == "one // two" && YAVout.isOpen() == 1, "YAVFStream");
+    ZELQMAStream lines;
+    char* place = nullptr;
+    lines.fopen("consumer.txt", "rb");
+    Expect(lines.getline(place) == 1 && line == place && lines.fclose() == 0, "ZELQMAStream");
+    ZELFilePrepro source("consumer.txt");
+    Expect(source.preprocess(ZELFilePrepro::REMOVE_SLCOMMENTS, place) == 0 && ZELString(place) == "one \nlast 2.5\n",
+           "ZELFilePrepro");
+    std::free(place);
+    in.close();
+    TAFileName("consumer.txt").Delete();
+    Expect(ZELFwModRespHelper().getFrameworkShortResponsible("Base") == nullptr, "ZELFwModRespHelper");
+    Expect(BuildHtmlBanner("title", fields, "", "").Size() == 16, "TAHtmlBanner");
+    const bool hasRoot = TAEnvVariable("RkrkROOT_PATH", 0).GetEnvironmentValue() != nullptr;
+    Expect(CopyDefaultHtmlStyle("report") == 0 && (FileExists("report\\pictures\\copy.png") == 1) == hasRoot, "style");
+    TACleanDirectory("report");
     Expect(FileExists("no such file") == 0 && GetModifTime("") == "", "TAFileUtilities");
 }
 

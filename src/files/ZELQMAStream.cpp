@@ -1,0 +1,176 @@
+// Lines lie in one buffer. Each byte of it is looked at once: a step finds the line feeds of the next 64 bytes as the
+// bits of a word, which is kept between calls, so most calls take one bit and touch nothing but the byte that becomes a
+// NUL. What is left of a line when the buffer is used up moves to its front, just before a multiple of 64, so that
+// reading and looking begin on a boundary.
+//
+// Invariants: _begin <= _scanned <= _end <= capacity; the line feeds between _begin and _scanned are exactly the bits
+// of _lineFeeds, counted from _base; 64 bytes behind the data may be read.
+// The dangerous case is a line as long as the buffer: it is doubled, but only when it is at least half full, so memory
+// follows what arrived.
+
+#include "ZELQMAStream.h"
+
+#include <emmintrin.h>  // SSE2 is part of every x86-64
+
+#include <atomic>
+#include <bit>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "foundations/allocation.h"
+#include "foundations/console.h"
+#include "platform/streams.h"
+
+namespace {
+
+constexpr std::size_t Step = 64;
+constexpr std::size_t FirstCapacity = 64000;
+
+// The bits of the line feeds among the 64 bytes at `place`.
+std::uint64_t FindLineFeeds(const char* place) noexcept {
+    const __m128i lineFeed = _mm_set1_epi8('\n');
+    std::uint64_t found = 0;
+    for (unsigned part = 0; part < 4; ++part) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place) + part);
+        const int equal = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, lineFeed));
+        found |= static_cast<std::uint64_t>(static_cast<std::uint32_t>(equal)) << (part * 16);
+    }
+    return found;
+}
+
+}  // namespace
+
+class ZELQMAStream::Reader {
+public:
+    Reader() = default;
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+    ~Reader() { std::free(_buffer); }
+
+    std::FILE* Open(const char* name, const char* mode) noexcept;
+    int Close() noexcept;
+    char* NextLine() noexcept;
+
+    std::atomic<int> owners{1};
+
+private:
+    bool Fill() noexcept;
+    bool MoveRest() noexcept;
+    void Scan() noexcept;
+
+    std::FILE* _file = nullptr;  // the caller's
+    bool _atEnd = false;
+    char* _buffer = nullptr;  // malloc'd, _capacity bytes and one step
+    std::size_t _capacity = 0;
+    std::size_t _begin = 0;    // of the next line
+    std::size_t _end = 0;      // of the data
+    std::size_t _scanned = 0;  // up to where line feeds were looked for
+    std::size_t _base = 0;     // of the step whose line feeds are in _lineFeeds
+    std::uint64_t _lineFeeds = 0;
+};
+
+std::FILE* ZELQMAStream::Reader::Open(const char* name, const char* mode) noexcept {
+    _file = name != nullptr && mode != nullptr ? platform::OpenStream(name, mode) : nullptr;
+    if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);
+    _atEnd = false;
+    _begin = _end = _scanned = _base = 0;
+    _lineFeeds = 0;
+    return _file;
+}
+
+int ZELQMAStream::Reader::Close() noexcept {
+    return _file != nullptr ? std::fclose(std::exchange(_file, nullptr)) : 1;
+}
+
+// Looks at the next step, of which there is at least one byte.
+inline void ZELQMAStream::Reader::Scan() noexcept {
+    const std::size_t left = _end - _scanned;
+    _base = _scanned;
+    _lineFeeds = FindLineFeeds(_buffer + _base);
+    if (left < Step) _lineFeeds &= (std::uint64_t{1} << left) - 1;  // behind it stands what was there before
+    _scanned += left < Step ? left : Step;
+}
+
+// The next line, or null at the end.
+inline char* ZELQMAStream::Reader::NextLine() noexcept {
+    if (_file == nullptr) return nullptr;
+    while (_lineFeeds == 0) {
+        if (_scanned == _end && !Fill()) return nullptr;
+        Scan();
+    }
+    const std::size_t lineFeed = _base + static_cast<std::size_t>(std::countr_zero(_lineFeeds));
+    _lineFeeds &= _lineFeeds - 1;
+    char* const line = _buffer + _begin;
+    _buffer[lineFeed] = '\0';
+    _begin = lineFeed + 1;
+    return line;
+}
+
+// Reads on; false at the end, for good.
+bool ZELQMAStream::Reader::Fill() noexcept {
+    if (_atEnd) return false;
+    const std::size_t count = MoveRest() ? std::fread(_buffer + _end, 1, _capacity - _end, _file) : 0;
+    _end += count;
+    _atEnd = count == 0;
+    return !_atEnd;
+}
+
+// Moves what was not given yet to the front of a buffer that has room behind it.
+bool ZELQMAStream::Reader::MoveRest() noexcept {
+    const std::size_t rest = _end - _begin;
+    const std::size_t end = (rest + Step - 1) / Step * Step;
+    if (end > 0 && end != _end) std::memmove(_buffer + (end - rest), _buffer + _begin, rest);
+    _begin = end - rest;
+    _end = _scanned = end;
+    if (end < _capacity / 2) return true;
+    const std::size_t capacity = _capacity == 0 ? FirstCapacity : _capacity * 2;
+    char* const grown = AllocationFails() ? nullptr : static_cast<char*>(std::realloc(_buffer, capacity + Step));
+    if (grown == nullptr) {
+        ReportAllocFailure("ZELQMAStream", capacity + Step);
+        return false;
+    }
+    _buffer = grown;
+    _capacity = capacity;
+    return true;
+}
+
+ZELQMAStream::ZELQMAStream(const ZELQMAStream& other) noexcept : _reader(other._reader) {
+    if (_reader != nullptr) ++_reader->owners;
+}
+
+ZELQMAStream& ZELQMAStream::operator=(const ZELQMAStream& other) noexcept {
+    if (other._reader != nullptr) ++other._reader->owners;
+    Drop();
+    _reader = other._reader;
+    return *this;
+}
+
+ZELQMAStream::~ZELQMAStream() {
+    Drop();
+}
+
+void ZELQMAStream::Drop() noexcept {
+    if (_reader != nullptr && --_reader->owners == 0) delete _reader;
+    _reader = nullptr;
+}
+
+std::FILE* ZELQMAStream::fopen(const char* name, const char* mode) noexcept {
+    if (_reader == nullptr && (_reader = NewObject<Reader>()) == nullptr) {
+        ReportAllocFailure("ZELQMAStream", sizeof(Reader));
+        return nullptr;
+    }
+    return _reader->Open(name, mode);
+}
+
+int ZELQMAStream::fclose() noexcept {
+    return _reader != nullptr ? _reader->Close() : 1;
+}
+
+int ZELQMAStream::getline(char*& line) noexcept {
+    char* const next = _reader != nullptr ? _reader->NextLine() : nullptr;
+    if (next == nullptr) return 0;
+    line = next;
+    return 1;
+}

@@ -1,0 +1,31 @@
+// Reading byte by byte, for both targets; see ReadPiece in streams.h.
+#ifndef PLATFORM_READ_BYTES_H
+#define PLATFORM_READ_BYTES_H
+
+#include "platform/streams.h"
+
+namespace platform {
+
+// `next` gives the next byte, or EOF.
+template <class Next>
+std::size_t ReadBytes(Next next, int delimiter, std::size_t most, LineRoom& room, bool& met) noexcept {
+    constexpr std::size_t Room = 4096;
+    met = false;
+    if (room.size < Room) {
+        char* const grown = static_cast<char*>(std::realloc(room.text, Room));
+        if (grown == nullptr) return 0;
+        room.text = grown;
+        room.size = Room;
+    }
+    if (most > Room) most = Room;
+    std::size_t count = 0;
+    for (int c = 0; count < most && !met && (c = next()) != EOF; ++count) {
+        room.text[count] = static_cast<char>(c);
+        met = c == delimiter;
+    }
+    return count;
+}
+
+}  // namespace platform
+
+#endif

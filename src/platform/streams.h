@@ -1,0 +1,41 @@
+// What the streams need beside the C library's own functions.
+#ifndef PLATFORM_STREAMS_H
+#define PLATFORM_STREAMS_H
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+
+namespace platform {
+
+// Opens a path value with a mode of fopen; null, with errno set, on failure and for a directory. Children do not
+// inherit the file.
+std::FILE* OpenStream(const char* path, const char* mode) noexcept;
+
+// Reads what has arrived behind the position of the descriptor, up to `size` bytes (at most 1 GiB): waits for the first
+// byte alone. 0 at the end; -1, with errno set, on failure. Interruptions are retried. In text mode Windows gives CR LF
+// as LF. For streams that are read in no other way, since their own buffer is passed by.
+std::ptrdiff_t ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept;
+
+// Forgets an end and an error that were met, so that what was added to the file since can be read.
+void ForgetEnd(std::FILE* stream) noexcept;
+
+// A block of the C heap that grows with what is put into it.
+struct LineRoom {
+    LineRoom() = default;
+    LineRoom(const LineRoom&) = delete;
+    LineRoom& operator=(const LineRoom&) = delete;
+    ~LineRoom() { std::free(text); }
+
+    char* text = nullptr;
+    std::size_t size = 0;
+};
+
+// Reads from `stream` into `room` up to a delimiter, which is counted in the result and as `met`, up to `most` bytes,
+// or up to the end; perhaps fewer, but one at least. Takes nothing more, and locks the stream once. A delimiter outside
+// 0 to 255 is never met. 0 at the end, after a failure, and when memory ran out, which neither feof nor ferror tells.
+std::size_t ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room, bool& met) noexcept;
+
+}  // namespace platform
+
+#endif
