@@ -32,6 +32,8 @@
 #include "ZELPlatformTypes.h"
 #include "ZELString.h"
 
+struct TAChild;  // what copies know together of a child
+
 class ZEL_API TAProcess {
 public:
     TAProcess() noexcept;
@@ -93,15 +95,15 @@ private:
     struct Target;
 
     int Fail(const char* reason, const ZELString& detail = {}) noexcept;
-    int Launch(const ZELString& line, const ZELString& batchLine) noexcept;
+    int Launch(const ZELString& line) noexcept;
     Target TheTarget() const noexcept;
 
     ZELString _message;
     ZELString _output;
     ZELString _input;
     int _pid = 0;
-    std::int64_t _born = 0;               // of a process that was not started here, as platform::ProcessIdentity tells
-    std::shared_ptr<class Child> _child;  // null once this object saw its end
+    std::int64_t _born = 0;           // of a process that was not started here, as platform::ProcessIdentity tells
+    std::shared_ptr<TAChild> _child;  // null once this object saw its end
 };
 
 #endif
