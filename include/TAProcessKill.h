@@ -20,6 +20,8 @@
 #ifndef TAPROCESSKILL_H
 #define TAPROCESSKILL_H
 
+#include <cstdint>
+
 #include "ZELExport.h"
 #include "ZELPlatformTypes.h"
 

@@ -125,8 +125,10 @@ bool IsInterpreterCall(const CommandWords& words) noexcept {
     return EqualsIgnoringCase(words.Texts()[0], "cmd") || EqualsIgnoringCase(words.Texts()[0], "cmd.exe");
 }
 
-void WriteTooLong(char* text, std::size_t size, std::size_t length, std::size_t limit) noexcept {
-    std::snprintf(text, size, "The command line has %zu characters, the limit is %zu", length, limit);
+void DescribeTooLong(std::size_t length, std::size_t limit, LaunchFailure& failure) noexcept {
+    failure.isTooLong = true;
+    std::snprintf(failure.text, sizeof failure.text, "The command line has %zu characters, the limit is %zu", length,
+                  limit);
 }
 
 }  // namespace platform

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "platform/process_launch.h"
+
 namespace platform {
 
 // The words of a command line as the C runtime of Windows gives them to a program. The first one is the program: quotes
@@ -41,8 +43,8 @@ std::size_t ProgramWordLength(std::string_view line) noexcept;
 // Whether the line asks the command interpreter: "cmd" or "cmd.exe", then "/c", in any case.
 bool IsInterpreterCall(const CommandWords& words) noexcept;
 
-// Writes "The command line has N characters, the limit is M".
-void WriteTooLong(char* text, std::size_t size, std::size_t length, std::size_t limit) noexcept;
+// "The command line has N characters, the limit is M".
+void DescribeTooLong(std::size_t length, std::size_t limit, LaunchFailure& failure) noexcept;
 
 }  // namespace platform
 

@@ -65,6 +65,7 @@ private:
 
 struct LaunchFailure {
     char text[1000];
+    bool isTooLong;  // the line, for the system
 };
 
 // Starts the program that a command line names, with its arguments as docs/commands.md tells. `input` serves as

@@ -83,8 +83,9 @@ int TAProcess::Launch(const ZELString& line) noexcept {
     if (!child) return Fail("Not enough memory");
     platform::ChildProcess process;
     platform::LaunchFailure failure;
-    const bool isStarted = platform::Launch(line, input, output, process, failure) ||
-                           platform::Launch(BatchLine(line), input, output, process, failure);
+    bool isStarted = platform::Launch(line, input, output, process, failure);
+    if (!isStarted && !failure.isTooLong)
+        isStarted = platform::Launch(BatchLine(line), input, output, process, failure);
     platform::ResetRemoteKill();
     if (!isStarted) return Fail(failure.text);
     _pid = process.Pid();

@@ -124,7 +124,7 @@ void ProcessTree::AwaitEnds() const noexcept {
     const Clock::time_point end = Clock::now() + std::chrono::seconds(2);
     for (const ProcessEntry& member : _members) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (member.self.pid != _caller) platform::AwaitProcessEnd(member.self, static_cast<int>(std::max(left, 0L)));
+        if (member.self.pid != _caller) platform::AwaitProcessEnd(member.self, left > 0 ? static_cast<int>(left) : 0);
     }
 }
 

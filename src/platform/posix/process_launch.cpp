@@ -127,15 +127,16 @@ void Reap(int pid) {
     RetryInterrupted([&] { return waitid(P_PID, static_cast<id_t>(pid), &about, WEXITED); });
 }
 
-void DescribeTooLong(const char* line, const ProgramPlan& plan, platform::LaunchFailure& failure) {
+void DescribeLimit(const char* line, const ProgramPlan& plan, platform::LaunchFailure& failure) {
     constexpr std::size_t LongestArgument = 131071;  // the kernel's MAX_ARG_STRLEN, without the terminator
     auto limit = static_cast<std::size_t>(sysconf(_SC_ARG_MAX));
     for (char** text = plan.arguments; *text != nullptr; ++text)
         if (std::strlen(*text) > LongestArgument) limit = LongestArgument;
-    platform::WriteTooLong(failure.text, sizeof failure.text, std::strlen(line), limit);
+    platform::DescribeTooLong(std::strlen(line), limit, failure);
 }
 
 void Describe(int error, platform::LaunchFailure& failure) {
+    failure.isTooLong = false;
     char room[sizeof failure.text];
     std::snprintf(failure.text, sizeof failure.text, "%s", strerror_r(error, room, sizeof room));
 }
@@ -219,7 +220,7 @@ bool Launch(const char* line, const ChildFile& input, const ChildFile& output, C
     }
     if (pid > 0) Reap(pid);
     if (started.error == E2BIG)
-        DescribeTooLong(line, plan, failure);
+        DescribeLimit(line, plan, failure);
     else
         Describe(started.error, failure);
     return false;

@@ -146,6 +146,7 @@ DWORD CreateChild(wchar_t* line, wchar_t* environment, const ChildFile& inputFil
 }
 
 void Describe(DWORD error, LaunchFailure& failure) {
+    failure.isTooLong = false;
     constexpr DWORD Flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
     if (FormatMessageA(Flags, nullptr, error, 0, failure.text, sizeof failure.text, nullptr) == 0)
         std::snprintf(failure.text, sizeof failure.text, "System error %lu", error);
@@ -201,7 +202,7 @@ bool Launch(const char* line, const ChildFile& input, const ChildFile& output, C
         return false;
     }
     if (wide.Length() > LongestLine) {
-        WriteTooLong(failure.text, sizeof failure.text, wide.Length(), LongestLine);
+        DescribeTooLong(wide.Length(), LongestLine, failure);
         return false;
     }
     PROCESS_INFORMATION created = {};

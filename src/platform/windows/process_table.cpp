@@ -42,8 +42,7 @@ bool ReadParent(HANDLE process, int& parent) {
     static const QueryInformation query = FindQuery();
     PROCESS_BASIC_INFORMATION about = {};
     if (query == nullptr || query(process, ProcessBasicInformation, &about, sizeof about, nullptr) < 0) return false;
-    // The system's header leaves the member without a name.
-    parent = static_cast<int>(reinterpret_cast<std::uintptr_t>(about.Reserved3));
+    parent = static_cast<int>(about.InheritedFromUniqueProcessId);
     return true;
 }
 
