@@ -9,8 +9,8 @@
 //
 // A tree is a process and its descendants, as far as they can be told: on Windows every process names its parent for
 // life; on Linux the children of a process that has ended belong to nobody, and escape. In a tree that is ended by
-// force, nobody can start a process unseen: on Linux every process is stopped before the first is killed. When the tree
-// holds the caller, the caller is killed last.
+// force, nobody can start a process unseen: on Linux all are stopped before the first is killed. When the tree holds
+// the caller, the caller is killed last.
 // Numbers that no process can have are refused. A process that has ended, although its parent was not told yet, counts
 // as gone. Between looking at a tree and killing in it, processes are told by their time of birth too: a number that
 // was given to somebody else meanwhile is never hit.

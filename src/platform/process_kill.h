@@ -12,9 +12,9 @@ namespace platform {
 // else by now, or when the system refuses.
 bool KillProcess(const ProcessIdentity& process, unsigned int exitCode) noexcept;
 
-// Keeps a process from starting others until it is killed (Linux: SIGSTOP; Windows: nothing, since there children can
-// be told by a parent that has ended).
-void HoldProcess(const ProcessIdentity& process) noexcept;
+// Keeps a process from starting others until it is killed (Linux: SIGSTOP). False when that failed, and where the
+// system has no such thing, as on Windows.
+bool HoldProcess(const ProcessIdentity& process) noexcept;
 
 // Sleeps until the process has ended, but no longer than that. True when it has.
 bool AwaitProcessEnd(const ProcessIdentity& process, int milliseconds) noexcept;

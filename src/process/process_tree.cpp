@@ -4,8 +4,8 @@
 //
 // The dangerous case is a tree that grows while it is looked at. When it will be killed by force, whoever enters is
 // held at once, and who is held starts nobody: so every look leaves fewer that can start others, and those that began
-// during one look are found by the next. Where processes cannot be held they keep naming their parent after its death,
-// and are found by another look behind the kill.
+// during one look are found by the next. Where processes cannot be held, a child names its parent beyond the parent's
+// death, so there whoever enters is killed at once.
 
 #include "process/process_tree.h"
 
@@ -63,35 +63,43 @@ bool ListProcesses(ProcessEntries& all) noexcept {
 
 namespace {
 
+bool End(const platform::ProcessIdentity& process, bool forceOnly) {
+    return forceOnly ? KillAndNote(process, ForcedExitCode) : EndPolitely(process) == 1;
+}
+
 class ProcessTree {
 public:
     explicit ProcessTree(bool forceOnly) noexcept : _forceOnly(forceOnly) {}
 
-    void Enter(const ProcessEntry& entry) noexcept {
-        if (!_members.Append(entry)) return;
-        if (_forceOnly && entry.self.pid != _caller) platform::HoldProcess(entry.self);
-    }
-    // Looks until nobody is added. False when the system lists no processes.
-    bool Grow() noexcept;
-    // Kills everybody but the caller, and who is started meanwhile.
-    void KillOthers() noexcept;
+    // By force, who cannot be held is killed at once.
+    void Enter(const ProcessEntry& entry) noexcept;
+    // Kills everybody but the caller, and who is started meanwhile. False when the system lists no processes.
+    bool KillOthers() noexcept;
     // Until everybody but the caller is gone, or the time is over.
     void AwaitEnds() const noexcept;
     void KillCaller() noexcept;
     bool IsKilled() const noexcept { return _killed == _members.Size(); }
 
 private:
+    // Enters the children of members. False when the system lists no processes.
+    bool Look() noexcept;
     void Consider(const ProcessEntry& entry) noexcept;
     void Kill(const ProcessEntry& entry) noexcept {
-        const bool isKilled = _forceOnly ? KillAndNote(entry.self, ForcedExitCode) : EndPolitely(entry.self) == 1;
-        if (isKilled) ++_killed;
+        if (End(entry.self, _forceOnly)) ++_killed;
     }
 
     const bool _forceOnly;
     const int _caller = platform::GetOwnProcessId();
     ProcessEntries _members;
+    ProcessEntries _toKill;
     int _killed = 0;
 };
+
+void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
+    if (!_members.Append(entry) || entry.self.pid == _caller) return;
+    const bool canWait = !_forceOnly || platform::HoldProcess(entry.self);
+    if (!canWait || !_toKill.Append(entry)) Kill(entry);
+}
 
 void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
     const ProcessEntry* const known = _members.Find(entry.self.pid);
@@ -100,23 +108,24 @@ void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
     if (parent != nullptr && CanBeChild(entry, *parent)) Enter(entry);
 }
 
-bool ProcessTree::Grow() noexcept {
+bool ProcessTree::Look() noexcept {
     const auto consider = [](const ProcessEntry& entry, void* tree) {
         static_cast<ProcessTree*>(tree)->Consider(entry);
     };
-    for (int before = -1; before != _members.Size();) {
-        before = _members.Size();
-        if (!platform::VisitProcesses(consider, this)) return false;
-    }
-    return true;
+    return platform::VisitProcesses(consider, this);
 }
 
-void ProcessTree::KillOthers() noexcept {
-    for (int next = 0; next < _members.Size();) {
-        for (; next < _members.Size(); ++next)
-            if (_members[next].self.pid != _caller) Kill(_members[next]);
-        if (!Grow()) return;
+bool ProcessTree::KillOthers() noexcept {
+    bool isListed = true;
+    int killed = 0;
+    for (int before = 0; isListed && before != _members.Size();) {
+        before = _members.Size();
+        isListed = Look();
+        // Who is asked may take its time, and must not keep the others from being asked.
+        if (!_forceOnly || !isListed || before == _members.Size())
+            for (; killed < _toKill.Size(); ++killed) Kill(_toKill[killed]);
     }
+    return isListed;
 }
 
 void ProcessTree::AwaitEnds() const noexcept {
@@ -139,18 +148,15 @@ int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexc
     ProcessEntry entry = {root, 0, false};
     const bool isThere =
         platform::ReadProcess(root.pid, entry) && !entry.hasEnded && (root.born == 0 || root.born == entry.self.born);
-    ProcessTree tree(forceOnly);
-    if (isThere) tree.Enter(entry);
-    if (!tree.Grow()) {  // nothing can be told about descendants
-        if (forceOnly)
-            KillAndNote(root, ForcedExitCode);
-        else
-            EndPolitely(root);
+    if (!isThere) {
+        const auto ignore = [](const ProcessEntry&, void*) {};
+        if (!platform::VisitProcesses(ignore, nullptr)) End(root, forceOnly);  // nobody at all is in sight
         return 1;
     }
-    if (!isThere) return 1;
-    tree.KillOthers();
+    ProcessTree tree(forceOnly);
+    tree.Enter(entry);
+    const bool isListed = tree.KillOthers();
     tree.AwaitEnds();
     tree.KillCaller();
-    return tree.IsKilled() ? 0 : 1;
+    return isListed && tree.IsKilled() ? 0 : 1;
 }

@@ -51,8 +51,8 @@ bool KillProcess(const ProcessIdentity& process, unsigned int) noexcept {
     return Signal(process, SIGKILL);
 }
 
-void HoldProcess(const ProcessIdentity& process) noexcept {
-    Signal(process, SIGSTOP);
+bool HoldProcess(const ProcessIdentity& process) noexcept {
+    return Signal(process, SIGSTOP);
 }
 
 // Looks again and again, more rarely as time goes by: needs no descriptor and bears a process of any parent.

@@ -50,7 +50,9 @@ bool KillProcess(const ProcessIdentity& identity, unsigned int exitCode) noexcep
     return process.IsOpen() && !HasEnded(process.Get()) && TerminateProcess(process.Get(), exitCode) != 0;
 }
 
-void HoldProcess(const ProcessIdentity&) noexcept {}
+bool HoldProcess(const ProcessIdentity&) noexcept {
+    return false;
+}
 
 bool AwaitProcessEnd(const ProcessIdentity& identity, int milliseconds) noexcept {
     const Handle process = Open(identity, 0);
