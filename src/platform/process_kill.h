@@ -12,8 +12,8 @@ namespace platform {
 // else by now, or when the system refuses.
 bool KillProcess(const ProcessIdentity& process, unsigned int exitCode) noexcept;
 
-// Keeps a process from starting others until it is killed (Linux: SIGSTOP). False when that failed, and where the
-// system has no such thing, as on Windows.
+// Keeps a process from starting others until it is killed (Linux: SIGSTOP; one that is starting somebody at this very
+// moment does so, and is stopped then). False when that failed, and where the system has no such thing, as on Windows.
 bool HoldProcess(const ProcessIdentity& process) noexcept;
 
 // Sleeps until the process has ended, but no longer than that. True when it has.

@@ -16,8 +16,9 @@ struct ProcessIdentity {
 
 struct ProcessEntry {
     ProcessIdentity self;
-    int parent;     // on Windows the parent may be gone
-    bool hasEnded;  // only what its parent or launcher has not asked for is left of it
+    int parent;      // on Windows the parent may be gone
+    bool hasEnded;   // only what its parent or launcher has not asked for is left of it
+    bool isStopped;  // it does nothing until somebody lets it go on (Linux)
 };
 
 // False, `entry` untouched, for a number that no process has, or one that may not be looked at.

@@ -16,6 +16,7 @@
 
 #include "TADiagnostics.h"
 #include "foundations/console.h"
+#include "process/process_tree.h"
 
 namespace {
 
@@ -49,7 +50,15 @@ struct TAProcessList::Entry {
         deadline = timeout != 0 ? std::time(nullptr) + timeout : 0;
         end = Clock::now() + std::chrono::seconds(timeout);
     }
-    bool IsLate(Clock::time_point now) const noexcept { return deadline != 0 && now >= end; }
+    bool IsLate(Clock::time_point now) const noexcept { return status == Running && deadline != 0 && now >= end; }
+    // A child that runs, which the process object keeps open: its number is nobody else's.
+    void AddRoot(ProcessEntries& roots) const noexcept {
+        platform::ProcessEntry root;
+        if (platform::ReadProcess(process.GetprocessID(), root) && !root.hasEnded) roots.Append(root);
+    }
+    void AddLate(Clock::time_point now, ProcessEntries& roots) const noexcept {
+        if (IsLate(now)) AddRoot(roots);
+    }
 };
 
 TAProcessList::TAProcessList() noexcept : TAProcessList(OwnLimit) {}
@@ -127,10 +136,12 @@ bool TAProcessList::CollectFinished() noexcept {
 bool TAProcessList::KillLate() noexcept {
     const int before = NDone();
     const Clock::time_point now = Clock::now();
+    ProcessEntries roots;
+    for (const int number : _running) (*_entries)[number]->AddLate(now, roots);
+    if (roots.Size() > 0) KillProcessTrees(roots);
     for (int position = NRunning(); position >= 1; --position) {
         Entry& entry = *(*_entries)[_running[position]];
-        if (entry.status != Running || !entry.IsLate(now)) continue;
-        entry.process.KillTree();
+        if (!entry.IsLate(now)) continue;
         int exitCode = 0;
         entry.process.Check(exitCode);
         // One that could not be killed is nobody's from here on, and goes when it ends.
@@ -199,16 +210,18 @@ int TAProcessList::GetReturnCode(int number) const noexcept {
 }
 
 int TAProcessList::KillInternalListOfProcess() noexcept {
+    ProcessEntries roots;
     for (int position = NRunning(); position >= 1; --position) {
         Entry& entry = *(*_entries)[_running[position]];
+        if (entry.status != Running) continue;
         int exitCode = 0;
-        if (entry.status != Running || entry.process.GetprocessID() < 1) continue;
         if (entry.process.Check(exitCode) == 0) {
-            entry.process.KillTree();
+            entry.AddRoot(roots);
             exitCode = KilledCode;
         }
         entry.status = Done;
         entry.returnCode = exitCode;
     }
+    if (roots.Size() > 0) KillProcessTrees(roots);
     return 0;
 }

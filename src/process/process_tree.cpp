@@ -4,14 +4,16 @@
 //
 // The dangerous case is a tree that grows while it is looked at. When it will be killed by force, whoever enters is
 // held at once, and who is held starts nobody: so every look leaves fewer that can start others, and those that began
-// during one look are found by the next. Where processes cannot be held, a child names its parent beyond the parent's
-// death, so there whoever enters is killed at once.
+// during one look are found by the next. The kill begins when a look met none but stopped members, since one that was
+// held in the midst of starting somebody finishes that first. Where processes cannot be held, a child names its parent
+// beyond the parent's death, so there whoever enters is killed at once.
 
 #include "process/process_tree.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <thread>
 
 #include "foundations/console.h"
 #include "platform/process_kill.h"
@@ -84,6 +86,9 @@ private:
     // Enters the children of members. False when the system lists no processes.
     bool Look() noexcept;
     void Consider(const ProcessEntry& entry) noexcept;
+    void KillWaiting() noexcept {
+        while (_next < _waiting.Size()) Kill(_waiting[_next++]);
+    }
     void Kill(const ProcessEntry& entry) noexcept {
         if (End(entry.self, _forceOnly)) ++_killed;
     }
@@ -91,19 +96,24 @@ private:
     const bool _forceOnly;
     const int _caller = platform::GetOwnProcessId();
     ProcessEntries _members;
-    ProcessEntries _toKill;
+    ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
+    int _next = 0;
     int _killed = 0;
+    bool _isMoving = false;  // the latest look met somebody who is held but not yet stopped
 };
 
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
     if (!_members.Append(entry) || entry.self.pid == _caller) return;
     const bool canWait = !_forceOnly || platform::HoldProcess(entry.self);
-    if (!canWait || !_toKill.Append(entry)) Kill(entry);
+    if (!canWait || !_waiting.Append(entry)) Kill(entry);
 }
 
 void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
     const ProcessEntry* const known = _members.Find(entry.self.pid);
-    if (known != nullptr && known->self.born == entry.self.born) return;
+    if (known != nullptr && known->self.born == entry.self.born) {
+        _isMoving = _isMoving || (!entry.isStopped && _waiting.Find(entry.self.pid) != nullptr);
+        return;
+    }
     const ProcessEntry* const parent = _members.Find(entry.parent);
     if (parent != nullptr && CanBeChild(entry, *parent)) Enter(entry);
 }
@@ -116,15 +126,22 @@ bool ProcessTree::Look() noexcept {
 }
 
 bool ProcessTree::KillOthers() noexcept {
+    constexpr int MostVainLooks = 50;  // somebody may be stuck in the system, where he starts nobody
     bool isListed = true;
-    int killed = 0;
-    for (int before = 0; isListed && before != _members.Size();) {
-        before = _members.Size();
+    for (int vainLooks = 0; vainLooks < MostVainLooks; ++vainLooks) {
+        const int before = _members.Size();
+        _isMoving = false;
         isListed = Look();
-        // Who is asked may take its time, and must not keep the others from being asked.
-        if (!_forceOnly || !isListed || before == _members.Size())
-            for (; killed < _toKill.Size(); ++killed) Kill(_toKill[killed]);
+        if (!_forceOnly) KillWaiting();
+        if (!isListed) break;
+        if (_members.Size() != before)
+            vainLooks = 0;
+        else if (!_forceOnly || !_isMoving)
+            break;
+        else
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+    KillWaiting();
     return isListed;
 }
 
@@ -145,7 +162,7 @@ void ProcessTree::KillCaller() noexcept {
 }  // namespace
 
 int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept {
-    ProcessEntry entry = {root, 0, false};
+    ProcessEntry entry = {root, 0, false, false};
     const bool isThere =
         platform::ReadProcess(root.pid, entry) && !entry.hasEnded && (root.born == 0 || root.born == entry.self.born);
     if (!isThere) {
@@ -159,4 +176,12 @@ int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexc
     tree.AwaitEnds();
     tree.KillCaller();
     return isListed && tree.IsKilled() ? 0 : 1;
+}
+
+void KillProcessTrees(const ProcessEntries& roots) noexcept {
+    ProcessTree tree(true);
+    for (const ProcessEntry& root : roots) tree.Enter(root);
+    tree.KillOthers();
+    tree.AwaitEnds();
+    tree.KillCaller();
 }

@@ -40,6 +40,9 @@ bool ListProcesses(ProcessEntries& all) noexcept;
 // As KillBaseProcessTree of TAProcessKill.h, for one certain process.
 int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept;
 
+// Ends several trees by force, together: most of the cost is in looking at all processes.
+void KillProcessTrees(const ProcessEntries& roots) noexcept;
+
 // Ends one process politely; as CloseOrKillPid of TAProcessKill.h.
 int EndPolitely(const platform::ProcessIdentity& process) noexcept;
 
