@@ -15,10 +15,14 @@ struct ProcessIdentity {
 };
 
 struct ProcessEntry {
+    // Whether it could start others at this moment: not when it is stopped; when it is blocked in the system, not soon.
+    // Windows does not tell: every process acts there.
+    enum Activity { Acts, IsBlocked, IsStopped };
+
     ProcessIdentity self;
-    int parent;      // on Windows the parent may be gone
-    bool hasEnded;   // only what its parent or launcher has not asked for is left of it
-    bool isStopped;  // it does nothing until somebody lets it go on (Linux)
+    int parent = 0;         // on Windows the parent may be gone
+    bool hasEnded = false;  // only what its parent or launcher has not asked for is left of it
+    Activity activity = Acts;
 };
 
 // False, `entry` untouched, for a number that no process has, or one that may not be looked at.

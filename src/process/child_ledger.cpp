@@ -127,7 +127,7 @@ void CloseChild(TAChild& child) noexcept {
 
 platform::ProcessIdentity IdentityOfChild(TAChild& child) noexcept {
     const std::lock_guard guard(TheLedger().lock);
-    platform::ProcessEntry entry = {{child.process.Pid(), 0}, 0, false, false};
+    platform::ProcessEntry entry = {{child.process.Pid(), 0}};
     if (!child.isOpen) return {0, 0};
     platform::ReadProcess(entry.self.pid, entry);
     return entry.self;

@@ -99,7 +99,7 @@ private:
     ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
     int _next = 0;
     int _killed = 0;
-    bool _isMoving = false;  // the latest look met somebody who is held but not yet stopped
+    ProcessEntry::Activity _activity = ProcessEntry::IsStopped;  // of the busiest that is held, at the latest look
 };
 
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
@@ -111,7 +111,7 @@ void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
 void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
     const ProcessEntry* const known = _members.Find(entry.self.pid);
     if (known != nullptr && known->self.born == entry.self.born) {
-        _isMoving = _isMoving || (!entry.isStopped && _waiting.Find(entry.self.pid) != nullptr);
+        if (entry.activity < _activity && _waiting.Find(entry.self.pid) != nullptr) _activity = entry.activity;
         return;
     }
     const ProcessEntry* const parent = _members.Find(entry.parent);
@@ -126,20 +126,22 @@ bool ProcessTree::Look() noexcept {
 }
 
 bool ProcessTree::KillOthers() noexcept {
-    constexpr int MostVainLooks = 50;  // somebody may be stuck in the system, where he starts nobody
+    // Looks in vain: who waits in the system, as for a child that became no program yet, may do so for ever.
+    constexpr int MostWhileBlocked = 5;
+    constexpr int MostWhileActing = 200;
     bool isListed = true;
-    for (int vainLooks = 0; vainLooks < MostVainLooks; ++vainLooks) {
+    for (int vainLooks = 0; isListed; ++vainLooks) {
         const int before = _members.Size();
-        _isMoving = false;
+        _activity = ProcessEntry::IsStopped;
         isListed = Look();
         if (!_forceOnly) KillWaiting();
-        if (!isListed) break;
-        if (_members.Size() != before)
+        if (_members.Size() != before) {
             vainLooks = 0;
-        else if (!_forceOnly || !_isMoving)
-            break;
-        else
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            continue;
+        }
+        const int most = _activity == ProcessEntry::Acts ? MostWhileActing : MostWhileBlocked;
+        if (!_forceOnly || _activity == ProcessEntry::IsStopped || vainLooks >= most) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     KillWaiting();
     return isListed;
@@ -162,7 +164,7 @@ void ProcessTree::KillCaller() noexcept {
 }  // namespace
 
 int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept {
-    ProcessEntry entry = {root, 0, false, false};
+    ProcessEntry entry = {root};
     const bool isThere =
         platform::ReadProcess(root.pid, entry) && !entry.hasEnded && (root.born == 0 || root.born == entry.self.born);
     if (!isThere) {

@@ -42,7 +42,8 @@ bool ParseStatus(const char* text, ProcessEntry& entry) {
     entry.parent = parent;
     entry.self.born = static_cast<std::int64_t>(started) + 1;  // 0 stands for unknown
     // Other threads go on when the first one of a process has ended.
-    entry.isStopped = state == 'T' || state == 't';
+    if (state == 'D') entry.activity = ProcessEntry::IsBlocked;
+    if (state == 'T' || state == 't') entry.activity = ProcessEntry::IsStopped;
     entry.hasEnded = (state == 'Z' || state == 'X') && threads <= 1;
     return true;
 }
@@ -52,7 +53,7 @@ bool ReadEntry(int folder, int pid, ProcessEntry& entry) {
     char name[32];
     std::snprintf(name, sizeof name, "%d/stat", pid);
     char text[1024];
-    ProcessEntry found = {{pid, 0}, 0, false, false};
+    ProcessEntry found = {{pid, 0}};
     if (!ReadText(folder, name, text, sizeof text) || !ParseStatus(text, found)) return false;
     entry = found;
     return true;

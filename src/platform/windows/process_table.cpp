@@ -72,7 +72,7 @@ bool ReadProcess(int pid, ProcessEntry& entry) noexcept {
     int parent = 0;
     if (!process.IsOpen() || !GetProcessTimes(process.Get(), &born, &ended, &kernel, &user)) return false;
     if (!ReadParent(process.Get(), parent)) return false;
-    entry = {{pid, Ticks(born)}, parent, WaitForSingleObject(process.Get(), 0) == WAIT_OBJECT_0, false};
+    entry = {{pid, Ticks(born)}, parent, WaitForSingleObject(process.Get(), 0) == WAIT_OBJECT_0};
     return true;
 }
 
