@@ -75,6 +75,17 @@ int SpawnTree(const Arguments& arguments) {
     return 0;
 }
 
+// Starts a child of the same kind every few milliseconds, up to `depth` levels below this one, each at most 20.
+int Breed(const Arguments& arguments) {
+    const int depth = Number(arguments, 0);
+    for (int child = 0; child < 20; ++child) {
+        if (depth > 0) StartAgain({"breed", std::to_string(depth - 1)});
+        Sleep(5);
+    }
+    Sleep(60000);
+    return 0;
+}
+
 int PrintDescriptors(const Arguments&) {
     for (const long descriptor : OpenDescriptors()) std::printf("%ld\n", descriptor);
     return 0;
@@ -104,10 +115,18 @@ const Verb verbs[] = {
     {"stubborn", "MS: the same, deaf to requests",
      [](const Arguments& arguments) { return AwaitPoliteRequest(true, Number(arguments, 0), SayReady) ? 7 : 0; }},
     {"tree", "WIDTH DEPTH MS: print the own pid, start WIDTH children to DEPTH, sleep", SpawnTree},
+    {"breed", "DEPTH: start children, that do the same, again and again", Breed},
     {"out", "COUNT: write so many bytes, a to z again and again, to standard output",
      [](const Arguments& arguments) { return WritePattern(stdout, Number(arguments, 0)); }},
     {"err", "COUNT: the same to standard error",
      [](const Arguments& arguments) { return WritePattern(stderr, Number(arguments, 0)); }},
+    {"both", "COUNT: write a block to each of the two in turn, until each has so many bytes",
+     [](const Arguments& arguments) {
+         std::setvbuf(stdout, nullptr, _IONBF, 0);
+         for (int left = Number(arguments, 0); left > 0; left -= 1000)
+             if (WritePattern(stdout, std::min(left, 1000)) + WritePattern(stderr, std::min(left, 1000)) != 0) return 1;
+         return 0;
+     }},
     {"copy", ": standard input to standard output", CopyInput},
     {"descriptors", ": print the open ones", PrintDescriptors},
 };

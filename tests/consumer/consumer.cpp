@@ -157,6 +157,14 @@ void Processes() {
         TAThread::WaitForAll();
     }
     Expect(count == 2 && lock.GetLock() == 1, "TAThreadLock");
+    TAProcess process;
+    int status = 0;
+    Expect(process.Start("no_such_program", 0) == 1 && process.Check(status) == 0 && status == 203, "TAProcess");
+    TAProcessList batch(2);
+    batch.Start("no_such_program", 1, -1);
+    Expect(batch.Check() == 1 && batch.NDone() == 1, "TAProcessList");
+    Expect(TAInsTaskList().TAInsCheckTask("no such directory", nullptr) == 0, "TAInsTaskList");
+    Expect(KillPid(0, 1) == 0 && KillBaseProcessTree(0, 1) == -1, "TAProcessKill");
     TACallbackPublisher publisher;
     Expect(publisher.SendCallback(nullptr) == 1, "TACallback");
     TARefCounter* const counter = new TARefCounter;

@@ -6,6 +6,8 @@
 #include <thread>
 
 #include "TAMutex.h"
+#include "TAProcess.h"
+#include "TAProcessKill.h"
 #include "TARefCounter.h"
 #include "TAThread.h"
 
@@ -39,6 +41,28 @@ int CountUnderMutex(const char* name, const char* path, int rounds) {
     return 0;
 }
 
+// Standard streams that are closed stay so: what a child gets goes to its own.
+int CopyWithoutStreams(const char* child, const char* in, const char* out) {
+    for (std::FILE* const stream : {stdin, stdout, stderr}) std::fclose(stream);
+    TAProcess process;
+    process.SetInput(in);
+    process.SetOutput(out);
+    int exitCode = 0;
+    const ZELString command = ZELString("\"") + child + "\" copy";
+    return process.Start(command, 0) != 0 || process.Wait(exitCode) != 0 ? 1 : exitCode;
+}
+
+// Prints the numbers of a tree that it starts, and kills all of it, itself included.
+int KillOwnTree(const char* child) {
+    TAProcess process;
+    process.Start(ZELString("\"") + child + "\" tree 2 1 60000", 0);
+    ZELListValZELString numbers;
+    while (numbers.Size() < 3) process.GetProcessTree(numbers);
+    for (const ZELString& number : numbers) std::puts(number);
+    std::fflush(stdout);
+    return KillBaseProcessTree(static_cast<unsigned long>(TAProcess::Getpid()), 1);
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -56,6 +80,8 @@ int main(int count, char** arguments) {
         std::fflush(stdout);
         std::_Exit(0);
     }
+    if (verb == "closed") return CopyWithoutStreams(arguments[2], arguments[3], arguments[4]);
+    if (verb == "kill") return KillOwnTree(arguments[2]);
     if (verb == "delete") {
         TARefCounter* const counter = new TARefCounter;
         counter->AddRef();

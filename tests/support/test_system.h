@@ -13,6 +13,23 @@ inline const std::string ClosedStream = "-";
 int RunAndWait(const std::string& name, const std::vector<std::string>& arguments, const std::string& outPath,
                const std::string& errPath);
 
+// Where the program `name` of the test's own folder stands, as a path of the system.
+std::string ProgramPath(const std::string& name);
+
+// Whether programs can be asked to end here, as far as the system and its display allow.
+bool CanAskPrograms();
+
+// For its life the process has the system throw away how its children end; false in `isIgnoring` where it cannot.
+class IgnoredChildren {
+public:
+    IgnoredChildren();
+    ~IgnoredChildren();
+    bool isIgnoring;
+};
+
+// How much of a long test is run where starting a program takes a millisecond (100) or hundreds of them.
+extern const int StormPercent;
+
 // A file of the system that takes no byte, and a place that reads but is no regular file; empty where there is none.
 extern const std::string FullDevice;
 extern const std::string EndlessDevice;

@@ -15,10 +15,27 @@
 
 const std::string FullDevice = "/dev/full";
 const std::string EndlessDevice = "/dev/zero";
+const int StormPercent = 100;
+
+std::string ProgramPath(const std::string& name) {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / name;
+}
+
+bool CanAskPrograms() {
+    return true;
+}
+
+IgnoredChildren::IgnoredChildren() : isIgnoring(true) {
+    signal(SIGCHLD, SIG_IGN);
+}
+
+IgnoredChildren::~IgnoredChildren() {
+    signal(SIGCHLD, SIG_DFL);
+}
 
 int RunAndWait(const std::string& name, const std::vector<std::string>& arguments, const std::string& outPath,
                const std::string& errPath) {
-    const std::string path = std::filesystem::read_symlink("/proc/self/exe").parent_path() / name;
+    const std::string path = ProgramPath(name);
     std::vector<char*> texts = {const_cast<char*>(path.c_str())};
     for (const std::string& argument : arguments) texts.push_back(const_cast<char*>(argument.c_str()));
     texts.push_back(nullptr);

@@ -8,11 +8,24 @@
 
 const std::string FullDevice;
 const std::string EndlessDevice = "NUL";
+const int StormPercent = 10;
+
+std::string ProgramPath(const std::string& name) {
+    return FolderOfThisProgram() + name + ".exe";
+}
+
+bool CanAskPrograms() {
+    return GetEnvironmentVariableA("ZEL_WINE_WINDOW", nullptr, 0) != 0;
+}
+
+IgnoredChildren::IgnoredChildren() : isIgnoring(false) {}
+
+IgnoredChildren::~IgnoredChildren() = default;
 
 namespace {
 
 std::string CommandLine(const std::string& name, const std::vector<std::string>& arguments) {
-    std::string line = Quoted(FolderOfThisProgram() + name + ".exe");
+    std::string line = Quoted(ProgramPath(name));
     for (const std::string& argument : arguments) line.append(1, ' ').append(Quoted(argument));
     return line;
 }

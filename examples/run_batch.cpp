@@ -1,0 +1,195 @@
+// run_batch: runs the commands of a file, one a line, several of them at once.
+//
+//     run_batch commands.txt
+//     run_batch --limit 8 --timeout 600 --output logs commands.txt
+//
+// Empty lines and lines that begin with "#" are left out. What the command in line 12 writes goes to the file 12.log in
+// the output directory, "run_batch" when none is named. A command that takes longer than the time-out, in seconds, is
+// killed with all that it started; so is every command on Ctrl-C.
+//
+// Exit code 0 when every command ended with 0, 1 when one did not, 2 for a wrong command line or a file that cannot be
+// read, 130 when the run was interrupted.
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "TADiagnostics.h"
+#include "TAFileName.h"
+#include "TAProcessList.h"
+#include "TATextUtilities.h"
+#include "YAVFStream.h"
+#include "ZELString.h"
+#include "support/progress.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct Options {
+    int limit = static_cast<int>(std::thread::hardware_concurrency());
+    int timeout = 0;
+    ZELString output = "run_batch";
+    ZELString file;
+};
+
+volatile std::sig_atomic_t interrupted = 0;
+
+struct Command {
+    int line;
+    ZELString text;
+    int number = 0;  // in the batch
+    int status = 0;  // of the batch: waiting, running, done
+    Clock::time_point begin;
+    double seconds = 0;
+    bool wasStarted = false;
+};
+
+enum : int { Waiting = 0, Running = 1, Done = 2 };
+constexpr int KilledForTime = 99;
+
+// False when the file cannot be read.
+bool ReadCommands(const ZELString& file, std::vector<Command>& commands) {
+    YAVIFStream stream(TAFileName(file).GetNativeName(), "r");
+    if (stream.isOpen() == 0) return false;
+    ZELString text;
+    for (int line = 1; stream.getline(text, '\n', 0) == 0; ++line) {
+        if (text.View().ends_with('\r')) text = ZELString(text.View().substr(0, text.View().size() - 1));
+        if (IsComment(text) == 0) commands.push_back({line, text, 0, Waiting, {}, 0, false});
+    }
+    return stream.ReadError() == 0;
+}
+
+class Batch {
+public:
+    Batch(std::vector<Command>& commands, const Options& options) : _commands(commands), _list(options.limit) {
+        // The list starts the newest first, and a file is read from its beginning.
+        for (auto command = commands.rbegin(); command != commands.rend(); ++command) {
+            const TAFileName log = TAFileName(options.output) + (toString(command->line) + ".log");
+            command->number = _list.Start(command->text, options.timeout, ZELString(log), -1);
+        }
+    }
+
+    void Run() {
+        Progress progress;
+        while (_list.NDone() < _list.Size()) {
+            if (interrupted != 0) {
+                _list.KillInternalListOfProcess();
+                _list.Check();
+                Look();
+                return;
+            }
+            if (_list.Check() != 0) Look();
+            progress.Show([&] {
+                return toString(_list.NDone()) + " of " + toString(_list.Size()) + " done, " +
+                       toString(_list.NRunning()) + " running, " + toString(Failed()) + " failed";
+            });
+            if (_list.NDone() < _list.Size()) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+
+    int Code(const Command& command) const { return _list.GetReturnCode(command.number); }
+    int Failed() const {
+        int failed = 0;
+        for (const Command& command : _commands) failed += command.status == Done && Code(command) != 0;
+        return failed;
+    }
+
+private:
+    // Notes when commands began and ended.
+    void Look() {
+        const Clock::time_point now = Clock::now();
+        for (Command& command : _commands) {
+            const int status = _list.GetStatus(command.number);
+            if (status == command.status) continue;
+            if (command.status == Waiting) {
+                command.begin = now;
+                command.wasStarted = status == Running;
+            }
+            if (status == Done) command.seconds = std::chrono::duration<double>(now - command.begin).count();
+            command.status = status;
+        }
+    }
+
+    std::vector<Command>& _commands;
+    TAProcessList _list;
+};
+
+void Report(const Batch& batch, const std::vector<Command>& commands, const Options& options) {
+    std::printf("   line   code  seconds              command\n");
+    for (const Command& command : commands) {
+        const bool isLate = options.timeout > 0 && batch.Code(command) == KilledForTime &&
+                            command.seconds >= static_cast<double>(options.timeout) * 0.9;
+        const char* const remark = command.status != Done       ? "not run"
+                                   : !command.wasStarted        ? "not found"
+                                   : isLate || interrupted != 0 ? "killed"
+                                                                : "";
+        std::printf("   %4d %6d %8.2f  %-9s   %s\n", command.line, batch.Code(command), command.seconds, remark,
+                    command.text.CastToCharPtr());
+    }
+    std::printf("\n   %d commands, %d failed\n", static_cast<int>(commands.size()), batch.Failed());
+    std::fflush(stdout);
+}
+
+int Usage(std::FILE* stream, int result) {
+    std::fputs("usage: run_batch [--limit N] [--timeout SECONDS] [--output DIRECTORY] FILE\n", stream);
+    return result;
+}
+
+bool ReadNumber(const char* text, int least, int& number) {
+    char* end = nullptr;
+    const long value = std::strtol(text, &end, 10);
+    if (*text == '\0' || *end != '\0' || value < least || value > 1000000) return false;
+    number = static_cast<int>(value);
+    return true;
+}
+
+// False for a command line that makes no sense.
+bool Read(int argc, char** argv, Options& options) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument(argv[i]);
+        const char* const value = i + 1 < argc ? argv[i + 1] : "";
+        if (argument == "--limit" || argument == "--timeout") {
+            const bool isLimit = argument == "--limit";
+            if (!ReadNumber(value, isLimit ? 1 : 0, isLimit ? options.limit : options.timeout)) return false;
+            ++i;
+        } else if (argument == "--output" && *value != '\0') {
+            options.output = value;
+            ++i;
+        } else if (argument.starts_with("-") || options.file.Length() > 0) {
+            return false;
+        } else {
+            options.file = argv[i];
+        }
+    }
+    return options.file.Length() > 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) return Usage(stdout, 0);
+    if (!Read(argc, argv, options)) return Usage(stderr, 2);
+    std::vector<Command> commands;
+    if (!ReadCommands(options.file, commands)) {
+        TraceStdErr(ZELString("run_batch: cannot read ") + options.file);
+        return 2;
+    }
+    if (TAFileName(options.output).CreateRecursiveDirectory() != 0) {
+        TraceStdErr(ZELString("run_batch: cannot make the directory ") + options.output);
+        return 2;
+    }
+    for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, [](int) { interrupted = 1; });
+
+    Trace(ZELString("run_batch ") + options.file, 1);
+    Batch batch(commands, options);
+    batch.Run();
+    Report(batch, commands, options);
+    return interrupted != 0 ? 130 : batch.Failed() == 0 ? 0 : 1;
+}

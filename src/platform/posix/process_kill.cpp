@@ -1,0 +1,91 @@
+// Signals. A process is held by a descriptor of its own while its identity is compared, so that its number cannot be
+// given to another in between; a kernel without such descriptors leaves a gap of microseconds.
+//
+// The dangerous case is a number that stands for more than one process: 0 and negative ones never reach the system.
+
+#include "platform/process_kill.h"
+
+#include <signal.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "platform/posix/descriptor.h"
+
+namespace {
+
+using platform::ProcessEntry;
+using platform::ProcessIdentity;
+
+bool IsAlive(const ProcessIdentity& process) {
+    ProcessEntry entry;
+    if (!platform::ReadProcess(process.pid, entry) || entry.hasEnded) return false;
+    return process.born == 0 || entry.self.born == process.born;
+}
+
+// In a root directory without /proc nobody's identity can be told, and numbers are all there is.
+bool IsBlind() {
+    ProcessEntry own;
+    return !platform::ReadProcess(getpid(), own);
+}
+
+bool Signal(const ProcessIdentity& process, int signal) {
+    if (process.pid <= 0) return false;
+    // Opened before the look: when the look finds the right process, the descriptor cannot stand for a later one.
+    const platform::Descriptor held(static_cast<int>(syscall(SYS_pidfd_open, process.pid, 0)));
+    const bool isNone = !held.IsOpen() && (errno == ESRCH || errno == EINVAL || errno == ENOENT);  // or a thread
+    if (isNone || !(IsAlive(process) || (process.born == 0 && IsBlind()))) return false;
+    if (held.IsOpen()) return syscall(SYS_pidfd_send_signal, held.Number(), signal, nullptr, 0) == 0;
+    return kill(process.pid, signal) == 0;
+}
+
+}  // namespace
+
+namespace platform {
+
+bool KillProcess(const ProcessIdentity& process, unsigned int) noexcept {
+    return Signal(process, SIGKILL);
+}
+
+bool HoldProcess(const ProcessIdentity& process) noexcept {
+    return Signal(process, SIGSTOP);
+}
+
+// Looks again and again, more rarely as time goes by: needs no descriptor and bears a process of any parent.
+bool AwaitProcessEnd(const ProcessIdentity& process, int milliseconds) noexcept {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    std::chrono::microseconds pause(50);
+    constexpr std::chrono::microseconds LongestPause(10000);
+    while (IsAlive(process)) {
+        if (Clock::now() >= end) return false;
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, LongestPause);
+    }
+    return true;
+}
+
+void VisitWindows(int (*visit)(HWND window, unsigned long pid), unsigned long pid) noexcept {
+    visit(nullptr, pid);
+}
+
+Answer AskToEnd(HWND window, const ProcessIdentity& process) noexcept {
+    constexpr int TimeToEnd = 5000;
+    if (window != nullptr || !Signal(process, SIGTERM)) return Answer::NotIts;
+    return AwaitProcessEnd(process, TimeToEnd) ? Answer::Ended : Answer::Stays;
+}
+
+// Rights are the user's here; there is nothing to switch on.
+DebugPrivilege::DebugPrivilege() noexcept = default;
+DebugPrivilege::~DebugPrivilege() = default;
+void DebugPrivilege::Keep() noexcept {}
+
+bool SetTokenPrivilege(void*, const unsigned short*, bool) noexcept {
+    return false;
+}
+
+}  // namespace platform

@@ -1,0 +1,36 @@
+// Programs are named by the kernel's device paths, so the drive of a directory is turned into its device.
+
+#include "platform/process_image.h"
+
+#include <windows.h>
+//
+#include <psapi.h>
+
+#include <cstdlib>
+#include <cstring>
+
+bool platform::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
+    const HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, static_cast<DWORD>(pid));
+    if (process == nullptr) return false;
+    const DWORD length = GetProcessImageFileNameA(process, path, ImagePathSize);
+    CloseHandle(process);
+    path[ImagePathSize - 1] = '\0';
+    return length != 0;
+}
+
+bool platform::MakeImagePrefix(const char* directory, char*& prefix) noexcept {
+    const bool hasDrive = directory[0] != '\0' && directory[1] == ':';
+    const char device[3] = {directory[0], ':', '\0'};
+    char target[2048];
+    // A network path begins with two backslashes, of which the device brings one along.
+    if (QueryDosDeviceA(hasDrive ? device : "UNC", target, sizeof target) == 0) return false;
+    const char* const rest = directory + (hasDrive ? 2 : 1);
+    const std::size_t targetSize = std::strlen(target);
+    const std::size_t restSize = std::strlen(rest);
+    prefix = static_cast<char*>(std::malloc(targetSize + restSize + 2));
+    if (prefix == nullptr) return false;
+    std::memcpy(prefix, target, targetSize);
+    std::memcpy(prefix + targetSize, rest, restSize);
+    std::memcpy(prefix + targetSize + restSize, "\\", 2);
+    return true;
+}

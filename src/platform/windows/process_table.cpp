@@ -1,0 +1,113 @@
+// What the system tells of its processes, one by one. A process names its parent for life, and a process that has ended
+// stays in sight as long as somebody holds a handle to it.
+
+#include "platform/process_table.h"
+
+#include <windows.h>
+//
+#include <psapi.h>
+#include <winternl.h>
+
+#include <cstdlib>
+#include <ctime>
+
+#include "foundations/console.h"
+#include "platform/windows/handle.h"
+
+namespace {
+
+using platform::Handle;
+using platform::ProcessEntry;
+
+using QueryInformation = NTSTATUS(NTAPI*)(HANDLE, PROCESSINFOCLASS, PVOID, ULONG, PULONG);
+
+QueryInformation FindQuery() {
+    return reinterpret_cast<QueryInformation>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll"), "NtQueryInformationProcess")));
+}
+
+std::int64_t Ticks(const FILETIME& time) {
+    return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+}
+
+// The system ignores the lowest bits of a number when it opens a process.
+Handle OpenForLook(int pid) {
+    if (pid <= 0) return Handle();
+    Handle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE, static_cast<DWORD>(pid)));
+    const bool isIt = process.IsOpen() && GetProcessId(process.Get()) == static_cast<DWORD>(pid);
+    return isIt ? std::move(process) : Handle();
+}
+
+bool ReadParent(HANDLE process, int& parent) {
+    static const QueryInformation query = FindQuery();
+    PROCESS_BASIC_INFORMATION about = {};
+    if (query == nullptr || query(process, ProcessBasicInformation, &about, sizeof about, nullptr) < 0) return false;
+    parent = static_cast<int>(about.InheritedFromUniqueProcessId);
+    return true;
+}
+
+// The list of all numbers, malloc'd; null on failure.
+DWORD* ListNumbers(std::size_t& count) {
+    constexpr std::size_t First = 1024;
+    for (std::size_t room = First;; room *= 2) {
+        const std::size_t size = room * sizeof(DWORD);
+        auto* const numbers = static_cast<DWORD*>(std::malloc(size));
+        if (numbers == nullptr) ReportAllocFailure("ProcessTable", size);
+        DWORD used = 0;
+        const bool isListed = numbers != nullptr && EnumProcesses(numbers, static_cast<DWORD>(size), &used);
+        count = used / sizeof(DWORD);
+        if (isListed && count < room) return numbers;
+        std::free(numbers);
+        if (!isListed) return nullptr;
+    }
+}
+
+}  // namespace
+
+namespace platform {
+
+bool ReadProcess(int pid, ProcessEntry& entry) noexcept {
+    const Handle process = OpenForLook(pid);
+    FILETIME born, ended, kernel, user;
+    int parent = 0;
+    if (!process.IsOpen() || !GetProcessTimes(process.Get(), &born, &ended, &kernel, &user)) return false;
+    if (!ReadParent(process.Get(), parent)) return false;
+    entry = {{pid, Ticks(born)}, parent, WaitForSingleObject(process.Get(), 0) == WAIT_OBJECT_0};
+    return true;
+}
+
+bool VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
+    std::size_t count = 0;
+    DWORD* const numbers = ListNumbers(count);
+    if (numbers == nullptr) return false;
+    for (std::size_t i = 0; i < count; ++i) {
+        ProcessEntry entry;
+        if (ReadProcess(static_cast<int>(numbers[i]), entry) && !entry.hasEnded) visit(entry, context);
+    }
+    std::free(numbers);
+    return true;
+}
+
+bool GetStartTime(int pid, std::int64_t& seconds) noexcept {
+    const Handle process = OpenForLook(pid);
+    FILETIME born, ended, kernel, user, local;
+    SYSTEMTIME fields;
+    TIME_ZONE_INFORMATION zone;
+    if (!process.IsOpen() || !GetProcessTimes(process.Get(), &born, &ended, &kernel, &user)) return false;
+    if (!FileTimeToLocalFileTime(&born, &local) || !FileTimeToSystemTime(&local, &fields)) return false;
+    if (GetTimeZoneInformation(&zone) == TIME_ZONE_ID_INVALID) return false;
+    const int hours = static_cast<int>(zone.Bias + zone.DaylightBias) / 60;
+    std::tm calendar = {};
+    calendar.tm_sec = fields.wSecond;
+    calendar.tm_min = fields.wMinute;
+    calendar.tm_hour = fields.wHour - hours;
+    calendar.tm_mday = fields.wDay;
+    calendar.tm_mon = fields.wMonth - 1;
+    calendar.tm_year = fields.wYear - 1900;
+    calendar.tm_wday = fields.wDayOfWeek;
+    calendar.tm_isdst = -1;
+    seconds = _mktime64(&calendar);
+    return true;
+}
+
+}  // namespace platform

@@ -1,0 +1,171 @@
+// A process object is a number, the share in a child that the ledger keeps, and the texts. Objects that stand for
+// somebody else's process keep its birth instead.
+//
+// The dangerous case is a number that outlives its process: once an object's child is closed, by it or by a copy, the
+// object's number is for reading only.
+
+#include "TAProcess.h"
+
+#include <cstdlib>
+#include <utility>
+
+#include "TADiagnostics.h"
+#include "TATextUtilities.h"
+#include "platform/process_kill.h"
+#include "platform/system.h"
+#include "process/child_ledger.h"
+#include "process/process_tree.h"
+
+namespace {
+
+enum Status { NoChild = 201, CannotTell = 202, NoProcess = 203, StillRuns = 259 };
+
+constexpr const char* CannotTellMessage = "Unable to get child process indormation";
+constexpr unsigned int KillCode = 99;
+
+// The line that is tried when the first one names no program: that of a batch file.
+ZELString BatchLine(ZELString line) {
+    ZELListValZELString words;
+    Split(line, words);
+    words[1] += ".bat";
+    ToLine(words, line);
+    return line;
+}
+
+}  // namespace
+
+struct TAProcess::Target {
+    platform::ProcessIdentity process;  // pid 0 when the object stands for nobody who could be hit
+    bool isOver;
+};
+
+TAProcess::TAProcess() noexcept : _message("no error") {}
+
+TAProcess::TAProcess(int& pid) noexcept : _message("no error"), _pid(pid) {
+    platform::ProcessEntry entry;
+    if (platform::ReadProcess(pid, entry)) _born = entry.self.born;
+}
+
+TAProcess::TAProcess(const TAProcess&) noexcept = default;
+TAProcess& TAProcess::operator=(const TAProcess&) noexcept = default;
+TAProcess::~TAProcess() = default;
+
+int TAProcess::Fail(const char* reason, const ZELString& detail) noexcept {
+    _message = reason + detail;
+    return 1;
+}
+
+int TAProcess::SetOutput(ZELString path) noexcept {
+    _output = std::move(path);
+    return 0;
+}
+
+int TAProcess::SetInput(ZELString path) noexcept {
+    _input = std::move(path);
+    return 0;
+}
+
+int TAProcess::Start(ZELString command, int) noexcept {
+    const ZELString line = command.FindPosition(".bat") >= 0 ? "cmd /c " + command : std::move(command);
+    if (line.View().find_first_not_of(' ') == std::string_view::npos)
+        return Fail("No command given, no process started");
+    ReapDroppedChildren();
+    if (Launch(line) == 0) return 0;
+    _pid = 0;
+    return 1;
+}
+
+int TAProcess::Launch(const ZELString& line) noexcept {
+    platform::ChildFile input, output;
+    if (_output.Length() > 0 && !output.OpenForWriting(_output)) return Fail("Unable to redirect output in ", _output);
+    if (_input.Length() > 0 && !input.OpenForReading(_input)) return Fail("Unable to redirect input in ", _input);
+    std::shared_ptr<TAChild> child = MakeChild();
+    if (!child) return Fail("Not enough memory");
+    platform::ChildProcess process;
+    platform::LaunchFailure failure;
+    bool isStarted = platform::Launch(line, input, output, process, failure);
+    if (!isStarted && !failure.isTooLong)
+        isStarted = platform::Launch(BatchLine(line), input, output, process, failure);
+    platform::ResetRemoteKill();
+    if (!isStarted) return Fail(failure.text);
+    _pid = process.Pid();
+    _born = 0;
+    EnterChild(child, std::move(process));
+    _child = std::move(child);
+    return 0;
+}
+
+int TAProcess::Check(int& status) noexcept {
+    status = NoProcess;
+    if (_pid == 0) return 0;
+    status = NoChild;
+    if (!_child) return 1;
+    const ChildState state = LookAtChild(*_child, status);
+    if (state == ChildState::NotOpen || state == ChildState::Untold) {
+        status = CannotTell;
+        return Fail(CannotTellMessage);
+    }
+    if (state == ChildState::Running) status = StillRuns;
+    if (status == StillRuns) return 0;
+    CloseChild(*_child);
+    _child.reset();
+    return 1;
+}
+
+int TAProcess::Wait(int& exitCode) noexcept {
+    const std::shared_ptr<TAChild> child = _child;  // this object may be given another one meanwhile
+    const ChildState state = child ? AwaitChild(*child, exitCode) : ChildState::NotOpen;
+    if (state == ChildState::Over) return 0;
+    if (state == ChildState::NotOpen) return Fail("Unable to wait for child process");
+    exitCode = CannotTell;
+    return Fail(CannotTellMessage);
+}
+
+TAProcess::Target TAProcess::TheTarget() const noexcept {
+    if (!_child) return {{_born != 0 ? _pid : 0, _born}, false};
+    int exitCode = 0;
+    const ChildState state = LookAtChild(*_child, exitCode);
+    return {IdentityOfChild(*_child), state == ChildState::Over};
+}
+
+int TAProcess::Kill() noexcept {
+    if (KillAndNote(TheTarget().process, KillCode) || TheTarget().isOver) return 0;
+    return Fail("Unable to get child process handle");
+}
+
+int TAProcess::KillTree() noexcept {
+    if (_pid == 0) return -1;
+    const platform::ProcessIdentity root = TheTarget().process;
+    if (root.pid == 0) return 1;
+    const platform::DebugPrivilege privilege;
+    return KillProcessTree(root, true);
+}
+
+int TAProcess::GetProcessTree(ZELListValZELString& list) noexcept {
+    if (_pid == 0) return -1;
+    if (list.Size() == 0) list.Append(toString(_pid));
+    platform::DebugPrivilege privilege;
+    privilege.Keep();
+    ProcessEntries all;
+    if (!ListProcesses(all)) KillAndNote(TheTarget().process, ForcedExitCode);
+    for (const platform::ProcessEntry& entry : all) {
+        const ZELString number = toString(entry.self.pid);
+        if (list.Locate(number) != 0 || list.Locate(toString(entry.parent)) == 0) continue;
+        const platform::ProcessEntry* const parent = all.Find(entry.parent);
+        if (parent == nullptr || CanBeChild(entry, *parent)) list.Append(number);
+    }
+    return 0;
+}
+
+int TAProcess::Getpid() noexcept {
+    return platform::GetOwnProcessId();
+}
+
+int TAProcess::Exec(ZELString command) noexcept {
+    const int result = std::system(command);
+    return result < 256 ? result : result / 256;
+}
+
+int TAProcess::ZombiClean() noexcept {
+    return 0;
+}

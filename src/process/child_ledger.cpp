@@ -1,0 +1,150 @@
+// A list of open children under one lock. The system keeps a child's entry, and with it the child's number, until the
+// ledger gives it back, so an open child's number never stands for anybody else. Nobody else's children are asked for.
+//
+// Starting, looking and closing cost a constant; a kill and the search for dropped children go through the list.
+// The dangerous case is a thread that waits, without the lock, while another one closes the child: the entry is then
+// given back by the last one that waits.
+
+#include "process/child_ledger.h"
+
+#include <mutex>
+#include <new>
+#include <utility>
+
+#include "foundations/console.h"
+#include "platform/process_kill.h"
+
+namespace {
+
+struct Ledger {
+    std::mutex lock;
+    TAChild* first = nullptr;
+
+    TAChild* Find(int pid) const noexcept {
+        for (TAChild* child = first; child != nullptr; child = child->next)
+            if (child->process.Pid() == pid) return child;
+        return nullptr;
+    }
+    void Link(TAChild& child) noexcept {
+        child.next = first;
+        if (first != nullptr) first->previous = &child;
+        first = &child;
+    }
+    void Unlink(TAChild& child) noexcept {
+        (child.previous != nullptr ? child.previous->next : first) = child.next;
+        if (child.next != nullptr) child.next->previous = child.previous;
+        child.next = child.previous = nullptr;
+    }
+};
+
+Ledger& TheLedger() noexcept {
+    alignas(Ledger) static unsigned char room[sizeof(Ledger)];
+    static Ledger* const made = new (room) Ledger;
+    return *made;
+}
+
+// All functions from here to the end of the namespace run under the lock.
+
+int ExitCodeOf(const TAChild& child, const platform::ChildEnd& end) noexcept {
+    if (end.how == platform::ChildEnd::Killed && child.wasKilled) return child.killCode;
+    if (end.how == platform::ChildEnd::AskedToEnd && child.wasAsked) return static_cast<int>(ForcedExitCode);
+    return end.code;
+}
+
+ChildState Look(TAChild& child) noexcept {
+    if (child.isOver) return ChildState::Over;
+    platform::ChildEnd end;
+    if (!child.process.GetEnd(end)) return ChildState::Untold;
+    if (end.how == platform::ChildEnd::Running) return ChildState::Running;
+    child.isOver = true;
+    child.exitCode = ExitCodeOf(child, end);
+    return ChildState::Over;
+}
+
+// Gives the system's entry back and ends the ledger's share in the child, which `child` may be the last to hold.
+void GiveBack(TAChild& child) noexcept {
+    child.process.Close();
+    TheLedger().Unlink(child);
+    std::shared_ptr<TAChild>(std::move(child.self)).reset();
+}
+
+}  // namespace
+
+std::shared_ptr<TAChild> MakeChild() noexcept {
+    try {
+        return std::make_shared<TAChild>();
+    } catch (const std::bad_alloc&) {
+        ReportAllocFailure("TAProcess", sizeof(TAChild));
+        return nullptr;
+    }
+}
+
+void EnterChild(const std::shared_ptr<TAChild>& child, platform::ChildProcess process) noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    child->process = std::move(process);
+    child->isOpen = true;
+    child->self = child;
+    TheLedger().Link(*child);
+}
+
+void ReapDroppedChildren() noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    for (TAChild *child = TheLedger().first, *next = nullptr; child != nullptr; child = next) {
+        next = child->next;
+        if (child->self.use_count() == 1 && Look(*child) != ChildState::Running) GiveBack(*child);
+    }
+}
+
+ChildState LookAtChild(TAChild& child, int& exitCode) noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    if (!child.isOpen) return ChildState::NotOpen;
+    const ChildState state = Look(child);
+    if (state == ChildState::Over) exitCode = child.exitCode;
+    return state;
+}
+
+ChildState AwaitChild(TAChild& child, int& exitCode) noexcept {
+    std::unique_lock guard(TheLedger().lock);
+    if (!child.isOpen) return ChildState::NotOpen;
+    if (!child.isOver) {
+        ++child.waiters;
+        guard.unlock();
+        child.process.AwaitEnd();
+        guard.lock();
+        --child.waiters;
+    }
+    const ChildState state = Look(child);
+    if (state == ChildState::Over) exitCode = child.exitCode;
+    if (!child.isOpen && child.waiters == 0 && child.self) GiveBack(child);
+    return state;
+}
+
+void CloseChild(TAChild& child) noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    child.isOpen = false;
+    if (child.waiters == 0 && child.self) GiveBack(child);
+}
+
+platform::ProcessIdentity IdentityOfChild(TAChild& child) noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    platform::ProcessEntry entry = {{child.process.Pid(), 0}};
+    if (!child.isOpen) return {0, 0};
+    platform::ReadProcess(entry.self.pid, entry);
+    return entry.self;
+}
+
+bool KillAndNote(const platform::ProcessIdentity& process, unsigned int exitCode) noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    if (!platform::KillProcess(process, exitCode)) return false;
+    TAChild* const child = TheLedger().Find(process.pid);
+    if (child == nullptr || child->wasKilled) return true;
+    child->wasKilled = true;
+    child->killCode = static_cast<int>(exitCode);
+    return true;
+}
+
+void NoteRequest(const platform::ProcessIdentity& process) noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    TAChild* const child = TheLedger().Find(process.pid);
+    if (child != nullptr) child->wasAsked = true;
+}

@@ -1,0 +1,189 @@
+// A tree is gathered by looking through all processes again and again, until a look adds nobody; each look costs a few
+// microseconds for every process of the machine. Parents enter in front of their children, and are killed in that
+// order.
+//
+// The dangerous case is a tree that grows while it is looked at. When it will be killed by force, whoever enters is
+// held at once, and who is held starts nobody: so every look leaves fewer that can start others, and those that began
+// during one look are found by the next. The kill begins when a look met none but stopped members, since one that was
+// held in the midst of starting somebody finishes that first. Where processes cannot be held, a child names its parent
+// beyond the parent's death, so there whoever enters is killed at once.
+
+#include "process/process_tree.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include "foundations/console.h"
+#include "platform/process_kill.h"
+#include "platform/system.h"
+#include "process/child_ledger.h"
+
+using platform::ProcessEntry;
+
+ProcessEntries::~ProcessEntries() {
+    std::free(_entries);
+}
+
+bool ProcessEntries::Append(const ProcessEntry& entry) noexcept {
+    if (_size == _room) {
+        constexpr int First = 64;
+        const int room = _room == 0 ? First : 2 * _room;
+        const std::size_t size = static_cast<std::size_t>(room) * sizeof(ProcessEntry);
+        auto* const moved = static_cast<ProcessEntry*>(std::realloc(_entries, size));
+        if (moved == nullptr) {
+            ReportAllocFailure("ProcessEntries", size);
+            return false;
+        }
+        _entries = moved;
+        _room = room;
+    }
+    _entries[_size++] = entry;
+    return true;
+}
+
+const ProcessEntry* ProcessEntries::Find(int pid) const noexcept {
+    for (int i = _size - 1; i >= 0; --i)
+        if (_entries[i].self.pid == pid) return &_entries[i];
+    return nullptr;
+}
+
+void ProcessEntries::Sort() noexcept {
+    std::sort(_entries, _entries + _size, [](const ProcessEntry& left, const ProcessEntry& right) {
+        if (left.self.born != right.self.born) return left.self.born < right.self.born;
+        return left.self.pid < right.self.pid;
+    });
+}
+
+bool ListProcesses(ProcessEntries& all) noexcept {
+    const auto append = [](const ProcessEntry& entry, void* to) { static_cast<ProcessEntries*>(to)->Append(entry); };
+    const bool isListed = platform::VisitProcesses(append, &all);
+    all.Sort();
+    return isListed;
+}
+
+namespace {
+
+bool End(const platform::ProcessIdentity& process, bool forceOnly) {
+    return forceOnly ? KillAndNote(process, ForcedExitCode) : EndPolitely(process) == 1;
+}
+
+class ProcessTree {
+public:
+    explicit ProcessTree(bool forceOnly) noexcept : _forceOnly(forceOnly) {}
+
+    // By force, who cannot be held is killed at once.
+    void Enter(const ProcessEntry& entry) noexcept;
+    // Kills everybody but the caller, and who is started meanwhile. False when the system lists no processes.
+    bool KillOthers() noexcept;
+    // Until everybody but the caller is gone, or the time is over.
+    void AwaitEnds() const noexcept;
+    void KillCaller() noexcept;
+    bool IsKilled() const noexcept { return _killed == _members.Size(); }
+
+private:
+    // Enters the children of members. False when the system lists no processes.
+    bool Look() noexcept;
+    void Consider(const ProcessEntry& entry) noexcept;
+    void KillWaiting() noexcept {
+        while (_next < _waiting.Size()) Kill(_waiting[_next++]);
+    }
+    void Kill(const ProcessEntry& entry) noexcept {
+        if (End(entry.self, _forceOnly)) ++_killed;
+    }
+
+    const bool _forceOnly;
+    const int _caller = platform::GetOwnProcessId();
+    ProcessEntries _members;
+    ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
+    int _next = 0;
+    int _killed = 0;
+    ProcessEntry::Activity _activity = ProcessEntry::IsStopped;  // of the busiest that is held, at the latest look
+};
+
+void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
+    if (!_members.Append(entry) || entry.self.pid == _caller) return;
+    const bool canWait = !_forceOnly || platform::HoldProcess(entry.self);
+    if (!canWait || !_waiting.Append(entry)) Kill(entry);
+}
+
+void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
+    const ProcessEntry* const known = _members.Find(entry.self.pid);
+    if (known != nullptr && known->self.born == entry.self.born) {
+        if (entry.activity < _activity && _waiting.Find(entry.self.pid) != nullptr) _activity = entry.activity;
+        return;
+    }
+    const ProcessEntry* const parent = _members.Find(entry.parent);
+    if (parent != nullptr && CanBeChild(entry, *parent)) Enter(entry);
+}
+
+bool ProcessTree::Look() noexcept {
+    const auto consider = [](const ProcessEntry& entry, void* tree) {
+        static_cast<ProcessTree*>(tree)->Consider(entry);
+    };
+    return platform::VisitProcesses(consider, this);
+}
+
+bool ProcessTree::KillOthers() noexcept {
+    // Looks in vain: who waits in the system, as for a child that became no program yet, may do so for ever.
+    constexpr int MostWhileBlocked = 5;
+    constexpr int MostWhileActing = 200;
+    bool isListed = true;
+    for (int vainLooks = 0; isListed; ++vainLooks) {
+        const int before = _members.Size();
+        _activity = ProcessEntry::IsStopped;
+        isListed = Look();
+        if (!_forceOnly) KillWaiting();
+        if (_members.Size() != before) {
+            vainLooks = 0;
+            continue;
+        }
+        const int most = _activity == ProcessEntry::Acts ? MostWhileActing : MostWhileBlocked;
+        if (!_forceOnly || _activity == ProcessEntry::IsStopped || vainLooks >= most) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    KillWaiting();
+    return isListed;
+}
+
+void ProcessTree::AwaitEnds() const noexcept {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + std::chrono::seconds(2);
+    for (const ProcessEntry& member : _members) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+        if (member.self.pid != _caller) platform::AwaitProcessEnd(member.self, left > 0 ? static_cast<int>(left) : 0);
+    }
+}
+
+void ProcessTree::KillCaller() noexcept {
+    const ProcessEntry* const caller = _members.Find(_caller);
+    if (caller != nullptr) Kill(*caller);
+}
+
+}  // namespace
+
+int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept {
+    ProcessEntry entry = {root};
+    const bool isThere =
+        platform::ReadProcess(root.pid, entry) && !entry.hasEnded && (root.born == 0 || root.born == entry.self.born);
+    if (!isThere) {
+        const auto ignore = [](const ProcessEntry&, void*) {};
+        if (!platform::VisitProcesses(ignore, nullptr)) End(root, forceOnly);  // nobody at all is in sight
+        return 1;
+    }
+    ProcessTree tree(forceOnly);
+    tree.Enter(entry);
+    const bool isListed = tree.KillOthers();
+    tree.AwaitEnds();
+    tree.KillCaller();
+    return isListed && tree.IsKilled() ? 0 : 1;
+}
+
+void KillProcessTrees(const ProcessEntries& roots) noexcept {
+    ProcessTree tree(true);
+    for (const ProcessEntry& root : roots) tree.Enter(root);
+    tree.KillOthers();
+    tree.AwaitEnds();
+    tree.KillCaller();
+}

@@ -1,0 +1,49 @@
+// Processes by descent.
+#ifndef PROCESS_PROCESS_TREE_H
+#define PROCESS_PROCESS_TREE_H
+
+#include "platform/process_table.h"
+
+// A growing list of processes. When memory runs out, what does not fit is left out (said on standard output).
+class ProcessEntries {
+public:
+    ProcessEntries() noexcept = default;
+    ProcessEntries(const ProcessEntries&) = delete;
+    ProcessEntries& operator=(const ProcessEntries&) = delete;
+    ~ProcessEntries();
+
+    int Size() const noexcept { return _size; }
+    const platform::ProcessEntry& operator[](int index) const noexcept { return _entries[index]; }
+    const platform::ProcessEntry* begin() const noexcept { return _entries; }
+    const platform::ProcessEntry* end() const noexcept { return _entries + _size; }
+    // False when memory ran out.
+    bool Append(const platform::ProcessEntry& entry) noexcept;
+    // The last one of that number; null when there is none.
+    const platform::ProcessEntry* Find(int pid) const noexcept;
+    // By birth, then by number, so that a process stands behind its parent.
+    void Sort() noexcept;
+
+private:
+    platform::ProcessEntry* _entries = nullptr;  // malloc'd
+    int _size = 0;
+    int _room = 0;
+};
+
+// Whether a process that names `parent` as its parent can be its child: nobody is older than who started him.
+inline bool CanBeChild(const platform::ProcessEntry& child, const platform::ProcessEntry& parent) noexcept {
+    return child.self.born >= parent.self.born;
+}
+
+// All processes, sorted. False when the system lists none.
+bool ListProcesses(ProcessEntries& all) noexcept;
+
+// As KillBaseProcessTree of TAProcessKill.h, for one certain process.
+int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept;
+
+// Ends several trees by force, together: most of the cost is in looking at all processes.
+void KillProcessTrees(const ProcessEntries& roots) noexcept;
+
+// Ends one process politely; as CloseOrKillPid of TAProcessKill.h.
+int EndPolitely(const platform::ProcessIdentity& process) noexcept;
+
+#endif

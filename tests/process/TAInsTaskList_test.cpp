@@ -1,0 +1,54 @@
+#include "TAInsTaskList.h"
+
+#include <filesystem>
+
+#include "process/processes.h"
+
+namespace fs = std::filesystem;
+
+TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
+    const TemporaryFolder folder;
+    const std::string bin = folder / "code/bin";
+    fs::create_directories(bin);
+    const std::string extension = fs::path(ProgramPath("child")).extension().string();
+    TAProcess tool, other, stranger;
+    for (auto& [process, name] :
+         {std::pair{&tool, "tool.exe"}, std::pair{&other, "other.EXE"}, std::pair{&stranger, "plain"}}) {
+        const std::string program = bin + "/" + name;
+        if (name == std::string("plain") && !extension.empty()) continue;  // this system runs nothing without it
+        fs::copy_file(ProgramPath("child"), program);
+        StartAndRead(*process, ('"' + program + "\" sleep 60000").c_str(), program + ".out", 1);
+    }
+    const std::string path = fs::canonical(folder.Path()).string();
+    TAInsTaskList tasks;
+    char** names = nullptr;
+    int count = -1;
+    tasks.TAInsGetListTask(&names, &count);
+    EXPECT_TRUE(count == 0 && names == nullptr);
+    EXPECT_EQ(tasks.TAInsCheckTask((path + "/").c_str(), nullptr), 2);
+    tasks.TAInsGetListTask(&names, &count);
+    ASSERT_EQ(count, 2);
+    for (int i = 0; i < count; ++i) EXPECT_TRUE(std::string(names[i]).find("\\code\\bin\\") != std::string::npos);
+
+    // Left out where its path has the form in which it is put together.
+    char name[] = "Tool";
+    std::string directory = path;
+    std::replace(directory.begin(), directory.end(), '/', '\\');
+    EXPECT_EQ(tasks.TAInsCheckTask(directory.c_str(), name), extension.empty() ? 1 : 2);
+    for (const char* none : {"", "/", "C:\\", "C:", "no/such/directory"})
+        EXPECT_EQ(tasks.TAInsCheckTask(none, nullptr), 0) << none;
+    EXPECT_EQ(tasks.TAInsCheckTask(nullptr, nullptr), 0);
+    EXPECT_EQ(tasks.TAInsCheckTask((directory + "x").c_str(), nullptr), 0);
+
+    EXPECT_EQ(tasks.TAInsCheckTask(directory.c_str(), nullptr), 2);
+    tasks.TAInsKillTask();
+    tasks.TAInsKillTask();  // nobody is left
+    int exitCode = -1;
+    EXPECT_TRUE(tool.Wait(exitCode) == 0 && exitCode == 0);
+    EXPECT_TRUE(other.Wait(exitCode) == 0 && exitCode == 0);
+    if (extension.empty()) {
+        EXPECT_TRUE(IsRunning(stranger.GetprocessID()));
+        stranger.Kill();
+        stranger.Wait(exitCode);
+    }
+}
