@@ -66,6 +66,7 @@ public:
 private:
     struct Entry;
 
+    Entry& At(int number) const noexcept;
     void Finish(int position, int returnCode) noexcept;
     bool CollectFinished() noexcept;
     bool KillLate() noexcept;

@@ -113,11 +113,15 @@ int TAProcessList::Check() noexcept {
     return isChanged ? 1 : 0;
 }
 
+TAProcessList::Entry& TAProcessList::At(int number) const noexcept {
+    return *std::as_const(*_entries)[number];
+}
+
 // Moves the running command at `position` to the done ones.
 void TAProcessList::Finish(int position, int returnCode) noexcept {
     const int number = _running[position];
-    (*_entries)[number]->status = Done;
-    (*_entries)[number]->returnCode = returnCode;
+    At(number).status = Done;
+    At(number).returnCode = returnCode;
     _done.Append(number);
     _lastDone.Append(number);
     _running.RemovePosition(position);
@@ -126,7 +130,7 @@ void TAProcessList::Finish(int position, int returnCode) noexcept {
 bool TAProcessList::CollectFinished() noexcept {
     const int before = NDone();
     for (int position = NRunning(); position >= 1; --position) {
-        Entry& entry = *(*_entries)[_running[position]];
+        Entry& entry = At(_running[position]);
         int exitCode = 0;
         if (entry.process.Check(exitCode) == 1) Finish(position, entry.status == Done ? entry.returnCode : exitCode);
     }
@@ -137,10 +141,10 @@ bool TAProcessList::KillLate() noexcept {
     const int before = NDone();
     const Clock::time_point now = Clock::now();
     ProcessEntries roots;
-    for (const int number : _running) (*_entries)[number]->AddLate(now, roots);
+    for (const int number : _running) At(number).AddLate(now, roots);
     if (roots.Size() > 0) KillProcessTrees(roots);
     for (int position = NRunning(); position >= 1; --position) {
-        Entry& entry = *(*_entries)[_running[position]];
+        Entry& entry = At(_running[position]);
         if (!entry.IsLate(now)) continue;
         int exitCode = 0;
         entry.process.Check(exitCode);
@@ -155,7 +159,7 @@ bool TAProcessList::LaunchWaiting() noexcept {
     bool isChanged = false;
     while (NRunning() < _currentLimit && NWaiting() > 0) {
         const int number = _waiting[NWaiting()];
-        const int limit = ValidLimit((*_entries)[number]->parallelLimit, _defaultLimit);
+        const int limit = ValidLimit(At(number).parallelLimit, _defaultLimit);
         if (limit != _currentLimit) {
             _currentLimit = limit;
             continue;
@@ -171,7 +175,7 @@ bool TAProcessList::LaunchWaiting() noexcept {
 }
 
 bool TAProcessList::Launch(int number) noexcept {
-    Entry& entry = *(*_entries)[number];
+    Entry& entry = At(number);
     if (entry.process.Start(entry.command, 0) == 0) {
         entry.StartClock();
         entry.status = Running;
@@ -188,7 +192,7 @@ void TAProcessList::TraceRunning() const noexcept {
     ZELString line("RUNNING COMMANDS: ");
     for (int position = NRunning(); position >= 1; --position) {
         line += "\"";
-        line += (*_entries)[_running[position]]->command;
+        line += At(_running[position]).command;
         line += "\"; ";
     }
     Trace(line, 0);
@@ -202,17 +206,17 @@ int TAProcessList::CutLastDone() noexcept {
 }
 
 int TAProcessList::GetStatus(int number) const noexcept {
-    return number >= 1 && number <= Size() ? (*_entries)[number]->status : -1;
+    return number >= 1 && number <= Size() ? At(number).status : -1;
 }
 
 int TAProcessList::GetReturnCode(int number) const noexcept {
-    return number >= 1 && number <= Size() ? (*_entries)[number]->returnCode : -1;
+    return number >= 1 && number <= Size() ? At(number).returnCode : -1;
 }
 
 int TAProcessList::KillInternalListOfProcess() noexcept {
     ProcessEntries roots;
     for (int position = NRunning(); position >= 1; --position) {
-        Entry& entry = *(*_entries)[_running[position]];
+        Entry& entry = At(_running[position]);
         if (entry.status != Running) continue;
         int exitCode = 0;
         if (entry.process.Check(exitCode) == 0) {
