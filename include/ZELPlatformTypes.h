@@ -8,6 +8,8 @@
 
 #if defined(_WIN32)
 
+#include <cstddef>  // brings __int64 along, which is a macro with mingw-w64
+
 struct _OSVERSIONINFOEXW;
 typedef struct _OSVERSIONINFOEXW OSVERSIONINFOEXW;
 struct _FILETIME;
