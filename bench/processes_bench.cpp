@@ -96,8 +96,8 @@ void BatchTool(benchmark::State& state, const std::string& run, Write write) {
 }
 
 void BatchXargs(benchmark::State& state) {
-    BatchTool(state, "xargs -P2 -I{} {} <", [](std::ofstream& file) {
-        for (int i = 0; i < Commands; ++i) file << minimal << '\n';
+    BatchTool(state, "xargs -P2 -n1 " + minimal + " <", [](std::ofstream& file) {
+        for (int i = 0; i < Commands; ++i) file << i << '\n';
     });
 }
 

@@ -251,7 +251,7 @@ TEST(TAProcess, ChildrenHearSignalsThatTheHostIgnores) {
     StartAndRead(process, ChildCommand("sleep 60000"), folder / "out", 1);
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(CloseOrKillPid(static_cast<unsigned long>(process.GetprocessID())), 1);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+    EXPECT_TRUE(!CanAskPrograms() || std::chrono::steady_clock::now() - begin < std::chrono::seconds(3));
     int status = 0;
     EXPECT_TRUE(process.Wait(status) == 0 && status == 999) << status;  // asked or forced, it ended for us
     std::signal(SIGTERM, SIG_DFL);

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,39 +30,72 @@ bool ReadText(int folder, const char* name, char* text, std::size_t size) {
     return true;
 }
 
-bool ParseStatus(const char* text, ProcessEntry& entry) {
+struct Status {
+    char state;
+    int parent;
+    long threads;
+    unsigned long long started;
+};
+
+// `name` is that of a status file of a process or thread below `folder`.
+bool ReadStatus(int folder, const char* name, Status& status) {
+    char text[1024];
+    if (!ReadText(folder, name, text, sizeof text)) return false;
     const char* const bracket = std::strrchr(text, ')');
-    if (bracket == nullptr) return false;
-    char state = 0;
-    int parent = 0;
-    long threads = 0;
-    unsigned long long started = 0;
     constexpr const char* Fields =
         " %c %d %*d %*d %*d %*d %*u %*u %*u %*u %*u %*u %*u %*d %*d %*d %*d %ld %*d %llu";  // NOLINT(cert-err34-c)
-    if (std::sscanf(bracket + 1, Fields, &state, &parent, &threads, &started) != 4) return false;
-    entry.parent = parent;
-    entry.self.born = static_cast<std::int64_t>(started) + 1;  // 0 stands for unknown
-    // Other threads go on when the first one of a process has ended.
-    if (state == 'D') entry.activity = ProcessEntry::IsBlocked;
-    if (state == 'T' || state == 't') entry.activity = ProcessEntry::IsStopped;
-    entry.hasEnded = (state == 'Z' || state == 'X') && threads <= 1;
-    return true;
+    return bracket != nullptr &&
+           std::sscanf(bracket + 1, Fields, &status.state, &status.parent, &status.threads, &status.started) == 4;
+}
+
+bool HasEnded(char state) {
+    return state == 'Z' || state == 'X';
+}
+
+ProcessEntry::Activity ActivityOf(char state) {
+    if (state == 'T' || state == 't') return ProcessEntry::IsStopped;
+    return state == 'D' ? ProcessEntry::IsBlocked : ProcessEntry::Acts;
+}
+
+struct CloseFolder {
+    void operator()(DIR* folder) const noexcept { closedir(folder); }
+};
+
+// The busiest thread's; `folder` is /proc.
+ProcessEntry::Activity ActivityOfThreads(int folder, int pid) {
+    char name[32];
+    std::snprintf(name, sizeof name, "%d/task", pid);
+    platform::Descriptor descriptor(openat(folder, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const std::unique_ptr<DIR, CloseFolder> tasks(descriptor.IsOpen() ? fdopendir(descriptor.Number()) : nullptr);
+    if (!tasks) return ProcessEntry::Acts;
+    descriptor.Release();
+    ProcessEntry::Activity activity = ProcessEntry::IsStopped;
+    while (const dirent* const listed = readdir(tasks.get())) {
+        char file[sizeof listed->d_name + sizeof "/stat"];
+        std::snprintf(file, sizeof file, "%s/stat", listed->d_name);
+        Status status;
+        if (listed->d_name[0] == '.' || !ReadStatus(dirfd(tasks.get()), file, status)) continue;
+        if (!HasEnded(status.state)) activity = std::min(activity, ActivityOf(status.state));
+    }
+    return activity;
 }
 
 // `folder` is /proc.
 bool ReadEntry(int folder, int pid, ProcessEntry& entry) {
     char name[32];
     std::snprintf(name, sizeof name, "%d/stat", pid);
-    char text[1024];
-    ProcessEntry found = {{pid, 0}};
-    if (!ReadText(folder, name, text, sizeof text) || !ParseStatus(text, found)) return false;
-    entry = found;
+    Status status;
+    if (!ReadStatus(folder, name, status)) return false;
+    entry = {{pid, static_cast<std::int64_t>(status.started) + 1}, status.parent};  // birth 0 stands for unknown
+    entry.activity = ActivityOf(status.state);
+    if (status.threads <= 1) {
+        entry.hasEnded = HasEnded(status.state);
+    } else if (HasEnded(status.state) || entry.activity == ProcessEntry::IsStopped) {
+        // That was the first thread alone; the others may go on.
+        entry.activity = ActivityOfThreads(folder, pid);
+    }
     return true;
 }
-
-struct CloseFolder {
-    void operator()(DIR* folder) const noexcept { closedir(folder); }
-};
 
 // Seconds since 1970 when the system started; 0 when it does not tell.
 std::int64_t SystemStart() {
