@@ -75,14 +75,15 @@ public:
 
     // By force, who cannot be held is killed at once.
     void Enter(const ProcessEntry& entry) noexcept;
-    // Kills everybody but the caller, and who is started meanwhile. False when the system lists no processes.
+    // Kills everybody, and who is started meanwhile; the caller last. False when the system lists no processes.
+    bool KillAll() noexcept;
+    bool IsKilled() const noexcept { return _killed == _members.Size(); }
+
+private:
     bool KillOthers() noexcept;
     // Until everybody but the caller is gone, or the time is over.
     void AwaitEnds() const noexcept;
     void KillCaller() noexcept;
-    bool IsKilled() const noexcept { return _killed == _members.Size(); }
-
-private:
     // Enters the children of members. False when the system lists no processes.
     bool Look() noexcept;
     void Consider(const ProcessEntry& entry) noexcept;
@@ -161,6 +162,19 @@ void ProcessTree::KillCaller() noexcept {
     if (caller != nullptr) Kill(*caller);
 }
 
+// A start that was under way when its process was killed may come to sight only when that is gone.
+bool ProcessTree::KillAll() noexcept {
+    bool isListed = true;
+    for (int before = 0; isListed && before != _members.Size();) {
+        isListed = KillOthers();
+        AwaitEnds();
+        before = _members.Size();
+        isListed = isListed && Look();
+    }
+    KillCaller();
+    return isListed;
+}
+
 }  // namespace
 
 int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept {
@@ -174,16 +188,12 @@ int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexc
     }
     ProcessTree tree(forceOnly);
     tree.Enter(entry);
-    const bool isListed = tree.KillOthers();
-    tree.AwaitEnds();
-    tree.KillCaller();
+    const bool isListed = tree.KillAll();
     return isListed && tree.IsKilled() ? 0 : 1;
 }
 
 void KillProcessTrees(const ProcessEntries& roots) noexcept {
     ProcessTree tree(true);
     for (const ProcessEntry& root : roots) tree.Enter(root);
-    tree.KillOthers();
-    tree.AwaitEnds();
-    tree.KillCaller();
+    tree.KillAll();
 }
