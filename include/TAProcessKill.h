@@ -24,6 +24,7 @@
 
 #include "ZELExport.h"
 #include "ZELPlatformTypes.h"
+#include "ZELUnicodeString.h"
 
 // Ends one process with that exit code. 1 when the system was told so, 0 otherwise.
 ZEL_API int KillPid(unsigned long pid, unsigned int exitCode) noexcept;
@@ -55,5 +56,11 @@ ZEL_API int TAGetParentProcessId(unsigned long pid, unsigned long& parent) noexc
 // shifted by the whole hours of the time zone's bias and daylight bias, whatever the season: tools compare such values
 // with each other only, and old ones were stored so.
 ZEL_API int GetEpochStartTimeOfProcess(int pid, __int64& start) noexcept;
+
+// Ends everything that runs from one of the directories, but not the program "TADownloadRuntimeM" in the way that
+// TAInsTaskList leaves a program out; with `listOnly` not 0 it only says what it would end. The first directory reaches
+// to the first ";", and every further one, on purpose, to the next backslash: call it once for each directory.
+// Each directory, the programs found, and the end are told on standard output.
+ZEL_API void KillProcessInConcat(ZELUnicodeString directories, unsigned char listOnly) noexcept;
 
 #endif

@@ -5,6 +5,9 @@
 
 #include <climits>
 
+#include "TADiagnostics.h"
+#include "TAInsTaskList.h"
+#include "ZELToken.h"
 #include "platform/process_kill.h"
 #include "process/child_ledger.h"
 #include "process/process_tree.h"
@@ -95,4 +98,24 @@ int GetEpochStartTimeOfProcess(int pid, __int64& start) noexcept {
     if (!platform::GetStartTime(pid, seconds)) return 1;
     start = seconds;
     return 0;
+}
+
+void KillProcessInConcat(ZELUnicodeString directories, unsigned char listOnly) noexcept {
+    char spared[] = "TADownloadRuntimeM";
+    ZELToken tokens(directories);
+    const char* separator = ";";
+    for (ZELUnicodeString directory; (directory = tokens.GetNextToken(separator)).GetLengthInChar() > 0;) {
+        separator = "\\";
+        const ZELString path(directory.CastToCharPtr());
+        Trace(ZELString("Looking for processes running in directory ") + path, 0);
+        TAInsTaskList tasks;
+        if (tasks.TAInsCheckTask(path, spared) <= 0) continue;
+        if (listOnly == 0) tasks.TAInsKillTask();
+        char** names = nullptr;
+        int count = 0;
+        tasks.TAInsGetListTask(&names, &count);
+        Trace("Processes listed below will be killed:", 0);
+        for (int i = 0; i < count; ++i) Trace(names[i], 0);
+    }
+    Trace("KillProcessInConcat - End\n ", 0);
 }

@@ -41,7 +41,19 @@ TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
     EXPECT_EQ(tasks.TAInsCheckTask((directory + "x").c_str(), nullptr), 0);
 
     EXPECT_EQ(tasks.TAInsCheckTask(directory.c_str(), nullptr), 2);
-    tasks.TAInsKillTask();
+    tasks.TAInsGetListTask(&names, &count);
+    const std::string found = std::string("   ") + names[0] + "\n   " + names[1] + "\n";
+    const auto killed = [&](unsigned char listOnly) {
+        testing::internal::CaptureStdout();
+        KillProcessInConcat((directory + ";nothing").c_str(), listOnly);
+        return WithoutReturns(testing::internal::GetCapturedStdout());
+    };
+    EXPECT_EQ(killed(1), "   Looking for processes running in directory " + directory +
+                             "\n   Processes listed below will be killed:\n" + found +
+                             "   Looking for processes running in directory nothing\n"
+                             "   KillProcessInConcat - End\n \n");
+    EXPECT_TRUE(IsRunning(tool.GetprocessID()));
+    EXPECT_NE(killed(0).find(found), std::string::npos);
     tasks.TAInsKillTask();  // nobody is left
     int exitCode = -1;
     EXPECT_TRUE(tool.Wait(exitCode) == 0 && exitCode == 0);
