@@ -1,6 +1,7 @@
 #include "TACallback.h"
 
 #include <new>
+#include <utility>
 
 #include "foundations/console.h"
 
@@ -22,13 +23,14 @@ void TACallbackPublisher::AddSubscriber(TACallbackSubscriber* subscriber) noexce
 void TACallbackPublisher::RemoveSubscriber(TACallbackSubscriber* subscriber) noexcept {
     if (!_subscribers) return;
     for (int i = _subscribers->Size(); i >= 1; --i)
-        if ((*_subscribers)[i] == subscriber) _subscribers->RemovePosition(i);
+        if (std::as_const(*_subscribers)[i] == subscriber) _subscribers->RemovePosition(i);
 }
 
 int TACallbackPublisher::SendCallback(const TAEvent* event) {
     const std::shared_ptr<ZELListPtrTACallbackSubscriber> subscribers = _subscribers;  // outlives this publisher
     if (!subscribers || subscribers->Size() == 0) return 1;
     for (int i = 1; i <= subscribers->Size(); ++i)
-        if (TACallbackSubscriber* const subscriber = (*subscribers)[i]) subscriber->ReceiveCallback(this, event);
+        if (TACallbackSubscriber* const subscriber = std::as_const(*subscribers)[i])
+            subscriber->ReceiveCallback(this, event);
     return 0;
 }

@@ -177,7 +177,7 @@ void TAThread::Leave() noexcept {
     shared.lock.Lock();
     if (shared.exitIsCalled.load()) return;  // closed for ever
     for (int i = shared.running.Size(); i >= 1; --i) {
-        if (shared.running[i] != this) continue;
+        if (std::as_const(shared.running)[i] != this) continue;
         shared.running.RemovePosition(i);
         break;
     }
