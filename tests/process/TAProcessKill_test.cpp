@@ -1,7 +1,5 @@
 #include "TAProcessKill.h"
 
-#include <filesystem>
-
 #include <ctime>
 #include <filesystem>
 
