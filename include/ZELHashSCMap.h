@@ -136,9 +136,9 @@ protected:
 private:
     struct Sought;
     struct Holds;
+    struct Block;
 
     int Init(int size, float loadFactor) noexcept;
-    static node* TakeNode() noexcept;
     static node* createNode(ZELHashSCMap* map, const Sought& key, void* value, node* next) noexcept;
     static void addFreeNode(ZELHashSCMap* map, node* freed) noexcept;
 
@@ -154,8 +154,6 @@ private:
     bool BecomeOwner() noexcept;
     void ReleaseNodes() noexcept;
     void ReleaseAll() noexcept;
-
-    static node* firstFree;  // nodes of removed entries, for all maps
 };
 
 class ZELHashSCMap::const_iterator {

@@ -1,6 +1,7 @@
 // A table of chains whose nodes come from one stock for all maps. What makes it fast is hidden: a key without a pool
-// lies behind a header with its hash and length (KeyStore), and behind the table, in the same block, stands a filter
-// of 16 bits for each bucket: one bit is set for every key that was put there, so that most absent keys are known to be
+// lies directly behind its node (only a very long one lies elsewhere), so that a look-up waits for memory once, and in
+// front of it a header with its hash and length; and behind the table, in the same block, stands a filter of 16 bits
+// for each bucket: one bit is set for every key that was put there, so that most absent keys are known to be
 // absent without a look at a node.
 //
 // Invariants: a bucket holds the keys whose hash modulo _maxSize is its number, the newest first; each key of a bucket
@@ -19,9 +20,9 @@
 #include <new>
 
 #include "ZELStringPool.h"
-#include "containers/bump_area.h"
+#include "containers/block_store.h"
 #include "containers/chain_walk.h"
-#include "containers/key_store.h"
+#include "containers/stored_key.h"
 #include "containers/text_hash.h"
 #include "foundations/allocation.h"
 #include "foundations/console.h"
@@ -43,13 +44,7 @@ std::uint16_t FilterBit(std::uint32_t hash) noexcept {
     return static_cast<std::uint16_t>(1U << ((hash * 0x9E3779B1U) >> 28));
 }
 
-// Nodes come 20000 at a time and stay with the process.
-constinit BumpArea nodeArea(20000 * 3 * sizeof(void*) + 16);
-constinit std::size_t liveNodes = 0;
-
 }  // namespace
-
-constinit ZELHashSCMap::node* ZELHashSCMap::firstFree = nullptr;
 
 // A key on its way to its bucket. What a look-up is made of is inlined by force: left alone, compilers make calls of it
 // that take a fifth of the time.
@@ -61,43 +56,49 @@ struct ZELHashSCMap::Sought {
     std::uint32_t hash;
 };
 
-// The stock of nodes.
+// The entries.
 
-ZELHashSCMap::node* ZELHashSCMap::TakeNode() noexcept {
-    node* taken = firstFree;
-    if (taken != nullptr) {
-        firstFree = taken->next;
-        // Free nodes lie anywhere: the next one shall have arrived when its turn comes.
-        Prefetch(firstFree);
-    } else {
-        taken = static_cast<node*>(nodeArea.Take(sizeof(node)));
+// A node, with its key behind it where there is room for both.
+struct ZELHashSCMap::Block {
+    static std::size_t JoinedSize(std::size_t length) noexcept { return sizeof(node) + StoredKeySize(length); }
+    static bool Joins(const ZELHashSCMap* map, std::size_t length) noexcept {
+        return map->_pool == nullptr && length < BlockStore::LargestBlock - JoinedSize(0);
     }
-    if (taken == nullptr)
-        Report("createBlocOfFreeNode", "create new node[20000]");
-    else
-        ++liveNodes;
-    return taken;
-}
+    static char* LongKey(const Sought& key) noexcept {
+        if (key.text.size() > MaxKeyLength) return nullptr;
+        void* const block = Allocate(StoredKeySize(key.text.size()));
+        return block != nullptr ? StoreKey(block, key.text, key.hash) : nullptr;
+    }
+    // The size of the block of a node of a map without a pool.
+    static std::size_t SizeOf(const node* entry) noexcept {
+        const bool isJoined = entry->key == reinterpret_cast<const char*>(entry + 1) + sizeof(KeyHeader);
+        return isJoined ? JoinedSize(HeaderOf(entry->key).length) : sizeof(node);
+    }
+};
 
 // A node with a copy of `key`; null when there is no memory.
 ZELHashSCMap::node* ZELHashSCMap::createNode(ZELHashSCMap* map, const Sought& key, void* value, node* next) noexcept {
-    node* const created = TakeNode();
-    if (created == nullptr) return nullptr;
-    char* const copy = map->_pool != nullptr ? map->_pool->create(key.text.data()) : keyStore.Store(key.text, key.hash);
-    new (created) node{copy, value, next};
-    if (copy != nullptr) return created;
+    const bool isJoined = Block::Joins(map, key.text.size());
+    void* const block = blockStore.Take(isJoined ? Block::JoinedSize(key.text.size()) : sizeof(node));
+    if (block == nullptr) {
+        Report("createBlocOfFreeNode", "create new node[20000]");
+        return nullptr;
+    }
+    node* const created = new (block) node{nullptr, value, next};
+    if (isJoined)
+        created->key = StoreKey(created + 1, key.text, key.hash);
+    else
+        created->key = map->_pool != nullptr ? map->_pool->create(key.text.data()) : Block::LongKey(key);
+    if (created->key != nullptr) return created;
     Report("createNode", "strdup()");
-    addFreeNode(map, created);
+    blockStore.Drop(created, sizeof(node));
     return nullptr;
 }
 
 void ZELHashSCMap::addFreeNode(ZELHashSCMap* map, node* freed) noexcept {
-    if (map->_pool == nullptr && freed->key != nullptr) keyStore.Drop(freed->key);
-    *freed = {nullptr, nullptr, firstFree};
-    firstFree = freed;
-    if (--liveNodes != 0 || !nodeArea.IsWide()) return;
-    firstFree = nullptr;
-    nodeArea.Rewind();
+    const std::size_t size = map->_pool == nullptr ? Block::SizeOf(freed) : sizeof(node);
+    if (map->_pool == nullptr && size == sizeof(node)) std::free(freed->key - sizeof(KeyHeader));
+    blockStore.Drop(freed, size);
 }
 
 // The table.
@@ -128,8 +129,8 @@ struct ZELHashSCMap::Holds {
     }
     static bool Stored(const node& entry, const Sought& key) noexcept {
         const std::size_t size = key.text.size();
-        return KeyStore::HeaderOf(entry.key) == KeyHeader{key.hash, static_cast<std::uint32_t>(size)} &&
-               size <= KeyStore::MaxLength && SameKey(entry.key, key.text.data(), size);
+        return HeaderOf(entry.key) == KeyHeader{key.hash, static_cast<std::uint32_t>(size)} && size <= MaxKeyLength &&
+               SameKey(entry.key, key.text.data(), size);
     }
 };
 
@@ -170,7 +171,7 @@ void ZELHashSCMap::Grow() noexcept {
     _table = table;
     _maxSize *= 2;
     if (_pool == nullptr) {
-        WalkInWaves(old, oldSize, [this](node* entry) { Push(entry, KeyStore::HeaderOf(entry->key).hash); });
+        WalkInWaves(old, oldSize, [this](node* entry) { Push(entry, HeaderOf(entry->key).hash); });
     } else {
         bool hasMemory = true;
         WalkInOrder(old, oldSize, [this, &hasMemory](node* entry) {

@@ -2,22 +2,24 @@
 
 #include "containers/bump_area.h"
 
+#include <new>
+
 #include "foundations/allocation.h"
 
 void BumpArea::Use(Chunk* chunk) noexcept {
     _current = chunk;
     _next = reinterpret_cast<char*>(chunk + 1);
-    _remaining = _chunkSize - sizeof(Chunk);
+    _remaining = chunk->size - sizeof(Chunk);
 }
 
 // Goes on to the next chunk; false when there is no memory for one.
 bool BumpArea::Advance() noexcept {
     Chunk*& following = _current != nullptr ? _current->next : _first;
     if (following == nullptr) {
-        Chunk* const made = static_cast<Chunk*>(Allocate(_chunkSize));
+        const std::size_t size = _current != nullptr ? std::min(2 * _current->size, LargestChunk) : FirstChunk;
+        void* const made = Allocate(size);
         if (made == nullptr) return false;
-        made->next = nullptr;
-        following = made;
+        following = new (made) Chunk{nullptr, size};
     }
     Use(following);
     return true;

@@ -47,14 +47,13 @@ void WalkInOrder(Node* const* table, std::size_t size, Visit visit) noexcept {
     }
 }
 
-// Each chain from its head, but many chains at once; requests the keys as well.
+// Each chain from its head, but many chains at once.
 template <class Node, class Visit>
 void WalkInWaves(Node* const* table, std::size_t size, Visit visit) noexcept {
     Node* wave[WalkStep];
     for (std::size_t from = 0; from < size; from += WalkStep) {
         std::size_t count = GatherHeads(table + from, size - from, wave);
         while (count > 0) {
-            for (std::size_t i = 0; i < count; ++i) Prefetch(wave[i]->key);
             std::size_t kept = 0;
             for (std::size_t i = 0; i < count; ++i) {
                 Node* const node = wave[i];

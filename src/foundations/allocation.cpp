@@ -4,8 +4,14 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
+
+#include "platform/memory.h"
 
 namespace {
+
+// From here on zeros are written by hand, so that the block may lie where it is cheap to reach.
+constexpr std::size_t LargeBlock = std::size_t{4} << 20;
 
 constinit std::atomic<int> countdown{0};
 
@@ -24,9 +30,11 @@ bool AllocationFails() noexcept {
 }
 
 void* Allocate(std::size_t size) noexcept {
-    return AllocationFails() ? nullptr : std::malloc(size);
+    return AllocationFails() ? nullptr : platform::ResizeBlock(nullptr, size);
 }
 
 void* AllocateZeroed(std::size_t size) noexcept {
-    return AllocationFails() ? nullptr : std::calloc(1, size);
+    if (size < LargeBlock) return AllocationFails() ? nullptr : std::calloc(1, size);
+    void* const block = Allocate(size);
+    return block != nullptr ? std::memset(block, 0, size) : nullptr;
 }

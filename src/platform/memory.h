@@ -1,4 +1,4 @@
-// Memory for the texts of whole files.
+// Large blocks of memory: the texts of whole files, the tables and entries of large maps.
 #ifndef PLATFORM_MEMORY_H
 #define PLATFORM_MEMORY_H
 
@@ -7,7 +7,8 @@
 namespace platform {
 
 // std::realloc, and the result is given back by std::free like any other; but a new block that is large lies so that
-// the system can fill it in few steps. (Page faults are three quarters of the time that reading 64 MiB takes.)
+// the system can fill it in few steps and reach any place of it fast. (Page faults are three quarters of the time that
+// reading 64 MiB takes, and a look-up among a million entries waits for the address of a page as long as for the page.)
 void* ResizeBlock(void* block, std::size_t size) noexcept;
 
 // What a block may have in advance, for no more reason than that somebody says it will be needed: anything where a
