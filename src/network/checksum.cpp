@@ -58,6 +58,11 @@ inline std::size_t PieceLength(const unsigned char* text) noexcept {
     return static_cast<std::size_t>(static_cast<const unsigned char*>(terminator) - text);
 }
 
+// The bits of a text alone.
+inline std::uint64_t ShiftShort(const unsigned char* text, std::size_t size) noexcept {
+    return size >= 8 ? Shift(LoadHighFirst(text), text + 8, size - 8) : Shift(0, text, size);
+}
+
 // The bits of a text whose first piece has `size` bytes.
 std::uint64_t AppendPieces(const unsigned char* text, std::size_t size) noexcept {
     std::uint64_t bits = Append(0, text, size);
@@ -95,7 +100,7 @@ unsigned int crc(const char* text, unsigned int number) noexcept {
     const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
     const std::size_t size = PieceLength(bytes);
     // Most texts are short: they cost no call.
-    const std::uint64_t bits = size < ProductsFrom ? Shift(0, bytes, size) : AppendPieces(bytes, size);
+    const std::uint64_t bits = size < ProductsFrom ? ShiftShort(bytes, size) : AppendPieces(bytes, size);
     // The number is 32 bits more: what moves beyond bit 31 is short enough to come down at once.
     const std::uint64_t moved = TimesX64(bits >> 32) ^ TimesX32(bits & 0xFFFFFFFF);
     return static_cast<unsigned int>(Shorten(moved ^ number));

@@ -40,6 +40,25 @@ FOR_PRODUCTS inline __m128i MoveOn(__m128i piece, __m128i factors, __m128i to) n
     return _mm_xor_si128(_mm_xor_si128(low, to), high);
 }
 
+// The first piece of a message that goes on behind the one that `bits` stands for.
+FOR_PRODUCTS inline __m128i BeginPieces(std::uint64_t bits, const unsigned char* bytes) noexcept {
+    const __m128i first = LoadPiece(bytes);
+    if (bits == 0) return first;  // as nearly always: what follows is half the time of a short text
+    // The bits before, times x^128: 60 bits in the first piece.
+    const std::uint64_t before = TimesX64(TimesX64(RemainderOf(bits)));
+    return _mm_xor_si128(first, _mm_cvtsi64_si128(static_cast<long long>(before)));
+}
+
+// Piece by piece to the end; what remains is the last one.
+FOR_PRODUCTS inline std::uint64_t EndPieces(__m128i last, const unsigned char* bytes,
+                                            const unsigned char* end) noexcept {
+    const __m128i by128 = Factors<128>();
+    for (; bytes < end; bytes += Step) last = MoveOn(last, by128, LoadPiece(bytes));
+    const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(last, last)));
+    const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(last));
+    return TimesX64(Shorten(high)) ^ low;
+}
+
 FOR_PRODUCTS std::uint64_t Products(std::uint64_t bits, const unsigned char* bytes, std::size_t size) noexcept {
     if (size < Step) return AppendByShifts(bits, bytes, size);
     // What is no whole piece goes first, so that the end needs nothing.
@@ -47,9 +66,7 @@ FOR_PRODUCTS std::uint64_t Products(std::uint64_t bits, const unsigned char* byt
     if (head != 0) bits = AppendByShifts(bits, bytes, head);
     const unsigned char* const end = bytes + size;
     bytes += head;
-    // The bits before, times x^128: 60 bits in the first piece.
-    const std::uint64_t before = TimesX64(TimesX64(RemainderOf(bits)));
-    __m128i last = _mm_xor_si128(LoadPiece(bytes), _mm_cvtsi64_si128(static_cast<long long>(before)));
+    __m128i last = BeginPieces(bits, bytes);
     bytes += Step;
     if (end - bytes >= static_cast<std::ptrdiff_t>(7 * Step)) {
         __m128i pieces[4] = {last, LoadPiece(bytes), LoadPiece(bytes + Step), LoadPiece(bytes + 2 * Step)};
@@ -63,11 +80,7 @@ FOR_PRODUCTS std::uint64_t Products(std::uint64_t bits, const unsigned char* byt
         last = MoveOn(pieces[0], by256, pieces[2]);
         last = MoveOn(last, Factors<128>(), MoveOn(pieces[1], by256, pieces[3]));
     }
-    const __m128i by128 = Factors<128>();
-    for (; bytes < end; bytes += Step) last = MoveOn(last, by128, LoadPiece(bytes));
-    const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(last, last)));
-    const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(last));
-    return TimesX64(Shorten(high)) ^ low;
+    return EndPieces(last, bytes, end);
 }
 
 constexpr std::size_t WideUnitWords = sizeof(__m256i) / sizeof(std::uint64_t);
