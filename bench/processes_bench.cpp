@@ -1,21 +1,26 @@
 // Starting programs and running batches of them beside those that one would use instead.
 //
 // The program is the smallest there is: it ends at once. "2GiB" is a caller that holds so much memory, which those who
-// copy the caller's page tables pay for. The batches are 1,000 commands, two at once.
+// copy the caller's page tables pay for. The batches are 1,000 commands, two at once. The tree has 40 processes, each
+// but the leaves with three children; "killpg" needs a tree that stayed in one group, "ps" is what scripts do.
 #include <benchmark/benchmark.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <boost/process.hpp>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "TAProcess.h"
+#include "TAProcessKill.h"
 #include "TAProcessList.h"
 
 namespace {
@@ -117,6 +122,72 @@ void BatchNinja(benchmark::State& state) {
     });
 }
 
+// Forty sleeping processes, the root in a group of its own. The pipe's end is read when the last is gone.
+class Tree {
+public:
+    Tree() {
+        if (pipe(_ends) != 0) std::abort();
+        root = fork();
+        if (root == 0) {
+            setpgid(0, 0);
+            Grow(3);
+        }
+        close(_ends[1]);
+        char ready;
+        for (int i = 0; i < 40; ++i)
+            if (read(_ends[0], &ready, 1) != 1) std::abort();
+    }
+    Tree(const Tree&) = delete;
+    Tree& operator=(const Tree&) = delete;
+    ~Tree() { close(_ends[0]); }
+
+    void AwaitEnd() const {
+        char none;
+        Await(root);
+        if (read(_ends[0], &none, 1) != 0) std::abort();
+    }
+
+    pid_t root;
+
+private:
+    [[noreturn]] void Grow(int depth) {
+        for (int child = 0; depth > 0 && child < 3; ++child)
+            if (fork() == 0) Grow(depth - 1);
+        if (write(_ends[1], "", 1) != 1) _exit(1);
+        while (true) pause();
+    }
+
+    int _ends[2];
+};
+
+void KillOurs(pid_t root) {
+    KillBaseProcessTree(static_cast<unsigned long>(root), 1);
+}
+
+void KillGroup(pid_t root) {
+    killpg(root, SIGKILL);
+}
+
+void KillListed(pid_t root) {
+    std::FILE* const list = popen("ps -eo pid=,ppid=", "r");
+    std::set<pid_t> tree = {root};
+    for (pid_t pid, parent; std::fscanf(list, "%d %d", &pid, &parent) == 2;)
+        if (tree.count(parent) != 0) tree.insert(pid);
+    pclose(list);
+    for (const pid_t pid : tree) kill(pid, SIGKILL);
+}
+
+template <void (*Kill)(pid_t root)>
+void KillTree(benchmark::State& state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        const Tree tree;
+        state.ResumeTiming();
+        Kill(tree.root);
+        tree.AwaitEnd();
+    }
+}
+
 const bool registered = [] {
     const auto add = [](const char* name, void (*run)(benchmark::State&)) {
         return benchmark::RegisterBenchmark(name, run)->UseRealTime();
@@ -128,6 +199,9 @@ const bool registered = [] {
     add("launch/ours/2GiB", Big<LaunchOurs>);
     add("launch/posix_spawn/2GiB", Big<LaunchSpawn>);
     add("launch/fork+exec/2GiB", Big<LaunchFork>);
+    add("kill/ours/tree of 40", KillTree<KillOurs>);
+    add("kill/killpg/tree of 40", KillTree<KillGroup>);
+    add("kill/ps/tree of 40", KillTree<KillListed>);
     add("batch/ours/1000", BatchOurs)->Unit(benchmark::kMillisecond);
     add("batch/make -j2/1000", BatchMake)->Unit(benchmark::kMillisecond);
     add("batch/xargs -P2/1000", BatchXargs)->Unit(benchmark::kMillisecond);
