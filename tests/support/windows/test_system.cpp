@@ -15,7 +15,9 @@ std::string ProgramPath(const std::string& name) {
 }
 
 bool CanAskPrograms() {
-    return GetEnvironmentVariableA("ZEL_WINE_WINDOW", nullptr, 0) != 0;
+    if (GetEnvironmentVariableA("ZEL_WINE_WINDOW", nullptr, 0) == 0) return false;
+    // Whoever needs it first starts Wine's desktop: it shall not be found in the tree of a child.
+    return GetDesktopWindow() != nullptr;
 }
 
 IgnoredChildren::IgnoredChildren() : isIgnoring(false) {}
