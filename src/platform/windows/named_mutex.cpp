@@ -1,4 +1,4 @@
-// The kernel's own mutex object.
+// The kernel's own mutex object; the state is its handle.
 
 #include "platform/named_mutex.h"
 
@@ -9,17 +9,6 @@
 #include <new>
 
 namespace platform {
-
-// The handle itself.
-struct NamedMutex::State {};
-
-namespace {
-
-HANDLE Handle(void* state) noexcept {
-    return state;
-}
-
-}  // namespace
 
 NamedMutex::NamedMutex(std::string_view name) noexcept {
     const int bytes = static_cast<int>(name.size());
@@ -33,16 +22,16 @@ NamedMutex::NamedMutex(std::string_view name) noexcept {
 }
 
 NamedMutex::~NamedMutex() {
-    if (_state != nullptr) CloseHandle(Handle(_state));
+    if (_state != nullptr) CloseHandle(_state);
 }
 
 int NamedMutex::Lock() noexcept {
     static_assert(WAIT_OBJECT_0 == 0 && WAIT_ABANDONED_0 == 128 && WAIT_FAILED == 0xFFFFFFFF);
-    return _state != nullptr ? static_cast<int>(WaitForSingleObject(Handle(_state), INFINITE)) : -1;
+    return _state != nullptr ? static_cast<int>(WaitForSingleObject(_state, INFINITE)) : -1;
 }
 
 bool NamedMutex::Unlock() noexcept {
-    return _state != nullptr && ReleaseMutex(Handle(_state)) != 0;
+    return _state != nullptr && ReleaseMutex(_state) != 0;
 }
 
 }  // namespace platform
