@@ -3,11 +3,12 @@
 //     courier serve inbox --port 7000         takes what comes and puts it into the directory "inbox"
 //     courier send build-server:7000 out log  sends the file or directory "out", and "log"
 //
-// A directory goes with all that is in it, under its last name; contents and names travel, nothing else of a file. An
-// existing file is replaced, in one step, when its new content has arrived whole. The server takes one sender after the
-// other. It writes nowhere but below its directory, whatever the sender says: names that lead out of it or mean
-// something else elsewhere are refused, and so is every way through a link. Senders do not follow links inside a
-// directory. Nothing is encrypted and nobody is asked who they are: for networks that one trusts.
+// A directory goes with all that is in it, under its last name ("out/." means what is in it alone); contents and names
+// travel, nothing else of a file. An existing file is replaced, in one step, when its new content has arrived whole.
+// The server takes one sender after the other. It writes nowhere but below its directory, whatever the sender says:
+// names that lead out of it or mean something else elsewhere are refused, and so is every way through a link. Senders
+// do not follow links inside a directory. Nothing is encrypted and nobody is asked who they are: for networks that one
+// trusts.
 //
 // How couriers talk: blocks of TASocket, all texts but the contents. The sender begins; "<" is an answer.
 //
@@ -18,7 +19,7 @@
 //     sum 1a2b3c4d                of the blocks; "broken" when the file could not be read to its end
 //   < ok 1a2b3c4d                 it stands there, with that sum; or "no " and a reason
 //     directory out/empty         may be there already
-//   < ok                          with a blank behind it; or "no " and a reason
+//   < ok                          or "no " and a reason
 //     end
 //   < end 2                       as many were taken
 //
@@ -104,7 +105,7 @@ int main(int argc, char** argv) {
     if (argc == 2 && std::string_view(argv[1]) == "--help") return Usage(stdout, 0);
     if (!Read(argc, argv, words)) return Usage(stderr, 2);
     const ZELString verb = words.plain[1];
-    if (verb == "serve" && words.plain.Size() == 2 && words.port >= 0)
+    if (verb == "serve" && words.plain.Size() == 2 && words.plain[2].Length() > 0 && words.port >= 0)
         return Serve({words.plain[2], words.port, words.patience});
     SendOptions options;
     options.patience = words.patience;

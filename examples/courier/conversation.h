@@ -16,10 +16,10 @@ constexpr char Greeting[] = "courier 1";
 // Content travels in blocks of at most so many bytes: few enough to stop soon, many enough to be fast.
 constexpr int BlockSize = 256 * 1024;
 
-// Counts kilobytes, since reports see 31 bits of an amount, and an average for each second.
+// Counts units of 1024 bytes, since reports see 31 bits of an amount, and an average for each second.
 class TransferMeter : public TAPerfoAv {
 public:
-    TransferMeter() noexcept : TAPerfoAv("KiB", 1) {}
+    explicit TransferMeter(const char* name) noexcept : TAPerfoAv(name, 1) {}
     void Count(int bytes) override {
         _bytes += bytes;
         TAPerfoAv::Count(static_cast<int>(_bytes / 1024 - _counted));

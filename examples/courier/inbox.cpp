@@ -18,7 +18,7 @@ ZELString Inbox::Open() const {
 
 // Makes sure that there is a directory of that name, and no link to one.
 ZELString Inbox::Enter(std::string_view name) const {
-    const ZELString path = _directory + "/" + ZELString(name);
+    const ZELString path = Below(_directory, ZELString(name));
     switch (LookAt(path).kind) {
         case Place::Kind::Directory:
             return "";
@@ -45,7 +45,7 @@ ZELString Inbox::FindPlace(std::string_view name, ZELString& path) const {
     const std::size_t slash = name.rfind('/');
     if (slash != name.npos)
         if (ZELString problem = EnterAll(name.substr(0, slash)); problem.Length() > 0) return problem;
-    path = _directory + "/" + ZELString(name);
+    path = Below(_directory, ZELString(name));
     const Place::Kind kind = LookAt(path).kind;
     if (kind == Place::Kind::Nothing || kind == Place::Kind::File) return "";
     return ZELString(name) + (kind == Place::Kind::Link ? " is a link there" : " is something else than a file there");

@@ -17,9 +17,10 @@ void Parcel::Miss(const ZELString& path, const ZELString& reason) {
 }
 
 void Parcel::Add(const ZELString& path) {
-    const TAFileName last = TAFileName(path).basename(1);
-    const bool hasName = !last.IsNull() && !(last == ".") && !(last == "..") && !last.View().ends_with(':');
-    const ZELString name(hasName ? last.View() : "");
+    const std::string_view text = path.View(), last = text.substr(text.find_last_of("/\\") + 1);
+    const TAFileName file = TAFileName(path).basename(1);  // "dir" also of "dir/"
+    const bool hasName = last != "." && last != ".." && !file.IsNull() && !file.View().ends_with(':');
+    const ZELString name(hasName ? file.View() : "");
     if (const ZELString problem = NameProblem(name.View()); hasName && problem.Length() > 0)
         return Miss(path, "its name " + problem);
     switch (LookBehind(path).kind) {
@@ -53,7 +54,7 @@ void Parcel::AddDirectory(const ZELString& path, const ZELString& name) {
         const bool isGood = ZELReadDirectory(&directory, &entry, &end) == 0;
         if (!isGood) Miss(path, end != 0 ? "it cannot be listed to its end" : "an entry has too long a name");
         if (!isGood || end != 0 || std::strcmp(entry.name, ".") == 0 || std::strcmp(entry.name, "..") == 0) continue;
-        const ZELString entryPath = path + "/" + entry.name;
+        const ZELString entryPath = Below(path, entry.name);
         const ZELString problem = NameProblem((name + entry.name).View());
         if (problem.Length() > 0)
             Miss(entryPath, "its name " + problem);

@@ -15,8 +15,8 @@ struct Item {
 
 class Parcel {
 public:
-    // A file, or a directory with all that is in it, under the last part of its name; what is in a directory that has
-    // none, such as ".", goes by itself. A link is followed here, and nowhere in a directory.
+    // A file, or a directory with all that is in it, under the last part of its name. Of a directory whose path ends
+    // with ".", what is in it goes by itself. A link is followed here, and nowhere in a directory.
     void Add(const ZELString& path);
 
     const std::vector<Item>& Items() const { return _items; }

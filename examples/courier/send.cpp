@@ -51,7 +51,7 @@ private:
 
     bool SendDirectory(const Item& item) {
         ZELString answer;
-        return _talk.Tell("directory " + item.name) && _talk.Hear(answer) && Note(item, answer, "ok ");
+        return _talk.Tell("directory " + item.name) && _talk.Hear(answer) && Note(item, answer, "ok");
     }
 
     bool SendFile(const Item& item, int number) {
@@ -92,7 +92,7 @@ private:
         const bool isSent = answer == good;
         if (isSent) {
             ++_sent;
-            Trace("sent " + Printable(item.name.View()) + answer.SubString(2, 9), 0);
+            Trace("sent " + Printable(item.name.View()) + (item.isDirectory ? "/" : answer.SubString(2, 9)), 0);
         } else {
             const bool isRefusal = answer.View().starts_with("no ");
             TraceErr("not sent " + Printable(item.name.View()) + ": " +
@@ -101,7 +101,7 @@ private:
         return true;
     }
 
-    TransferMeter _meter;
+    TransferMeter _meter{"KiB sent"};
     Conversation _talk;
     const Parcel& _parcel;
     std::vector<char> _buffer;

@@ -59,7 +59,7 @@ private:
             if (text == "end") return _talk.Tell(ZELString("end ") + toString(_taken));
             if (text.starts_with("directory ")) {
                 const std::string_view name = text.substr(std::strlen("directory "));
-                if (!Answer(name, _inbox.MakeDirectory(name), "")) return false;
+                if (!Answer(name, _inbox.MakeDirectory(name), "ok")) return false;
             } else if (text.starts_with("file ")) {
                 if (!TakeFile(text.substr(std::strlen("file ")))) return false;
             } else {
@@ -89,7 +89,7 @@ private:
             problem = announced.View().starts_with("sum ") ? "the checksum differs"
                                                            : "the sender could not read it to its end";
         if (problem.Length() == 0) problem = arrival.Settle();
-        return Answer(name, problem, sum.Text());
+        return Answer(name, problem, "ok " + sum.Text());
     }
 
     // What arrives after a problem is read and forgotten.
@@ -113,19 +113,19 @@ private:
         return false;
     }
 
-    bool Answer(std::string_view name, const ZELString& problem, const ZELString& sum) {
+    bool Answer(std::string_view name, const ZELString& problem, const ZELString& good) {
         _progress.Clear();
         if (problem.Length() == 0) {
             ++_taken;
-            Trace("took " + Printable(name) + " " + sum, 0);
-            return _talk.Tell("ok " + sum);
+            Trace("took " + Printable(name) + (good == "ok" ? "/" : good.SubString(2, 9)), 0);
+            return _talk.Tell(good);
         }
         ++_refused;
         TraceErr("refused " + Printable(name) + ": " + Printable(problem.View()));
         return _talk.Tell("no " + problem);
     }
 
-    TransferMeter _meter;
+    TransferMeter _meter{"KiB taken"};
     Conversation _talk;
     const Inbox& _inbox;
     Progress _progress;
@@ -166,6 +166,6 @@ int Serve(const ServeOptions& options) {
     Trace("courier takes files for " + options.directory + " at port " + toString(server.GetPort()), 0);
     int visits = 0;
     while (!interruption::Happened()) visits += Receive(server, inbox, options.patience);
-    Trace("courier ends after " + toString(visits) + " visits", 0);
+    Trace("courier ends, visits: " + toString(visits), 0);
     return 0;
 }
