@@ -21,26 +21,21 @@ private:
 };
 
 // The ring as a list of everything that was ever counted: what lies in the 20 slices before the present one.
-class LoadModel {
-public:
-    LoadModel(int length, std::int64_t now) : _length(length), _sliceStart(now) {}
+struct LoadModel {
     void Count(int amount, std::int64_t now) {
-        std::int64_t passed = std::max<std::int64_t>(0, now - _sliceStart) * 20 / _length;
+        std::int64_t passed = std::max<std::int64_t>(0, now - sliceStart) * 20 / length;
         if (passed > 21) passed = 21 + passed % 21;
-        _slice += passed;
-        _sliceStart += passed * (_length / 20);
-        _counted[_slice] += amount;
+        sliceStart += passed * (length / 20);
+        counted[slice += passed] += amount;
     }
     int Recent() const {
         int sum = 0;
-        for (const auto& [slice, amount] : _counted) sum += slice < _slice && slice >= _slice - 20 ? amount : 0;
+        for (const auto& [at, amount] : counted) sum += at < slice && at >= slice - 20 ? amount : 0;
         return sum;
     }
-
-private:
-    int _length;
-    std::int64_t _sliceStart, _slice = 0;
-    std::map<std::int64_t, int> _counted;
+    int length;
+    std::int64_t sliceStart, slice = 0;
+    std::map<std::int64_t, int> counted = {};
 };
 
 // A stream buffer that refuses everything, in the given way.
@@ -52,23 +47,22 @@ struct Refusing : std::streambuf {
 
 }  // namespace
 
-TEST(AmountText, ReadsAsTold) {
-    const std::pair<int, const char*> rows[] = {
-        {INT_MIN, "0"},     {-1, "0"},        {0, "0"},          {1000, "1000"},        {1001, "0.97k"},
-        {1024, "1k"},       {1035, "1.01k"},  {2048, "2k"},      {5000, "4.88k"},       {10240, "10k"},
-        {10300, "10k"},     {12800, "12.5k"}, {102399, "99.9k"}, {150000, "146k"},      {1025023, "1000k"},
-        {1025024, "0.97M"}, {1 << 20, "1M"},  {5 << 19, "2.5M"}, {1049624576, "0.97T"}, {1 << 30, "1T"},
-        {INT_MAX, "1.99T"}};
-    for (const auto& [amount, text] : rows) EXPECT_EQ(AmountText(amount), text) << amount;
-}
-
-TEST(DurationText, ReadsAsTold) {
-    const std::pair<int, const char*> rows[] = {
-        {INT_MIN, "0s"},      {0, "0s"},       {59, "59s"},     {60, "1m"},
-        {61, "1m1s"},         {3600, "1h"},    {3605, "1h5s"},  {3725, "1h2m5s"},
-        {86399, "23h59m59s"}, {86400, "1d"},   {86401, "1d1s"}, {86460, "1d1m"},
-        {86465, "1d1m5s"},    {90001, "1d1h"}, {90061, "1d1h"}, {INT_MAX, "24855d3h"}};
-    for (const auto& [seconds, text] : rows) EXPECT_EQ(DurationText(seconds), text) << seconds;
+TEST(Counter, WritesAmountsAndTimesAsTold) {
+    const auto check = [](const char* rows, ZELString (*write)(int) noexcept) {
+        std::istringstream words(rows);
+        std::string text;
+        for (int number = 0; words >> number >> text;) EXPECT_EQ(write(number), text.c_str()) << number;
+        EXPECT_TRUE(words.eof());
+    };
+    check(
+        "-2147483648 0 -1 0 0 0 1000 1000 1001 0.97k 1024 1k 1035 1.01k 2048 2k 5000 4.88k 10240 10k 10300 10k "
+        "12800 12.5k 102399 99.9k 150000 146k 1025023 1000k 1025024 0.97M 1048576 1M 2621440 2.5M 1049624576 0.97T "
+        "1073741824 1T 2147483647 1.99T",
+        AmountText);
+    check(
+        "-2147483648 0s 0 0s 59 59s 60 1m 61 1m1s 3600 1h 3605 1h5s 3725 1h2m5s 86399 23h59m59s 86400 1d 86401 1d1s "
+        "86460 1d1m 86465 1d1m5s 90001 1d1h 90061 1d1h 2147483647 24855d3h",
+        DurationText);
 }
 
 TEST_F(Counters, ReportTheAmountSinceTheyStarted) {
@@ -119,7 +113,7 @@ TEST_F(Counters, KeepTheLoadLikeAListOfAllThatWasCounted) {
         std::int64_t now = 1'700'000'000;
         HoldTime(now);
         TAPerfoLoad load("l", length);
-        LoadModel model(length, now);
+        LoadModel model{length, now};
         for (int step = 0; step < 2000; ++step) {
             now += random() % 4 != 0 ? random() % (length / 10 + 2) : random() % (5 * length);
             if (random() % 50 == 0) now += std::int64_t{100} * length;
@@ -215,18 +209,13 @@ TEST(Counter, CountsExactlyFromManyThreads) {
         EXPECT_NE(texts.find(part), std::string::npos) << texts;
 }
 
-TEST(Counter, HasItsFunctionsInOrder) {
-    EXPECT_EQ(SlotOf(&TAPerfo::Reset), 0U);
-    EXPECT_EQ(SlotOf(&TAPerfo::Count), 1U);
-    EXPECT_EQ(SlotOf(static_cast<void (TAPerfo::*)(std::ostream&)>(&TAPerfo::Report)), 2U);
-    EXPECT_EQ(SlotOf(static_cast<ZELString (TAPerfo::*)()>(&TAPerfo::Report)), 3U);
-}
-
 // Statics of files in any order, and ends behind the end of main.
 static TAPerfo early("early");
 static const bool wasEntered = TAPerfo::globalList.Size() > 0;
 
-TEST(Counter, ServesStatics) {
-    EXPECT_TRUE(wasEntered);
-    EXPECT_EQ(TAPerfo::globalList[1], &early);
+TEST(Counter, ServesStaticsAndOldPrograms) {
+    EXPECT_TRUE(wasEntered && TAPerfo::globalList[1] == &early);
+    EXPECT_TRUE(SlotOf(&TAPerfo::Reset) == 0 && SlotOf(&TAPerfo::Count) == 1);
+    EXPECT_EQ(SlotOf(static_cast<void (TAPerfo::*)(std::ostream&)>(&TAPerfo::Report)), 2U);
+    EXPECT_EQ(SlotOf(static_cast<ZELString (TAPerfo::*)()>(&TAPerfo::Report)), 3U);
 }
