@@ -115,12 +115,12 @@ private:
 int Send(const SendOptions& options) {
     Parcel parcel;
     for (const ZELString& path : options.paths) parcel.Add(path);
-    interruption::Heed();
     TASocket socket;
     if (socket.OpenClient(options.host, options.port, options.patience) != 0) {
         TraceStdErr(ZELString("courier: ") + socket.GetErrMsg());
         return 1;
     }
+    interruption::Heed();  // before this, nobody waits for a good end
     const int count = static_cast<int>(parcel.Items().size());
     Journey journey(socket, parcel, options.patience);
     const int sent = journey.Run();

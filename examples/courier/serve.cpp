@@ -135,6 +135,7 @@ private:
 // Waits a second for a visitor. False when nobody came.
 bool Receive(TASocket& server, const Inbox& inbox, int patience) {
     TASocket socket;
+    socket.SetIdleLimit(patience);  // a greeting may begin and not end
     ZELString greeting;
     const int result = server.GetQuery(1, greeting, socket, 1);
     if (socket.GetPort() == 0) {
