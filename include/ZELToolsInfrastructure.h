@@ -15,6 +15,7 @@
 #include "TAIndexI.h"
 #include "TAInsTaskList.h"
 #include "TAMutex.h"
+#include "TAPerfo.h"
 #include "TAProcess.h"
 #include "TAProcessKill.h"
 #include "TAProcessList.h"

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <sstream>
 
 namespace {
 
@@ -184,6 +185,14 @@ void Coding() {
     Expect(first.Length() == 20 && !(first == generator.Get()), "TAUUIDGenerator");
 }
 
+void Measuring() {
+    TAPerfoAv counter("consumer");
+    counter.Count(2048);
+    std::ostringstream report;  // of this program's own stream library
+    TAPerfo::GlobalReport(report);
+    Expect(report.str() == "consumer 0 per 1m, 2k in 0s\n" && TAPerfo::globalList.Size() == 1, "TAPerfo");
+}
+
 void Filters() {
     TAUnicodeRegularExpression filter("*_[0-9]*.cpp");
     Expect(filter.CheckFromFilter("scan_12.cpp") == 1 && filter.CheckFromFilter("scan.cpp") == 0, "filters");
@@ -201,6 +210,7 @@ int main() {
     Files();
     Processes();
     Coding();
+    Measuring();
     Filters();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;
