@@ -54,6 +54,9 @@
 
 class TAPerfo;
 struct TASocketConnection;  // what exists while the socket is open
+namespace platform {
+class Socket;
+}
 
 class ZEL_API TASocket {
 public:
@@ -85,8 +88,8 @@ public:
     // And reads the client's first block, a text, as GetBlock(query, timeout) on it does; its result is the result.
     // Also when that failed `client` is open, and is its owner's to close.
     int GetQuery(int timeout, ZELString& query, TASocket& client) noexcept;
-    // The same, but waits for a client at most `acceptTimeout` seconds, then gives 1 with the message "Query time-out"
-    // and leaves `client` alone. 0 takes a client that waits already; below 0 waits without limit.
+    // The same, but waits for a client at most `acceptTimeout` seconds, then gives 1 with the message
+    // "Query time-out". 0 takes a client that waits already; below 0 waits without limit.
     int GetQuery(int timeout, ZELString& query, TASocket& client, int acceptTimeout) noexcept;
 
     // Sends what waits, hangs up, forgets the words and whether blocks came compressed. 1 when the socket is not open,
@@ -113,11 +116,11 @@ public:
     // Sends what waits; blocks until the system has taken it. It is gone also after a failure.
     int Flush() noexcept;
 
-    // The counterparts. What they fill is emptied first, stays so after a failure, and keeps its old value when nothing
-    // came in time (2).
+    // The counterparts. What they fill keeps its old value until something came, and is empty or 0 after a failure.
     int GetBlock(ZELString& text, int timeout) noexcept;
     int GetBlock(ZELListValZELString& words, int timeout) noexcept;
-    // `*data` is a block that the caller frees with free(), null when `*size` is 0 or the result is not 0.
+    // `*data` is a block that the caller frees with free(); null, and `*size` 0, for no bytes and when the result is
+    // not 0.
     int GetBinBlock(int* size, void** data, int timeout) noexcept;
     int Read(int& value, int timeout) noexcept;
     int Read(ZELString& text, int timeout) noexcept;
@@ -146,19 +149,21 @@ public:
     const char* GetErrMsg() const noexcept { return _message; }
 
 private:
-    enum class Mode { Closed = 0, Plain = 1, Compressed = 2 };
+    friend struct TASocketConnection;
 
     int Fail(const char* message) noexcept;
     int RefuseItem(long long size) noexcept;
-    bool IsOpen() const noexcept { return _mode != Mode::Closed; }
+    int Adopt(platform::Socket&& socket, const char* failure) noexcept;
+    int AcceptClient(TASocket& client, int acceptTimeout) noexcept;
+    void CopyMessage(const TASocket& other) noexcept;
+    int BeginGet(int timeout) noexcept;
 
-    Mode _mode = Mode::Closed;
     int _bufferSize;
-    int _idleLimit = 0;
+    int _idleLimit = 0;                         // seconds; 0: none
     TASocketConnection* _connection = nullptr;  // null when closed
     TAPerfo* _receiveMeter = nullptr;
     TAPerfo* _sendMeter = nullptr;
-    const char* _message;  // constant, or _sizeMessage
+    const char* _message;  // constant text, or _sizeMessage
     char _sizeMessage[72];
 };
 

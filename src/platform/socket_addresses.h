@@ -34,6 +34,8 @@ NetworkAddress ToAddress(const addrinfo& found) noexcept {
 
 }  // namespace
 
+const int platform::UnknownService = EAI_SERVICE;
+
 int platform::ResolveAddresses(const char* host, int port, Purpose purpose, AddressList& list) noexcept {
     addrinfo hints = {};
     hints.ai_family = purpose == Purpose::ConnectByIPv4 ? AF_INET : AF_UNSPEC;

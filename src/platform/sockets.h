@@ -39,6 +39,8 @@ enum class Purpose { Connect, ConnectByIPv4, Listen };
 // Asks the system for the addresses of a host and port, in the system's order. A null `host` is this machine's
 // loopback, to listen any address. Blocks as long as name servers do. 0, or a code that ResolveErrorText tells.
 int ResolveAddresses(const char* host, int port, Purpose purpose, AddressList& list) noexcept;
+// The code for a port that no service can have.
+extern const int UnknownService;
 void ResolveErrorText(int code, char (&text)[256]) noexcept;
 
 // Any address of this machine.
