@@ -55,22 +55,30 @@ int TASocket::OpenClient(ZELString host, int port, int connectTimeout) noexcept 
     if (_connection != nullptr) Close();
     const std::int64_t limit = connectTimeout > 0 ? std::int64_t{connectTimeout} * 1000 : -1;
     const char* failure = "unable to create client socket";
-    if (!WantsBothFamilies("SERVERONLY")) return Adopt(ConnectByIPv4(host, port, limit, failure), failure);
-    const SetupTrace trace("OpenClient", "SERVERONLY");
-    const int result = Adopt(ConnectByAny(host, port, limit, trace, failure), failure);
-    trace.Time("ending");
-    return result;
+    platform::Socket socket;
+    if (WantsBothFamilies("SERVERONLY")) {
+        const SetupTrace trace("OpenClient", "SERVERONLY");
+        socket = ConnectByAny(host, port, limit, trace, failure);
+        trace.Time("ending");
+    } else {
+        socket = ConnectByIPv4(host, port, limit, failure);
+    }
+    return Adopt(std::move(socket), failure);
 }
 
 int TASocket::OpenServer(int port) noexcept {
     if (!HasSockets()) return Fail(NoLibrary);
     if (_connection != nullptr) Close();
     const char* failure = "unable to create server socket";
-    if (!WantsBothFamilies("CLIENTONLY")) return Adopt(ListenByIPv4(port, failure), failure);
-    const SetupTrace trace("OpenServer", "CLIENTONLY");
-    const int result = Adopt(ListenByBoth(port, trace, failure), failure);
-    trace.Time("ending");
-    return result;
+    platform::Socket socket;
+    if (WantsBothFamilies("CLIENTONLY")) {
+        const SetupTrace trace("OpenServer", "CLIENTONLY");
+        socket = ListenByBoth(port, trace, failure);
+        trace.Time("ending");
+    } else {
+        socket = ListenByIPv4(port, failure);
+    }
+    return Adopt(std::move(socket), failure);
 }
 
 int TASocket::GetPort() const noexcept {

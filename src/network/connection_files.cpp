@@ -189,6 +189,7 @@ int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noex
         }
     }
     if (!target.Finish()) return Fail("Unable to write in file for TASocket::GetFile");
+    tally.Tell();
     if (const int result = Wait(timeout); result != 0) return result;
     return CheckTotal(tally.total);
 }
