@@ -21,6 +21,7 @@
 #include "TAProcessList.h"
 #include "TARefCounter.h"
 #include "TARunLength.h"
+#include "TASocket.h"
 #include "TATextUtilities.h"
 #include "TAThread.h"
 #include "TAThreadLock.h"
