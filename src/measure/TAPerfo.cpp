@@ -165,7 +165,7 @@ void TAPerfoAv::Report(std::ostream& stream) {
 ZELString TAPerfoAv::Report() {
     const TALocker guard(&_lock);
     const __int64 elapsed = SecondsNow() - _start;
-    const __int64 rate = elapsed > 0 ? __int64{static_cast<int>(_count)} * _length / elapsed : 0;
+    const std::int64_t rate = elapsed > 0 ? std::int64_t{static_cast<int>(_count)} * _length / elapsed : 0;
     return _name + ' ' + AmountText(static_cast<int>(rate)) + " per " + DurationText(_length) + ',' + TotalText();
 }
 

@@ -238,15 +238,15 @@ TEST(Courier, OutlivesPeersThatBreakTheRules) {
     };
     for (const Row& row : rows) {
         Peer peer(server);
-        std::string answer;
         for (const std::string& text : row.texts) {
-            const bool isNumber = text.find_first_not_of("0123456789") == text.npos;
-            if (text == "...") {
+            if (text == "...")
                 peer.Begin();
-                continue;
-            }
-            isNumber ? peer.Bytes(std::string(std::stoul(text), 'x')) : peer.Say(text);
-            if (text == Greeting) EXPECT_EQ(peer.Answer(), Greeting) << row.what;
+            else if (text == Greeting)
+                peer.Ask(text);
+            else if (text.find_first_not_of("0123456789") == text.npos)
+                peer.Bytes(std::string(std::stoul(text), 'x'));
+            else
+                peer.Say(text);
         }
         EXPECT_EQ(peer.Answer(), row.answer) << row.what;
     }
