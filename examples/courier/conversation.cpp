@@ -7,6 +7,11 @@
 
 Conversation::Conversation(TASocket& socket, int patience) : _socket(socket), _patience(patience) {
     _socket.SetIdleLimit(patience);
+    _socket.SetPerfo(&_meter, &_meter);
+}
+
+Conversation::~Conversation() {
+    _socket.SetPerfo(nullptr, nullptr);
 }
 
 bool Conversation::Note(bool isGood) {
@@ -25,7 +30,7 @@ bool Conversation::Await(Get get) {
 }
 
 bool Conversation::Tell(const ZELString& text) {
-    return Note(_socket.PutBlock(text) == 0 && _socket.Flush() == 0);
+    return Note(_socket.PutBlock(text) == 0);
 }
 
 bool Conversation::TellBlock(char* bytes, int size) {

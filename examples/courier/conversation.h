@@ -19,7 +19,7 @@ constexpr int BlockSize = 256 * 1024;
 // Counts units of 1024 bytes, since reports see 31 bits of an amount, and an average for each second.
 class TransferMeter : public TAPerfoAv {
 public:
-    explicit TransferMeter(const char* name) noexcept : TAPerfoAv(name, 1) {}
+    TransferMeter() noexcept : TAPerfoAv("KiB", 1) {}
     void Count(int bytes) override {
         _bytes += bytes;
         TAPerfoAv::Count(static_cast<int>(_bytes / 1024 - _counted));
@@ -39,8 +39,12 @@ class Conversation {
 public:
     // Gives up when the other side is silent for `patience` seconds.
     Conversation(TASocket& socket, int patience);
+    Conversation(const Conversation&) = delete;
+    Conversation& operator=(const Conversation&) = delete;
+    ~Conversation();
 
     // False when the connection is of no more use; Problem() tells why. They also end on an interruption.
+    // A text waits for what comes behind it: a block, or listening, or the end of the connection.
     bool Tell(const ZELString& text);
     bool TellBlock(char* bytes, int size);
     bool Hear(ZELString& text);
@@ -48,6 +52,8 @@ public:
     bool HearBlock(Block& block);
 
     const ZELString& Problem() const { return _problem; }
+    // How much has passed, and how fast.
+    ZELString Speed() { return _meter.Report(); }
 
 private:
     template <class Get>
@@ -56,6 +62,7 @@ private:
 
     TASocket& _socket;
     int _patience;
+    TransferMeter _meter;  // of both directions
     ZELString _problem;
 };
 

@@ -22,9 +22,7 @@ namespace {
 class Journey {
 public:
     Journey(TASocket& socket, const Parcel& parcel, int patience)
-        : _talk(socket, patience), _parcel(parcel), _buffer(BlockSize) {
-        socket.SetPerfo(nullptr, &_meter);
-    }
+        : _talk(socket, patience), _parcel(parcel), _buffer(BlockSize) {}
 
     // The number of items that are there in the end; -1 when the connection failed, which was told.
     int Run() {
@@ -40,7 +38,7 @@ public:
         if (answer != ZELString("end ") + toString(_sent)) return Complain("the other side counted otherwise");
         return _sent;
     }
-    ZELString Speed() { return _meter.Report(); }
+    ZELString Speed() { return _talk.Speed(); }
 
 private:
     int Complain(const ZELString& problem) {
@@ -80,7 +78,7 @@ private:
             _rest -= static_cast<long long>(count);
             _progress.Show([&] {
                 return toString(number) + " of " + toString(static_cast<int>(_parcel.Items().size())) + ", " +
-                       toString(static_cast<int>((size - _rest) * 100 / size)) + "%, " + _meter.Report();
+                       toString(static_cast<int>((size - _rest) * 100 / size)) + "%, " + _talk.Speed();
             });
         }
         return _talk.TellBlock(_buffer.data(), 0);
@@ -101,7 +99,6 @@ private:
         return true;
     }
 
-    TransferMeter _meter{"KiB sent"};
     Conversation _talk;
     const Parcel& _parcel;
     std::vector<char> _buffer;

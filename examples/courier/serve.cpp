@@ -22,16 +22,14 @@ namespace {
 
 class Visit {
 public:
-    Visit(TASocket& socket, const Inbox& inbox, int patience) : _talk(socket, patience), _inbox(inbox) {
-        socket.SetPerfo(&_meter, nullptr);
-    }
+    Visit(TASocket& socket, const Inbox& inbox, int patience) : _talk(socket, patience), _inbox(inbox) {}
     // `greeting` when it has come already, else null.
     void Run(const ZELString* greeting) {
         const bool isWhole = Greet(greeting) && TakeAll();
         _progress.Clear();
         if (!isWhole && _talk.Problem().Length() > 0) TraceErr("the visit ended early: " + _talk.Problem());
         Trace(ZELString("visit ended: ") + toString(_taken) + " taken, " + toString(_refused) + " refused, " +
-                  _meter.Report(),
+                  _talk.Speed(),
               0);
     }
 
@@ -107,7 +105,7 @@ private:
             if (problem.Length() == 0) problem = arrival.Add(block.bytes.get(), block.size);
             _progress.Show([&] {
                 return toString(_taken) + " taken, " + toString(static_cast<int>(received * 100 / size)) + "% of " +
-                       Printable(name.substr(0, 30)) + ", " + _meter.Report();
+                       Printable(name.substr(0, 30)) + ", " + _talk.Speed();
             });
         }
         return false;
@@ -125,7 +123,6 @@ private:
         return _talk.Tell("no " + problem);
     }
 
-    TransferMeter _meter{"KiB taken"};
     Conversation _talk;
     const Inbox& _inbox;
     Progress _progress;
