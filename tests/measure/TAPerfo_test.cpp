@@ -148,7 +148,8 @@ TEST_F(Counters, StandInTheListWhileTheyLiveAndCopiesDoNot) {
         load.Count(1);
         load.SetName("changed");
         load = third;
-        average = average;
+        const TAPerfoAv& same = average;
+        average = same;
         copy = *second;
         EXPECT_EQ(load.Report(), third.Report());
         EXPECT_EQ(copy.Report(), "second 3 in 5s");
