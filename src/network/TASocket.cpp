@@ -212,11 +212,9 @@ int TASocket::Read(ZELString& text, int timeout) noexcept {
 }
 
 int TASocket::GetFile(ZELString path, int timeout) noexcept {
-    const int result = BeginGet(timeout);
-    return result != 0 ? result : _connection->GetFile(path, timeout, false);
+    return _connection != nullptr ? _connection->GetFile(path, timeout, false) : Fail(NotOpenForGet);
 }
 
 int TASocket::GetFileASCII(ZELString path, int timeout) noexcept {
-    const int result = BeginGet(timeout);
-    return result != 0 ? result : _connection->GetFile(path, timeout, true);
+    return _connection != nullptr ? _connection->GetFile(path, timeout, true) : Fail(NotOpenForGet);
 }

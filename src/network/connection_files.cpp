@@ -66,19 +66,23 @@ std::ptrdiff_t ReadFully(std::FILE* file, char* bytes, std::size_t size) noexcep
     return static_cast<std::ptrdiff_t>(done);
 }
 
-// The file that is received. As text, a CR in front of an LF is dropped; the stream ends lines as the target does.
+// The file that is received. Pieces are gathered where they lie and written together, before that place is used again.
+// As text, a CR in front of an LF is dropped; the stream ends lines as the target does.
 class Target {
 public:
     Target(const char* path, bool isText) noexcept
         : _isText(isText), _file(platform::OpenStream(path, isText ? "w" : "wb")) {}
 
     bool IsOpen() const noexcept { return _file != nullptr; }
-    // Has the file written in large pieces from `block`, which must outlive this.
-    void Use(char* block, std::size_t size) noexcept { std::setvbuf(_file.get(), block, _IOFBF, size); }
-    bool Write(std::string_view bytes) noexcept { return _isText ? WriteText(bytes) : WriteBytes(bytes); }
+    bool Write(std::string_view bytes) noexcept {
+        if (_isText) return WriteText(bytes);
+        _pieces[_count++] = bytes;
+        return _count < platform::MostPieces || WriteGathered();
+    }
+    bool WriteGathered() noexcept { return platform::WritePieces(_file.get(), _pieces, std::exchange(_count, 0)); }
     // Whether all of it has reached the system.
     bool Finish() noexcept {
-        const bool isWritten = !_hasReturn || WriteBytes("\r");
+        const bool isWritten = WriteGathered() && (!_hasReturn || WriteBytes("\r"));
         return std::fclose(_file.release()) == 0 && isWritten;
     }
 
@@ -100,6 +104,8 @@ private:
     bool _isText;
     bool _hasReturn = false;  // a CR waits for what comes behind it
     File _file;
+    std::string_view _pieces[platform::MostPieces];
+    int _count = 0;
 };
 
 }  // namespace
@@ -167,28 +173,32 @@ int TASocketConnection::PutFile(const char* path) noexcept {
 }
 
 int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noexcept {
-    const Block block = MakeBlock(AtOnce);
-    if (block == nullptr) return Fail("Unable to create read buffer");
+    constexpr const char* NotWritten = "Unable to write in file for TASocket::GetFile";
+    if (!_in.HasMemory()) return Fail("Unable to create read buffer");
+    if (const int result = BeginGet(timeout); result != 0) return result;
     Target target(path, isText);
-    if (!target.IsOpen()) return Fail("Unable to write in file for TASocket::GetFile");
-    target.Use(block.get(), AtOnce);
+    if (!target.IsOpen()) return Fail(NotWritten);
     Tally tally(ReceiveMeter());
-    for (int length = 0;;) {
+    for (;;) {
+        // What is gathered lies in the buffer, which reading on may fill anew.
+        if (_in.Arrived().size() < block_header::Size && !target.WriteGathered()) return Fail(NotWritten);
         if (const int result = Wait(timeout); result != 0) return result;
+        int length = 0;
         if (!ReadHeader(length)) return Fail("Unable to get block size");
         if (length == 0) break;
         if (length < 0) return Fail("Unable to get full block");
         while (length > 0) {
+            if (_in.IsEmpty() && !target.WriteGathered()) return Fail(NotWritten);
             if (_in.Fill(_socket, IdleLimit()) != platform::ReceiveStatus::Received)
                 return Fail("Unable to get full block");
             const std::string_view piece = _in.Arrived().substr(0, static_cast<std::size_t>(length));
-            if (!target.Write(piece)) return Fail("Unable to write in file for TASocket::GetFile");
+            if (!target.Write(piece)) return Fail(NotWritten);
             _in.Skip(piece.size());
             tally.Add(piece.size());
             length -= static_cast<int>(piece.size());
         }
     }
-    if (!target.Finish()) return Fail("Unable to write in file for TASocket::GetFile");
+    if (!target.Finish()) return Fail(NotWritten);
     tally.Tell();
     if (const int result = Wait(timeout); result != 0) return result;
     return CheckTotal(tally.total);

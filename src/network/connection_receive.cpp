@@ -82,7 +82,7 @@ bool TASocketConnection::ReadString(ZELString& text) noexcept {
 }
 
 int TASocketConnection::GetText(ZELString& text) noexcept {
-    text = ZELString();
+    text = "";  // and keeps its memory for the next
     int length = 0;
     if (!ReadHeader(length)) return Fail("Unable to get block size ");
     if (length < 0) _isCompressed = true;
@@ -147,7 +147,7 @@ int TASocketConnection::GetInteger(int& value) noexcept {
 }
 
 int TASocketConnection::GetString(ZELString& text) noexcept {
-    text = ZELString();
+    text = "";
     int length = 0;
     if (!ReadInteger(length)) return Fail("Unable to get block size");
     if (length >= 0 && ReadText(text, length)) return 0;

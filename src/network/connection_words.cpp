@@ -20,11 +20,16 @@ namespace {
 
 constexpr int EndOfWords = -1;
 
-// Calls `visit` with each word of the text, empty ones included, until it fails. Blanks cut and so do NULs.
+// Blanks cut and so do NULs.
+bool Cuts(char c) noexcept {
+    return (c & 0xDF) == 0;
+}
+
+// Calls `visit` with each word of the text, empty ones included, until it fails.
 template <class Visit>
 bool ForEachWord(std::string_view text, Visit visit) noexcept {
     for (;;) {
-        const auto end = std::find_if(text.begin(), text.end(), [](char c) { return (c & 0xDF) == 0; });
+        const auto end = std::find_if(text.begin(), text.end(), Cuts);
         const auto length = static_cast<std::size_t>(end - text.begin());
         if (!visit(text.substr(0, length))) return false;
         if (length == text.size()) return true;
@@ -60,14 +65,16 @@ int TASocketConnection::DefineWord(std::string_view word, int& number) noexcept 
 int TASocketConnection::PutCompressedText(std::string_view text) noexcept {
     const auto length = static_cast<int>(text.size());
     if (length > block_header::MostBytes) return _owner.RefuseItem(length);
-    int count = 0;
-    std::int64_t tooLong = -1;
-    ForEachWord(text, [&](std::string_view word) {
-        ++count;
-        if (!TakesWord(word)) tooLong = static_cast<std::int64_t>(word.size());
-        return tooLong < 0;
-    });
-    if (tooLong >= 0) return _owner.RefuseItem(tooLong);
+    if (!TakesWord(text)) {
+        // Perhaps because of one of its words.
+        std::int64_t tooLong = -1;
+        ForEachWord(text, [&](std::string_view word) {
+            if (!TakesWord(word)) tooLong = static_cast<std::int64_t>(word.size());
+            return tooLong < 0;
+        });
+        if (tooLong >= 0) return _owner.RefuseItem(tooLong);
+    }
+    const auto count = static_cast<int>(std::count_if(text.begin(), text.end(), Cuts)) + 1;
     const std::unique_ptr<int, decltype(&std::free)> numbers(
         static_cast<int*>(Allocate(static_cast<std::size_t>(count) * sizeof(int))), std::free);
     if (numbers == nullptr) {

@@ -40,11 +40,15 @@ ReceiveBuffer::~ReceiveBuffer() {
     std::free(_bytes);
 }
 
+bool ReceiveBuffer::HasMemory() noexcept {
+    if (_bytes == nullptr) _bytes = AllocateBuffer(Capacity);
+    return _bytes != nullptr;
+}
+
 ReceiveStatus ReceiveBuffer::Fill(platform::Socket& socket, std::int64_t limit) noexcept {
     if (!IsEmpty()) return ReceiveStatus::Received;
     if (_hasEnded) return ReceiveStatus::Ended;
-    if (_bytes == nullptr) _bytes = AllocateBuffer(Capacity);
-    if (_bytes == nullptr) return ReceiveStatus::Invalid;
+    if (!HasMemory()) return ReceiveStatus::Invalid;
     std::size_t count = 0;
     const ReceiveStatus status = socket.Receive(_bytes, Capacity, limit, count);
     _begin = 0;

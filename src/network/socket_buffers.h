@@ -44,12 +44,14 @@ public:
     ReceiveBuffer& operator=(const ReceiveBuffer&) = delete;
     ~ReceiveBuffer();
 
+    // False when memory runs out, which is said on standard output.
+    bool HasMemory() noexcept;
     bool IsEmpty() const noexcept { return _begin == _end; }
     std::string_view Arrived() const noexcept { return {_bytes + _begin, _end - _begin}; }
     void Skip(std::size_t size) noexcept { _begin += size; }
 
-    // Waits for more when nothing is left. Once a connection has ended it stays so. Invalid too when memory ran out,
-    // which is said on standard output.
+    // Waits for more when nothing is left. Once a connection has ended it stays so. Invalid too without
+    // memory.
     platform::ReceiveStatus Fill(platform::Socket& socket, std::int64_t limit) noexcept;
     // Stores exactly `size` bytes, from here and then from the socket; false when it ends or stalls before.
     bool Read(platform::Socket& socket, std::int64_t limit, void* bytes, std::size_t size) noexcept;

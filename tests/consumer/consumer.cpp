@@ -193,6 +193,15 @@ void Measuring() {
     Expect(report.str() == "consumer 0 per 1m, 2k in 0s\n" && TAPerfo::globalList.Size() == 1, "TAPerfo");
 }
 
+void Network() {
+    TASocket server, client, accepted;
+    ZELString query;
+    Expect(server.OpenServer(0) == 0 && client.OpenClient("127.0.0.1", server.GetPort(), 10) == 0 &&
+               client.PutBlock("query") == 0 && client.Flush() == 0 && server.GetQuery(10, query, accepted, 10) == 0 &&
+               query == "query",
+           "TASocket");
+}
+
 void Filters() {
     TAUnicodeRegularExpression filter("*_[0-9]*.cpp");
     Expect(filter.CheckFromFilter("scan_12.cpp") == 1 && filter.CheckFromFilter("scan.cpp") == 0, "filters");
@@ -211,6 +220,7 @@ int main() {
     Processes();
     Coding();
     Measuring();
+    Network();
     Filters();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;

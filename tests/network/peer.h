@@ -2,6 +2,7 @@
 #ifndef TESTS_NETWORK_PEER_H
 #define TESTS_NETWORK_PEER_H
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -54,15 +55,17 @@ private:
 
 // A TASocket that a server accepted, and what is at its other end.
 struct Conversation {
-    explicit Conversation(int bufferSize = TASocket::DefaultBufferSize) : peer(listener.port), socket(bufferSize) {
+    explicit Conversation(Listener& listener, int bufferSize = TASocket::DefaultBufferSize)
+        : peer(listener.port), socket(bufferSize) {
         EXPECT_EQ(listener.server.GetQuery(socket), 0) << listener.server.GetErrMsg();
     }
+    explicit Conversation(int bufferSize = TASocket::DefaultBufferSize)
+        : Conversation(*std::make_unique<Listener>(), bufferSize) {}
     // What arrives when the socket closes.
     std::string CloseAndReceive() {
         socket.Close();
         return peer.Receive();
     }
-    Listener listener;
     Peer peer;
     TASocket socket;
 };

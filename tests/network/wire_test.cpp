@@ -20,31 +20,33 @@ std::string Bytes(std::initializer_list<int> values) {
     return bytes;
 }
 
+using Action = std::function<int(TASocket&)>;
+
 struct Item {
     const char* name;
-    std::function<int(TASocket&)> put;
+    Action put;
     std::string wire;
-    int sent;                           // what the sender's counter is told in all
-    std::function<int(TASocket&)> get;  // whether the same came back, in which case 0
+    int sent;    // what the sender's counter is told in all
+    Action get;  // whether the same came back, in which case 0
     int received;
 };
 
-std::function<int(TASocket&)> PutText(std::string text) {
+Action PutText(std::string text) {
     return [text](TASocket& socket) { return socket.PutBlock(ZELString(text.data(), text.size())); };
 }
 
-std::function<int(TASocket&)> GetText(std::string text) {
+Action GetText(std::string text) {
     return [text](TASocket& socket) {
         ZELString got("before");
         return socket.GetBlock(got, 10) == 0 && got.View() == text ? 0 : 1;
     };
 }
 
-std::function<int(TASocket&)> PutList(std::initializer_list<const char*> words) {
+Action PutList(std::initializer_list<const char*> words) {
     return [list = List(words)](TASocket& socket) mutable { return socket.PutBlock(list); };
 }
 
-std::function<int(TASocket&)> GetList(std::initializer_list<const char*> words) {
+Action GetList(std::initializer_list<const char*> words) {
     return [list = List(words)](TASocket& socket) {
         ZELListValZELString got = List({"before"});
         return socket.GetBlock(got, 10) == 0 && got == list ? 0 : 1;
@@ -62,7 +64,7 @@ int GetBytes(TASocket& socket, const std::string& expected) {
 }
 
 template <class Value>
-std::function<int(TASocket&)> Reading(Value value) {
+Action Reading(Value value) {
     return [value](TASocket& socket) {
         Value got{};
         return socket.Read(got, 10) == 0 && got == value ? 0 : 1;
@@ -161,16 +163,16 @@ TEST(Wire, Headers) {
 // are not known to the other.
 TEST(Wire, CompressionIsCatching) {
     for (const bool asList : {false, true}) {
-        Conversation talk;
+        Listener listener;
+        Conversation talk(listener);
         ZELString text;
         ZELListValZELString list;
         talk.peer.Send(Header(-1) + Number(0) + Text("a") + Number(-1) + Number(1) + (asList ? Text("a") : Number(0)));
         EXPECT_EQ(asList ? talk.socket.GetBlock(list, 10) : talk.socket.GetBlock(text, 10), 0);
-        const std::string answer = Header(-1) + Number(0) + Text("a") + Number(-1) + Number(1) + Number(0);
         EXPECT_EQ(talk.socket.PutBlock("a"), 0);
-        EXPECT_EQ(talk.CloseAndReceive(), answer);
-        Peer second(talk.listener.port);
-        ASSERT_EQ(talk.listener.server.GetQuery(talk.socket), 0);
+        EXPECT_EQ(talk.CloseAndReceive(), Header(-1) + Number(0) + Text("a") + Number(-1) + Number(1) + Number(0));
+        Peer second(listener.port);
+        ASSERT_EQ(listener.server.GetQuery(talk.socket), 0);
         talk.socket.PutBlock("a");
         talk.socket.Close();
         EXPECT_EQ(second.Receive(), Block("a"));

@@ -50,6 +50,17 @@ int Wait(std::intptr_t number, short events, const platform::Deadline& deadline)
     }
 }
 
+// Cheaper than gathering one piece: of a small request by some per cent.
+bool SendOne(int number, const char* bytes, std::size_t size) noexcept {
+    while (size > 0) {
+        const ssize_t sent = platform::RetryInterrupted([&] { return send(number, bytes, size, MSG_NOSIGNAL); });
+        if (sent <= 0) return false;
+        bytes += sent;
+        size -= static_cast<std::size_t>(sent);
+    }
+    return true;
+}
+
 }  // namespace
 
 bool platform::StartSockets() noexcept {
@@ -126,6 +137,7 @@ platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) n
 }
 
 bool platform::Socket::Send(const Piece* pieces, int count) noexcept {
+    if (count == 1) return SendOne(static_cast<int>(_number), static_cast<const char*>(pieces->bytes), pieces->size);
     iovec parts[MaxPieces];
     for (int i = 0; i < count; ++i) parts[i] = {const_cast<void*>(pieces[i].bytes), pieces[i].size};
     iovec* next = parts;
