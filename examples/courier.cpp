@@ -4,11 +4,12 @@
 //     courier send build-server:7000 out log  sends the file or directory "out", and "log"
 //
 // A directory goes with all that is in it, under its last name ("out/." means what is in it alone); contents and names
-// travel, nothing else of a file. An existing file is replaced, in one step, when its new content has arrived whole.
-// The server takes one sender after the other. It writes nowhere but below its directory, whatever the sender says:
-// names that lead out of it or mean something else elsewhere are refused, and so is every way through a link. Senders
-// do not follow links inside a directory. Nothing is encrypted and nobody is asked who they are: for networks that one
-// trusts.
+// travel, nothing else of a file. An existing file is replaced, in one step, when its new content has arrived whole;
+// until then that stands beside it in a file ".courier-" and an identifier, which a server that is killed leaves
+// behind. The server takes one sender after the other. It writes nowhere but below its directory, whatever the sender
+// says: names that lead out of it or mean something else elsewhere are refused, and so is every way through a link.
+// Senders do not follow links inside a directory. Nothing is encrypted and nobody is asked who they are: for networks
+// that one trusts.
 //
 // How couriers talk: blocks of TASocket, all texts but the contents. The sender begins; "<" is an answer.
 //

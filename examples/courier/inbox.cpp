@@ -67,7 +67,9 @@ ZELString Arrival::Begin(const ZELString& path) {
     const std::string_view text = path.View();
     _path = path;
     const ZELString temporary = ZELString(text.substr(0, text.rfind('/') + 1)) + ".courier-" + names.Get();
-    if (LookAt(temporary).kind != Place::Kind::Nothing || _stream.open(temporary, "wb") != 0)
+    // An identifier is new, but somebody who foresaw it could have put a link there.
+    if (LookAt(temporary).kind != Place::Kind::Nothing) return "it cannot be written: its temporary name is taken";
+    if (_stream.open(temporary, "wb") != 0)
         return ZELString("it cannot be written: ") + std::strerror(_stream.GetErrno());
     _temporary = temporary;
     return "";

@@ -361,20 +361,14 @@ TEST(Courier, EndsInGoodOrderWhenItIsInterrupted) {
 }
 
 TEST(Courier, RefusesWhatItCannotUse) {
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
-                                                      {"serve", "d"},
-                                                      {"serve", "", "--port", "0"},
-                                                      {"serve", "d", "--port", "65536"},
-                                                      {"serve", "d", "--port", "-1"},
-                                                      {"serve", "d", "e", "--port", "1"},
-                                                      {"send", "localhost", "f"},
-                                                      {"send", "localhost:0", "f"},
-                                                      {"send", ":1", "f"},
-                                                      {"send", "localhost:1"},
-                                                      {"send", "localhost:1", "f", "--port", "1"},
-                                                      {"send", "localhost:1", "f", "--timeout", "0"},
-                                                      {"fetch", "localhost:1", "f"}})
-        EXPECT_EQ(RunProgram("courier", arguments).exitCode, 2);
+    for (const char* line :
+         {"", "serve d", "serve d --port 65536", "serve d --port -1", "serve d e --port 1", "send localhost f",
+          "send localhost:0 f", "send :1 f", "send localhost:1", "send localhost:1 f --port 1",
+          "send localhost:1 f --timeout 0", "send localhost:1 f --bad", "fetch localhost:1 f"}) {
+        std::istringstream words(line);
+        EXPECT_EQ(RunProgram("courier", {std::istream_iterator<std::string>(words), {}}).exitCode, 2) << line;
+    }
+    EXPECT_EQ(RunProgram("courier", {"serve", "", "--port", "0"}).exitCode, 2);
     const ProgramResult help = RunProgram("courier", {"--help"});
     EXPECT_TRUE(help.exitCode == 0 && Holds(help.out, "exit code")) << help.out;
 }
