@@ -105,7 +105,7 @@ private:
             if (problem.Length() == 0) problem = arrival.Add(block.bytes.get(), block.size);
             _progress.Show([&] {
                 return toString(_taken) + " taken, " + toString(static_cast<int>(received * 100 / size)) + "% of " +
-                       Printable(name.substr(0, 30)) + ", " + _talk.Speed();
+                       Printable(name.substr(0, 20)) + ", " + _talk.Speed();
             });
         }
         return false;
