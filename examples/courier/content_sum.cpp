@@ -11,14 +11,16 @@
 void ContentSum::Add(const char* block, std::size_t size) {
     constexpr unsigned int Odd = 0x9E3779B1;
     if (_text.size() <= size) _text.resize(size + 1);
-    unsigned int zeros = 0;
-    for (std::size_t i = 0; i < size; ++i) {
-        const bool isZero = block[i] == 0;
-        _text[i] = isZero ? '\1' : block[i];
-        zeros += isZero ? static_cast<unsigned int>(i + 1) * Odd : 0;
+    char* const text = _text.data();
+    unsigned int zeros = 0, place = 0;
+    for (std::size_t i = 0; i < size; ++i) {  // without branches, so that compilers take many bytes at once
+        const unsigned int isZero = block[i] == 0;
+        place += Odd;
+        zeros += place & (0 - isZero);
+        text[i] = static_cast<char>(block[i] + static_cast<char>(isZero));
     }
-    _text[size] = '\0';
-    _sum = crc(_text.data(), _sum * Odd + zeros);
+    text[size] = '\0';
+    _sum = crc(text, _sum * Odd + zeros);
 }
 
 ZELString ContentSum::Text() const {
