@@ -99,9 +99,9 @@ std::string SumOf(const std::string& text) {
 
 std::string RandomBytes(std::size_t size) {
     std::mt19937 random(static_cast<unsigned int>(size));
-    std::string bytes(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(random());
-    return bytes;
+    std::vector<std::uint32_t> words(size / 4 + 1);
+    std::generate(words.begin(), words.end(), random);
+    return {reinterpret_cast<const char*>(words.data()), size};
 }
 
 void MakeTree(const std::string& tree) {
@@ -137,10 +137,8 @@ TEST(Courier, BringsTreesAndFilesAndReplacesThemWhole) {
     WriteBytes(file, "second, and longer");
     EXPECT_EQ(server.Take({file, server.folder / "missing"}).exitCode, 1);
     EXPECT_EQ(ReadBytes(server.inbox + "/single"), "second, and longer") << "the others go all the same";
-    EXPECT_EQ(server.Take({tree + "/."}).exitCode, 0);
-    auto expected = Contents(tree);
-    expected.merge(Contents(server.inbox));
-    EXPECT_TRUE(expected == Contents(server.inbox)) << "a directory that is named . goes without a name";
+    EXPECT_EQ(server.Take({tree + "/a/."}).exitCode, 0);
+    EXPECT_EQ(Contents(tree + "/a/b"), Contents(server.inbox + "/b")) << "a directory that is named . has no name";
     EXPECT_FALSE(Holds(server.Log(), "ended early"));
 }
 
