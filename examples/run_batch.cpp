@@ -11,7 +11,6 @@
 // read, 130 when the run was interrupted.
 
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -25,6 +24,7 @@
 #include "TATextUtilities.h"
 #include "YAVFStream.h"
 #include "ZELString.h"
+#include "support/interruption.h"
 #include "support/progress.h"
 
 namespace {
@@ -37,8 +37,6 @@ struct Options {
     ZELString output = "run_batch";
     ZELString file;
 };
-
-volatile std::sig_atomic_t interrupted = 0;
 
 struct Command {
     int line;
@@ -78,7 +76,7 @@ public:
     void Run() {
         Progress progress;
         while (_list.NDone() < _list.Size()) {
-            if (interrupted != 0) {
+            if (interruption::Happened()) {
                 _list.KillInternalListOfProcess();
                 _list.Check();
                 Look();
@@ -125,10 +123,10 @@ void Report(const Batch& batch, const std::vector<Command>& commands, const Opti
     for (const Command& command : commands) {
         const bool isLate = options.timeout > 0 && batch.Code(command) == KilledForTime &&
                             command.seconds >= static_cast<double>(options.timeout) * 0.9;
-        const char* const remark = command.status != Done       ? "not run"
-                                   : !command.wasStarted        ? "not found"
-                                   : isLate || interrupted != 0 ? "killed"
-                                                                : "";
+        const char* const remark = command.status != Done               ? "not run"
+                                   : !command.wasStarted                ? "not found"
+                                   : isLate || interruption::Happened() ? "killed"
+                                                                        : "";
         std::printf("   %4d %6d %8.2f  %-9s   %s\n", command.line, batch.Code(command), command.seconds, remark,
                     command.text.CastToCharPtr());
     }
@@ -185,11 +183,11 @@ int main(int argc, char** argv) {
         TraceStdErr(ZELString("run_batch: cannot make the directory ") + options.output);
         return 2;
     }
-    for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, [](int) { interrupted = 1; });
+    interruption::Heed();
 
     Trace(ZELString("run_batch ") + options.file, 1);
     Batch batch(commands, options);
     batch.Run();
     Report(batch, commands, options);
-    return interrupted != 0 ? 130 : batch.Failed() == 0 ? 0 : 1;
+    return interruption::Happened() ? 130 : batch.Failed() == 0 ? 0 : 1;
 }

@@ -50,6 +50,9 @@ public:
     void RemoveAll(MemoryHandling handling) noexcept;
 
 protected:
+    // Empty, without storage: constant, so that a static collection serves static constructors too.
+    constexpr explicit ZELCollec(std::size_t elementSize) noexcept
+        : _elementSize(static_cast<unsigned int>(elementSize)) {}
     // `initialCapacity` is a hint: it is rounded down to a sensible size, and missing memory is no failure yet.
     ZELCollec(std::size_t elementSize, int initialCapacity) noexcept;
     ZELCollec(const ZELCollec& other) noexcept;
@@ -91,7 +94,8 @@ private:
 
 class ZEL_API ZELRawCollPV : public ZELCollec {
 public:
-    explicit ZELRawCollPV(int initialCapacity = 0) noexcept : ZELCollec(sizeof(void*), initialCapacity) {}
+    constexpr ZELRawCollPV() noexcept : ZELCollec(sizeof(void*)) {}
+    explicit ZELRawCollPV(int initialCapacity) noexcept : ZELCollec(sizeof(void*), initialCapacity) {}
     // Copies the pointers, not what they point to.
     ZELRawCollPV(const ZELRawCollPV& other) noexcept = default;
     ZELRawCollPV(ZELRawCollPV&& other) noexcept = default;
@@ -124,7 +128,8 @@ public:
 
 class ZEL_API ZELRawCollint : public ZELCollec {
 public:
-    explicit ZELRawCollint(int initialCapacity = 0) noexcept : ZELCollec(sizeof(int), initialCapacity) {}
+    constexpr ZELRawCollint() noexcept : ZELCollec(sizeof(int)) {}
+    explicit ZELRawCollint(int initialCapacity) noexcept : ZELCollec(sizeof(int), initialCapacity) {}
     ZELRawCollint(const ZELRawCollint& other) noexcept = default;
     ZELRawCollint(ZELRawCollint&& other) noexcept = default;
     ~ZELRawCollint() override;

@@ -20,9 +20,13 @@ public:
         std::fprintf(stderr, _terminal ? "\r   %-70s" : "   %s\n", line.CastToCharPtr());
         std::fflush(stderr);
     }
-    ~Progress() {
-        if (_terminal) std::fprintf(stderr, "\r%74s\r", "");
+    // Makes room for a line that stays.
+    void Clear() {
+        if (!_terminal) return;
+        std::fprintf(stderr, "\r%74s\r", "");
+        std::fflush(stderr);
     }
+    ~Progress() { Clear(); }
 
 private:
     using Clock = std::chrono::steady_clock;

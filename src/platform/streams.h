@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 namespace platform {
 
@@ -16,6 +17,10 @@ std::FILE* OpenStream(const char* path, const char* mode) noexcept;
 // byte alone. 0 at the end; -1, with errno set, on failure. Interruptions are retried. In text mode Windows gives CR LF
 // as LF. For streams that are read in no other way, since their own buffer is passed by.
 std::ptrdiff_t ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept;
+
+// Writes up to MostPieces pieces behind what the stream holds: in one call of the system's where it has one for that.
+inline constexpr int MostPieces = 64;
+bool WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept;
 
 // Forgets an end and an error that were met, so that what was added to the file since can be read.
 void ForgetEnd(std::FILE* stream) noexcept;

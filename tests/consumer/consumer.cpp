@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <sstream>
 
 namespace {
 
@@ -184,6 +185,23 @@ void Coding() {
     Expect(first.Length() == 20 && !(first == generator.Get()), "TAUUIDGenerator");
 }
 
+void Measuring() {
+    TAPerfoAv counter("consumer");
+    counter.Count(2048);
+    std::ostringstream report;  // of this program's own stream library
+    TAPerfo::GlobalReport(report);
+    Expect(report.str() == "consumer 0 per 1m, 2k in 0s\n" && TAPerfo::globalList.Size() == 1, "TAPerfo");
+}
+
+void Network() {
+    TASocket server, client, accepted;
+    ZELString query;
+    Expect(server.OpenServer(0) == 0 && client.OpenClient("127.0.0.1", server.GetPort(), 10) == 0 &&
+               client.PutBlock("query") == 0 && client.Flush() == 0 && server.GetQuery(10, query, accepted, 10) == 0 &&
+               query == "query",
+           "TASocket");
+}
+
 void Filters() {
     TAUnicodeRegularExpression filter("*_[0-9]*.cpp");
     Expect(filter.CheckFromFilter("scan_12.cpp") == 1 && filter.CheckFromFilter("scan.cpp") == 0, "filters");
@@ -201,6 +219,8 @@ int main() {
     Files();
     Processes();
     Coding();
+    Measuring();
+    Network();
     Filters();
     std::printf("consumer: %s\n", failures == 0 ? "every family answered" : "FAILED");
     return failures;

@@ -4,7 +4,9 @@
 #include "platform/streams.h"
 
 #include <sys/stat.h>
+#include <sys/uio.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdint>
@@ -36,6 +38,28 @@ std::FILE* platform::OpenStream(const char* path, const char* mode) noexcept {
 
 std::ptrdiff_t platform::ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept {
     return RetryInterrupted([&] { return read(fileno(stream), bytes, size); });
+}
+
+bool platform::WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept {
+    if (std::fflush(stream) != 0) return false;
+    iovec parts[MostPieces];
+    std::size_t wanted = 0;
+    for (int i = 0; i < count; ++i) {
+        parts[i] = {const_cast<char*>(pieces[i].data()), pieces[i].size()};
+        wanted += pieces[i].size();
+    }
+    if (wanted == 0) return true;
+    const ssize_t written = RetryInterrupted([&] { return writev(fileno(stream), parts, count); });
+    if (written < 0) return false;
+    // Less, when a signal or a disk that fills up came between: the rest goes by itself.
+    auto done = static_cast<std::size_t>(written);
+    if (done == wanted) return true;
+    for (int i = 0; i < count; ++i) {
+        const std::string_view rest = pieces[i].substr(std::min(done, pieces[i].size()));
+        if (std::fwrite(rest.data(), 1, rest.size(), stream) != rest.size()) return false;
+        done -= pieces[i].size() - rest.size();
+    }
+    return std::fflush(stream) == 0;
 }
 
 void platform::ForgetEnd(std::FILE* stream) noexcept {

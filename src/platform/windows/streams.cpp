@@ -55,6 +55,12 @@ std::ptrdiff_t platform::ReadArrived(std::FILE* stream, char* bytes, std::size_t
     return _read(_fileno(stream), bytes, static_cast<unsigned>(size));
 }
 
+bool platform::WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept {
+    for (int i = 0; i < count; ++i)
+        if (std::fwrite(pieces[i].data(), 1, pieces[i].size(), stream) != pieces[i].size()) return false;
+    return std::fflush(stream) == 0;
+}
+
 void platform::ForgetEnd(std::FILE* stream) noexcept {
     std::clearerr(stream);
     // In text mode the descriptor keeps an end in mind as well, until it is moved.

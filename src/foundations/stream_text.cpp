@@ -1,0 +1,15 @@
+#include "foundations/stream_text.h"
+
+#include "ZELString.h"
+
+void WriteLine(std::ostream& stream, std::string_view text) noexcept {
+    std::streambuf* const buffer = stream.rdbuf();
+    if (buffer == nullptr || !stream.good()) return;
+    const ZELString line = ZELString(text) + '\n';
+    try {
+        buffer->sputn(line.CastToCharPtr(), line.Length());
+        buffer->pubsync();
+    } catch (...) {
+        // No exception of a caller's buffer passes through the library.
+    }
+}

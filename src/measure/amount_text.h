@@ -1,0 +1,10 @@
+// Amounts and times as people read them; the header TAPerfo.h tells the form.
+#ifndef MEASURE_AMOUNT_TEXT_H
+#define MEASURE_AMOUNT_TEXT_H
+
+#include "ZELString.h"
+
+ZELString AmountText(int amount) noexcept;
+ZELString DurationText(int seconds) noexcept;
+
+#endif

@@ -1,0 +1,13 @@
+// The time of the counters.
+#ifndef MEASURE_WHOLE_SECONDS_H
+#define MEASURE_WHOLE_SECONDS_H
+
+#include <cstdint>
+
+// Seconds since 1970-01-01 00:00 UTC.
+std::int64_t SecondsNow() noexcept;
+
+// For tests: from now on SecondsNow gives `seconds`, whatever the clock says; negative: the clock again.
+void HoldTime(std::int64_t seconds) noexcept;
+
+#endif

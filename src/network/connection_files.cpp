@@ -1,0 +1,219 @@
+// Files as binary blocks, each as long as the write buffer has room behind its header.
+//
+// The division into blocks is the wire's, but no block passes through the buffer: some dozens are read from the file in
+// one piece and sent in one call that gathers headers and contents. Only what does not fill the buffer stays in it, as
+// after any other put. The receiver takes any division and copies nothing but what a block's end makes it.
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "TADiagnostics.h"
+#include "foundations/allocation.h"
+#include "foundations/console.h"
+#include "network/block_header.h"
+#include "network/connection.h"
+#include "platform/streams.h"
+
+namespace {
+
+constexpr std::size_t AtOnce = std::size_t{256} << 10;
+constexpr std::int64_t CountedAtOnce = 1 << 20;
+
+struct CloseFile {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+using Block = std::unique_ptr<char, decltype(&std::free)>;
+
+Block MakeBlock(std::size_t size) noexcept {
+    Block block(static_cast<char*>(Allocate(size)), std::free);
+    if (block == nullptr) ReportAllocFailure("TASocket", size);
+    return block;
+}
+
+// Bytes that pass, told to a counter in large parts; the last part may be 0.
+class Tally {
+public:
+    explicit Tally(TAPerfo* meter) noexcept : _meter(meter) {}
+    void Add(std::size_t bytes) noexcept {
+        total += static_cast<std::int64_t>(bytes);
+        if (total - _told >= CountedAtOnce) Tell();
+    }
+    void Tell() noexcept {
+        CountBytes(_meter, total - _told);
+        _told = total;
+    }
+
+    std::int64_t total = 0;
+
+private:
+    TAPerfo* _meter;
+    std::int64_t _told = 0;
+};
+
+// Fills the block from the file; less only at its end. -1 when the disk fails.
+std::ptrdiff_t ReadFully(std::FILE* file, char* bytes, std::size_t size) noexcept {
+    std::size_t done = 0;
+    while (done < size) {
+        const std::ptrdiff_t count = platform::ReadArrived(file, bytes + done, size - done);
+        if (count < 0) return -1;
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return static_cast<std::ptrdiff_t>(done);
+}
+
+// The file that is received. Pieces are gathered where they lie and written together, before that place is used again.
+// As text, a CR in front of an LF is dropped; the stream ends lines as the target does.
+class Target {
+public:
+    Target(const char* path, bool isText) noexcept
+        : _isText(isText), _file(platform::OpenStream(path, isText ? "w" : "wb")) {}
+
+    bool IsOpen() const noexcept { return _file != nullptr; }
+    bool Write(std::string_view bytes) noexcept {
+        if (_isText) return WriteText(bytes);
+        _pieces[_count++] = bytes;
+        return _count < platform::MostPieces || WriteGathered();
+    }
+    bool WriteGathered() noexcept { return platform::WritePieces(_file.get(), _pieces, std::exchange(_count, 0)); }
+    // Whether all of it has reached the system.
+    bool Finish() noexcept {
+        const bool isWritten = WriteGathered() && (!_hasReturn || WriteBytes("\r"));
+        return std::fclose(_file.release()) == 0 && isWritten;
+    }
+
+private:
+    bool WriteBytes(std::string_view bytes) noexcept {
+        return std::fwrite(bytes.data(), 1, bytes.size(), _file.get()) == bytes.size();
+    }
+    bool WriteText(std::string_view bytes) noexcept {
+        while (!bytes.empty()) {
+            if (_hasReturn && bytes.front() != '\n' && !WriteBytes("\r")) return false;
+            const std::size_t length = std::min(bytes.find('\r'), bytes.size());
+            if (!WriteBytes(bytes.substr(0, length))) return false;
+            _hasReturn = length < bytes.size();
+            bytes.remove_prefix(length + (_hasReturn ? 1 : 0));
+        }
+        return true;
+    }
+
+    bool _isText;
+    bool _hasReturn = false;  // a CR waits for what comes behind it
+    File _file;
+    std::string_view _pieces[platform::MostPieces];
+    int _count = 0;
+};
+
+}  // namespace
+
+// What a block of a file may hold now: at most what the buffer has room for, and no more than its header can tell.
+std::size_t TASocketConnection::FrameRoom() const noexcept {
+    return static_cast<std::size_t>(std::clamp(_out.Free() - block_header::Size, 0, block_header::MostBytes));
+}
+
+// Sends what waits and the contents in blocks that fill the buffer; the rest, which does not fill one, stays in it.
+int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept {
+    constexpr int MostFrames = (platform::Socket::MaxPieces - 1) / 2;
+    char headers[MostFrames][block_header::Size];
+    platform::Piece pieces[platform::Socket::MaxPieces];
+    for (std::size_t room = FrameRoom(); size >= room;) {
+        int count = 0;
+        pieces[count++] = {_out.Pending().data(), _out.Pending().size()};
+        _out.Clear();
+        for (int i = 0; i < MostFrames && size >= room; ++i) {
+            block_header::Encode(static_cast<int>(room), headers[i]);
+            pieces[count++] = {headers[i], block_header::Size};
+            pieces[count++] = {data, room};
+            data += room;
+            size -= room;
+            room = FrameRoom();
+        }
+        if (!_socket.Send(pieces, count)) return Fail("Unable to flush buffer");
+    }
+    if (size == 0) return 0;
+    AppendHeader(static_cast<int>(size));
+    _out.Append(data, size);
+    return 0;
+}
+
+int TASocketConnection::PutFile(const char* path) noexcept {
+    const File file(platform::OpenStream(path, "rb"));
+    if (file == nullptr) return Fail("Unable to read file for TASocket::PutFile");
+    if (FrameRoom() == 0 && Flush() != 0) return 1;
+    if (FrameRoom() == 0 || !_out.HasMemory()) return Fail("Unable to free write buffer");
+    const std::size_t first = FrameRoom();
+    const auto room = static_cast<std::size_t>(std::min(_out.Capacity() - block_header::Size, block_header::MostBytes));
+    const std::size_t size = std::max(AtOnce / room, std::size_t{1}) * room;
+    const Block block = MakeBlock(size);
+    if (block == nullptr) return Fail("Unable to free write buffer");
+    Tally tally(SendMeter());
+    for (std::size_t wanted = size - room + first;; wanted = size) {
+        // So much that the last block is full when the file goes on.
+        const std::ptrdiff_t count = ReadFully(file.get(), block.get(), wanted);
+        if (count < 0) return Fail("Unable to read file for TASocket::PutFile");
+        if (SendFrames(block.get(), static_cast<std::size_t>(count)) != 0) return 1;
+        tally.Add(static_cast<std::size_t>(count));
+        if (static_cast<std::size_t>(count) < wanted) break;
+    }
+    if (MakeRoom(block_header::Size, 0) != 0) return 1;
+    AppendHeader(0);
+    char digits[24];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, tally.total).ptr;
+    const std::string_view total(digits, static_cast<std::size_t>(end - digits));
+    if (MakeRoom(block_header::Size + static_cast<std::int64_t>(total.size()), static_cast<std::int64_t>(total.size())))
+        return 1;
+    AppendHeader(static_cast<int>(total.size()));
+    _out.Append(total.data(), total.size());
+    tally.Tell();
+    return 0;
+}
+
+int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noexcept {
+    constexpr const char* NotWritten = "Unable to write in file for TASocket::GetFile";
+    if (!_in.HasMemory()) return Fail("Unable to create read buffer");
+    if (const int result = BeginGet(timeout); result != 0) return result;
+    Target target(path, isText);
+    if (!target.IsOpen()) return Fail(NotWritten);
+    Tally tally(ReceiveMeter());
+    for (;;) {
+        // What is gathered lies in the buffer, which reading on may fill anew.
+        if (_in.Arrived().size() < block_header::Size && !target.WriteGathered()) return Fail(NotWritten);
+        if (const int result = Wait(timeout); result != 0) return result;
+        int length = 0;
+        if (!ReadHeader(length)) return Fail("Unable to get block size");
+        if (length == 0) break;
+        if (length < 0) return Fail("Unable to get full block");
+        while (length > 0) {
+            if (_in.IsEmpty() && !target.WriteGathered()) return Fail(NotWritten);
+            if (_in.Fill(_socket, IdleLimit()) != platform::ReceiveStatus::Received)
+                return Fail("Unable to get full block");
+            const std::string_view piece = _in.Arrived().substr(0, static_cast<std::size_t>(length));
+            if (!target.Write(piece)) return Fail(NotWritten);
+            _in.Skip(piece.size());
+            tally.Add(piece.size());
+            length -= static_cast<int>(piece.size());
+        }
+    }
+    if (!target.Finish()) return Fail(NotWritten);
+    tally.Tell();
+    if (const int result = Wait(timeout); result != 0) return result;
+    return CheckTotal(tally.total);
+}
+
+// The block behind a file: how many bytes it had.
+int TASocketConnection::CheckTotal(std::int64_t received) noexcept {
+    ZELString text;
+    int length = 0;
+    if (!ReadHeader(length)) return Fail("Unable to get block size ");
+    if (length < 0 || length > block_header::MostBytes || !ReadText(text, length))
+        return Fail("Unable to get full block");
+    std::int64_t total = -1;
+    const std::string_view digits = text.View();
+    const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), total);
+    const bool isWhole = parsed.ec == std::errc() && parsed.ptr == digits.data() + digits.size();
+    return isWhole && total == received ? 0 : Fail("Wrong byte count in GetFile");
+}

@@ -1,0 +1,79 @@
+// Plain blocks of the C heap. Both come with their first use: a listening socket needs neither.
+
+#include "network/socket_buffers.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "foundations/allocation.h"
+#include "foundations/console.h"
+
+using platform::ReceiveStatus;
+
+namespace {
+
+char* AllocateBuffer(std::size_t size) noexcept {
+    char* const bytes = static_cast<char*>(Allocate(size));
+    if (bytes == nullptr) ReportAllocFailure("TASocket", size);
+    return bytes;
+}
+
+}  // namespace
+
+WriteBuffer::~WriteBuffer() {
+    std::free(_bytes);
+}
+
+bool WriteBuffer::HasMemory() noexcept {
+    if (_bytes == nullptr) _bytes = AllocateBuffer(static_cast<std::size_t>(_capacity));
+    return _bytes != nullptr;
+}
+
+void WriteBuffer::Append(const void* bytes, std::size_t size) noexcept {
+    if (size == 0) return;
+    std::memcpy(_bytes + _position, bytes, size);
+    _position += static_cast<int>(size);
+}
+
+ReceiveBuffer::~ReceiveBuffer() {
+    std::free(_bytes);
+}
+
+bool ReceiveBuffer::HasMemory() noexcept {
+    if (_bytes == nullptr) _bytes = AllocateBuffer(Capacity);
+    return _bytes != nullptr;
+}
+
+ReceiveStatus ReceiveBuffer::Fill(platform::Socket& socket, std::int64_t limit) noexcept {
+    if (!IsEmpty()) return ReceiveStatus::Received;
+    if (_hasEnded) return ReceiveStatus::Ended;
+    if (!HasMemory()) return ReceiveStatus::Invalid;
+    std::size_t count = 0;
+    const ReceiveStatus status = socket.Receive(_bytes, Capacity, limit, count);
+    _begin = 0;
+    _end = count;
+    _hasEnded = status == ReceiveStatus::Ended;
+    return status;
+}
+
+bool ReceiveBuffer::Read(platform::Socket& socket, std::int64_t limit, void* bytes, std::size_t size) noexcept {
+    char* at = static_cast<char*>(bytes);
+    while (size > 0) {
+        std::size_t count = 0;
+        if (IsEmpty() && size >= Capacity && !_hasEnded) {
+            // As much as the buffer takes goes where it is wanted, without the way through it.
+            const ReceiveStatus status = socket.Receive(at, size, limit, count);
+            _hasEnded = status == ReceiveStatus::Ended;
+            if (status != ReceiveStatus::Received) return false;
+        } else {
+            if (Fill(socket, limit) != ReceiveStatus::Received) return false;
+            count = std::min(size, Arrived().size());
+            std::memcpy(at, Arrived().data(), count);
+            Skip(count);
+        }
+        at += count;
+        size -= count;
+    }
+    return true;
+}

@@ -1,0 +1,27 @@
+// Making sockets that listen and sockets that are connected, by IPv4 alone or by whatever family a host has.
+//
+// Each function gives a socket that is not open, and the reason in `failure`, when it could not.
+#ifndef NETWORK_SOCKET_SETUP_H
+#define NETWORK_SOCKET_SETUP_H
+
+#include <cstdint>
+
+#include "network/setup_trace.h"
+#include "platform/sockets.h"
+
+constexpr int ListenBacklog = 8;
+
+platform::Socket ListenByIPv4(int port, const char*& failure) noexcept;
+platform::Socket ListenByBoth(int port, const SetupTrace& trace, const char*& failure) noexcept;
+// `limit` in milliseconds, below 0 for none.
+platform::Socket ConnectByIPv4(const char* host, int port, std::int64_t limit, const char*& failure) noexcept;
+platform::Socket ConnectByAny(const char* host, int port, std::int64_t limit, const SetupTrace& trace,
+                              const char*& failure) noexcept;
+
+// The second halves of the paths that resolve: on addresses that are known, IPv6 first for a server.
+platform::Socket ListenAtOneOf(const platform::AddressList& addresses, const SetupTrace& trace,
+                               const char*& failure) noexcept;
+platform::Socket ConnectToOneOf(const platform::AddressList& addresses, std::int64_t limit, const SetupTrace& trace,
+                                const char*& failure) noexcept;
+
+#endif

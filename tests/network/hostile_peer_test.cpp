@@ -1,0 +1,336 @@
+// Peers that break off, lie, dawdle and vanish. Whatever they do, a call ends with its message and nothing is lost.
+#include <chrono>
+
+#include "foundations/allocation.h"
+#include "network/peer.h"
+#include "support/files.h"
+#include "support/test_system.h"
+
+namespace {
+
+using Get = int (*)(TASocket& socket);
+
+int GetText(TASocket& socket) {
+    ZELString text("before");
+    const int result = socket.GetBlock(text, 20);
+    EXPECT_TRUE(result == 0 || text == "") << text;
+    return result;
+}
+
+int GetList(TASocket& socket) {
+    ZELListValZELString list = List({"before"});
+    const int result = socket.GetBlock(list, 20);
+    EXPECT_TRUE(result == 0 || list.Size() == 0);
+    return result;
+}
+
+int GetBytes(TASocket& socket) {
+    int size = 0;
+    void* data = nullptr;
+    const int result = socket.GetBinBlock(&size, &data, 20);
+    EXPECT_EQ(data != nullptr, result == 0 && size > 0);
+    std::free(data);
+    return result;
+}
+
+int GetInteger(TASocket& socket) {
+    int value = 0;
+    return socket.Read(value, 20);
+}
+
+int GetString(TASocket& socket) {
+    ZELString text;
+    return socket.Read(text, 20);
+}
+
+int GetFile(TASocket& socket) {
+    const TemporaryFolder folder;
+    return socket.GetFile((folder / "file").c_str(), 20);
+}
+
+struct Lie {
+    const char* name;
+    Get get;
+    std::string bytes;  // then the peer hangs up
+    const char* message;
+};
+
+constexpr const char* NoText = "Unable to get block size ";
+constexpr const char* NoSize = "Unable to get block size";
+constexpr const char* NotFull = "Unable to get full block";
+constexpr int Most = INT_MAX;
+const std::string word = Number(0) + Text("a");
+
+const Lie lies[] = {
+    {"text", GetText, "", NoText},
+    {"text", GetText, "   ", NoText},
+    {"text", GetText, Header(3) + "ab", NotFull},
+    {"huge text", GetText, "\xBF\xBF\xBF\xBF x", NotFull},
+    {"list", GetList, Header(70000) + "a b", NotFull},
+    {"bytes", GetBytes, "    "[0] + std::string(), NoSize},
+    {"bytes", GetBytes, Header(16000000) + std::string(100000, 'x'), NotFull},
+    {"negative bytes", GetBytes, Header(-3) + "abc", NotFull},
+    {"huge bytes", GetBytes, "\xBF\xBF\xBF\xBF x", NotFull},
+    {"integer", GetInteger, "abc", NoSize},
+    {"string", GetString, "abc", NoSize},
+    {"string", GetString, Number(3) + "ab", NotFull},
+    {"huge string", GetString, Number(Most) + "ab", NotFull},
+    {"negative string", GetString, Number(-1) + "ab", NotFull},
+    {"lowest string", GetString, Number(INT_MIN) + "ab", NotFull},
+    {"unknown number", GetText, Header(-1) + word + Number(-1) + Number(1) + Number(1), NotFull},
+    {"unknown number", GetText, Header(-1) + word + Number(-1) + Number(1) + Number(-7), NotFull},
+    {"negative count", GetText, Header(-1) + word + Number(-1) + Number(-1) + Number(0), NotFull},
+    {"lowest count", GetList, Header(-1) + word + Number(-1) + Number(INT_MIN) + Number(0), NotFull},
+    {"huge count", GetText, Header(-1) + word + Number(-1) + Number(Most) + Number(0), NotFull},
+    {"huge count", GetList, Header(-1) + word + Number(-1) + Number(Most) + Text("x"), NotFull},
+    {"huge word", GetText, Header(-1) + Number(0) + Number(Most) + "x", NotFull},
+    {"negative word", GetText, Header(-1) + Number(0) + Number(-2), NotFull},
+    {"endless words", GetText, Header(-1) + word + word, NotFull},
+    {"negative file", GetFile, Block("abc") + Header(-5), NotFull},
+    {"wrong total", GetFile, Block("abc") + "    " + Block("4"), "Wrong byte count in GetFile"},
+    {"no number", GetFile, Block("abc") + "    " + Block("3x"), "Wrong byte count in GetFile"},
+    {"no total", GetFile, "    " + Block(""), "Wrong byte count in GetFile"},
+    {"huge total", GetFile, "    " + Block("99999999999999999999"), "Wrong byte count in GetFile"},
+    {"compressed total", GetFile, "    " + Header(-1), NotFull},
+    // Ends in the middle of everything.
+    {"text", GetText, Header(-3) + word + Number(1) + Text("b") + Number(-1) + Number(2) + Number(0) + Number(1),
+     nullptr},
+    {"list", GetList, Header(-2) + word + Number(-1) + Number(2) + Text("a") + Text("a"), nullptr},
+    {"text", GetText, Block("hello"), nullptr},
+    {"list", GetList, Block("a b  c"), nullptr},
+    {"bytes", GetBytes, Block("hello"), nullptr},
+    {"string", GetString, Text("hello"), nullptr},
+    {"file", GetFile, Block("hello") + Block("x") + "    " + Block("6"), nullptr},
+};
+
+TEST(HostilePeer, Lies) {
+    Listener listener;
+    for (const Lie& lie : lies) {
+        // Rows without a message succeed when they are whole, and fail wherever they are cut.
+        for (std::size_t cut = lie.message != nullptr ? lie.bytes.size() : 0; cut <= lie.bytes.size(); ++cut) {
+            SCOPED_TRACE(testing::Message() << lie.name << ' ' << cut);
+            Conversation talk(listener);
+            talk.peer.Send(lie.bytes.substr(0, cut));
+            talk.peer.Close();
+            const bool isWhole = lie.message == nullptr && cut == lie.bytes.size();
+            EXPECT_EQ(lie.get(talk.socket), isWhole ? 0 : 1);
+            const std::string message = talk.socket.GetErrMsg();
+            EXPECT_TRUE(lie.message ? message == lie.message : (message == "no error on socket") == isWhole) << message;
+        }
+    }
+}
+
+// Each value of each byte of a header, with three bytes behind it, against the rule in words.
+TEST(HostilePeer, EveryHeader) {
+    Listener listener;
+    for (int at = 0; at < 4; ++at) {
+        for (int value = 0; value < 256; value += StormPercent == 100 ? 1 : 7) {
+            std::string bytes = Header(0) + "abc";
+            bytes[static_cast<std::size_t>(at)] = static_cast<char>(value);
+            int length = value - 32;
+            const bool isNegative = (length & 64) != 0;
+            for (int i = 0; i < at; ++i) length *= 64;
+            if (isNegative) length = -length;
+            Conversation talk(listener);
+            talk.peer.Send(bytes);
+            talk.peer.Close();
+            EXPECT_EQ(GetText(talk.socket), length >= 0 && length <= 3 ? 0 : 1) << at << ' ' << value;
+        }
+    }
+}
+
+TEST(HostilePeer, MillionWords) {
+    const int count = StormPercent * 10000;
+    Conversation talk;
+    std::thread sender([&] {
+        std::string bytes = Header(-1);
+        for (int i = 0; i < count; ++i) {
+            // Half of them in order, half backwards from the highest number, and each number twice.
+            const int number = i % 2 == 0 ? i / 2 : INT_MAX - i;
+            bytes += Number(number) + Text(std::to_string(i)) + Number(number) + Text("second");
+        }
+        talk.peer.Send(bytes + Number(-1) + Number(3) + Number(2) + Number(INT_MAX - 1) + Number(INT_MAX - count + 1));
+    });
+    ZELString text;
+    EXPECT_EQ(talk.socket.GetBlock(text, 20), 0) << talk.socket.GetErrMsg();
+    EXPECT_EQ(text, ("4 1 " + std::to_string(count - 1)).c_str());
+    sender.join();
+}
+
+// Four bytes may stand for a long word, but not for as many as one likes.
+TEST(HostilePeer, TextThatGrows) {
+    Conversation talk;
+    const int length = 1 << 20;
+    std::thread sender([&] {
+        std::string bytes = Header(-1) + Number(0) + Text(std::string(length, 'x')) + Number(-1) + Number(1 << 20);
+        for (int i = 0; i < 1 << 16; ++i) bytes += Number(0);
+        talk.peer.Send(bytes);
+    });
+    EXPECT_EQ(GetText(talk.socket), 1);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), NotFull);
+    talk.socket.Close();
+    sender.join();
+}
+
+// For its life, the seconds that have passed.
+struct Watch {
+    double Seconds() const { return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count(); }
+    std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
+};
+
+TEST(HostilePeer, SilentPeer) {
+    const Interruptions interruptions;
+    Conversation talk;
+    const Watch watch;
+    ZELString text("before");
+    EXPECT_EQ(talk.socket.GetBlock(text, 1), 2);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), "Error reading from stream socket (select): Connection timed out");
+    EXPECT_TRUE(watch.Seconds() >= 0.99 && watch.Seconds() < 10) << watch.Seconds();
+    EXPECT_EQ(text, "before");
+    const TemporaryFolder folder;
+    WriteBytes(folder / "file", "before");
+    EXPECT_EQ(talk.socket.GetFile((folder / "file").c_str(), 1), 2);
+    EXPECT_EQ(ReadBytes(folder / "file"), "before");
+    talk.peer.Send(Block("late"));
+    EXPECT_EQ(talk.socket.GetBlock(text, 10), 0);
+    EXPECT_EQ(text, "late");
+    // A file's limit counts anew before each piece.
+    talk.peer.Send(Block("half"));
+    EXPECT_EQ(talk.socket.GetFile((folder / "file").c_str(), 1), 2);
+    EXPECT_EQ(ReadBytes(folder / "file"), "half");
+}
+
+// Time-outs end with the first byte. A stall in the middle is the idle limit's, in both directions.
+TEST(HostilePeer, SlowPeer) {
+    Conversation talk;
+    std::thread sender([&] {
+        for (const char byte : Block("slow")) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            talk.peer.Send(std::string(1, byte));
+        }
+    });
+    EXPECT_EQ(GetText(talk.socket), 0);
+    sender.join();
+    talk.socket.SetIdleLimit(1);
+    talk.peer.Send(Header(4) + "st");
+    EXPECT_EQ(GetText(talk.socket), 1);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), NotFull);
+    std::vector<char> bytes(16000000);
+    EXPECT_EQ(talk.socket.PutBinBlock(16000000, bytes.data()), 1);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), "Unable to flush buffer");
+    EXPECT_EQ(talk.socket.Close(), 0);
+    EXPECT_EQ(talk.socket.Close(), 1);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), "unable to close not opened socket");
+}
+
+TEST(HostilePeer, PeerThatIsGone) {
+    Conversation talk;
+    talk.peer.Send("what nobody reads makes the end a reset");
+    talk.peer.Close();
+    const ZELString text("x");
+    int result = 0;
+    for (int i = 0; i < 100000 && result == 0; ++i) result = talk.socket.PutBlock(text) | talk.socket.Flush();
+    EXPECT_EQ(result, 1);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), "Unable to flush buffer");
+    EXPECT_EQ(talk.socket.Flush(), 0);  // the buffer is empty now
+    EXPECT_EQ(talk.socket.PutBlock(text), 0);
+    EXPECT_EQ(talk.socket.Close(), 1);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), "Unable to flush buffer");
+    EXPECT_EQ(talk.socket.PutBlock(text), 1);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), "Socket not opened, unable to put data block");
+    EXPECT_EQ(talk.socket.Flush() + GetString(talk.socket), 2);
+    EXPECT_STREQ(talk.socket.GetErrMsg(), "Socket not opened, unable to get data block");
+}
+
+TEST(HostilePeer, FilesThatFail) {
+    const TemporaryFolder folder;
+    Conversation talk(6);
+    const auto fails = [&](int result, const char* message) {
+        return result == 1 && std::string(talk.socket.GetErrMsg()) == message;
+    };
+    for (const std::string& path : {folder / "missing", folder.Path(), std::string()})
+        EXPECT_TRUE(fails(talk.socket.PutFile(path.c_str()), "Unable to read file for TASocket::PutFile")) << path;
+    talk.peer.Send(Block("abc") + "    " + Block("3"));
+    for (const std::string& path : {folder / "no" + "/file", folder.Path(), std::string()})
+        EXPECT_TRUE(fails(talk.socket.GetFile(path.c_str(), 10), "Unable to write in file for TASocket::GetFile"));
+    EXPECT_EQ(talk.socket.GetFile((folder / "file").c_str(), 10), 0);  // nothing was lost by that
+    if (!FullDevice.empty()) {
+        talk.peer.Send(Block("abc") + "    " + Block("3"));
+        EXPECT_TRUE(
+            fails(talk.socket.GetFile(FullDevice.c_str(), 10), "Unable to write in file for TASocket::GetFile"));
+    }
+    // The number of bytes must fit as well.
+    WriteBytes(folder / "file", "0123456789");
+    EXPECT_TRUE(
+        fails(talk.socket.PutFile((folder / "file").c_str()), "Unable to put block in buffer (block size is 2)"));
+    Conversation narrow(4);
+    EXPECT_EQ(narrow.socket.PutFile((folder / "file").c_str()), 1);
+    EXPECT_STREQ(narrow.socket.GetErrMsg(), "Unable to free write buffer");
+}
+
+// Every allocation fails once: the call says so, and the next conversation is as good as ever.
+TEST(HostilePeer, WithoutMemory) {
+    const TemporaryFolder folder;
+    WriteBytes(folder / "in", "contents");
+    const Variable compress("TASocketCompress", "1");
+    int failed = 0;
+    for (int number = 1;; ++number) {
+        Listener listener;
+        Peer peer(listener.port);
+        peer.Send(Block("query") + Block("bytes") + Block("12345") + "    " + Block("5"));
+        testing::internal::CaptureStdout();
+        TASocket socket;
+        ZELString query;
+        FailAllocation(number);
+        int result = listener.server.GetQuery(10, query, socket);
+        result |= result != 0 ? 0 : GetBytes(socket);
+        result |= result != 0 ? 0 : socket.GetFile((folder / "out").c_str(), 10);
+        result |= result != 0 ? 0 : socket.PutBlock("some words");
+        result |= result != 0 ? 0 : socket.PutFile((folder / "in").c_str());
+        const bool isOver = IsAllocationFailureDue();
+        FailAllocation(0);
+        const std::string said = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(result, isOver ? 0 : 1) << number;
+        if (isOver) break;
+        ++failed;
+    }
+    EXPECT_GE(failed, 6);
+}
+
+// The memory of the process in KiB, where the system shows it in a file.
+long ResidentMemory() {
+    std::ifstream file("/proc/self/statm");
+    long total = 0, resident = 0;
+    file >> total >> resident;
+    return resident * 4;
+}
+
+// Many clients at once, each faulty in its own way, again and again.
+TEST(HostilePeer, Crowd) {
+    Listener listener;
+    const auto round = [&](unsigned seed) {
+        std::vector<std::unique_ptr<Conversation>> talks(static_cast<std::size_t>(2 * StormPercent));
+        for (auto& talk : talks) talk = std::make_unique<Conversation>(listener);
+        std::thread crowd([&] {
+            std::mt19937 random(seed);
+            for (const auto& talk : talks) {
+                const std::string& bytes = lies[random() % std::size(lies)].bytes;
+                talk->peer.Send(bytes.substr(0, random() % (bytes.size() + 1)));
+                if (random() % 2 == 0) talk->peer.Close();
+            }
+            for (const auto& talk : talks) talk->peer.Close();
+        });
+        for (std::size_t i = 0; i < talks.size(); ++i) {
+            constexpr Get gets[] = {GetText, GetList, GetBytes, GetInteger, GetString, GetFile};
+            gets[i % std::size(gets)](talks[i]->socket);
+            talks[i]->socket.PutBlock("answer");
+        }
+        crowd.join();
+    };
+    for (unsigned seed = 0; seed < 5; ++seed) round(seed);
+    const long before = ResidentMemory();
+    for (unsigned seed = 5; seed < 20; ++seed) round(seed);
+    EXPECT_LE(ResidentMemory(), before + 4096);
+}
+
+}  // namespace

@@ -1,0 +1,113 @@
+// The other end of a TASocket, in plain bytes.
+#ifndef TESTS_NETWORK_PEER_H
+#define TESTS_NETWORK_PEER_H
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "TASocket.h"
+#include "platform/sockets.h"
+#include "platform/system.h"
+#include "support/testing.h"
+
+// A server of IPv4 on a free port.
+struct Listener {
+    Listener() {
+        EXPECT_EQ(server.OpenServer(0), 0) << server.GetErrMsg();
+        port = server.GetPort();
+    }
+    TASocket server;
+    int port = 0;
+};
+
+inline platform::NetworkAddress Loopback(int port, const char* host = "127.0.0.1") {
+    platform::AddressList list;
+    EXPECT_EQ(platform::ResolveAddresses(host, port, platform::Purpose::Connect, list), 0);
+    return list.count > 0 ? *list.begin() : platform::NetworkAddress();
+}
+
+class Peer {
+public:
+    // Connects.
+    explicit Peer(int port) : _socket(platform::Socket::MakeIPv4()) {
+        EXPECT_TRUE(_socket.Connect(Loopback(port), 10000));
+    }
+    bool Send(std::string_view bytes) {
+        const platform::Piece piece = {bytes.data(), bytes.size()};
+        return _socket.Send(&piece, 1);
+    }
+    // What comes before `size` bytes are there, the end, or 10 seconds.
+    std::string Receive(std::size_t size = std::string::npos) {
+        std::string all;
+        char part[65536];
+        std::size_t count = 0;
+        while (all.size() < size && _socket.Receive(part, std::min(sizeof part, size - all.size()), 10000, count) ==
+                                        platform::ReceiveStatus::Received)
+            all.append(part, count);
+        return all;
+    }
+    void Close() { _socket.Close(); }
+
+private:
+    platform::Socket _socket;
+};
+
+// A TASocket that a server accepted, and what is at its other end.
+struct Conversation {
+    explicit Conversation(Listener& listener, int bufferSize = TASocket::DefaultBufferSize)
+        : peer(listener.port), socket(bufferSize) {
+        EXPECT_EQ(listener.server.GetQuery(socket), 0) << listener.server.GetErrMsg();
+    }
+    explicit Conversation(int bufferSize = TASocket::DefaultBufferSize)
+        : Conversation(*std::make_unique<Listener>(), bufferSize) {}
+    // What arrives when the socket closes.
+    std::string CloseAndReceive() {
+        socket.Close();
+        return peer.Receive();
+    }
+    Peer peer;
+    TASocket socket;
+};
+
+// For its life a variable of the environment has a value; empty: none.
+class Variable {
+public:
+    Variable(std::string name, const std::string& value) : _name(std::move(name)) { Put(value); }
+    ~Variable() { Put(""); }
+
+private:
+    void Put(const std::string& value) const { platform::PutEnvironment((_name + '=' + value).c_str()); }
+    std::string _name;
+};
+
+// 4 bytes, least significant first.
+inline std::string Number(int value) {
+    std::string bytes;
+    for (int i = 0; i < 4; ++i) bytes += static_cast<char>(static_cast<unsigned>(value) >> (8 * i));
+    return bytes;
+}
+
+inline std::string Text(std::string_view text) {
+    return Number(static_cast<int>(text.size())).append(text);
+}
+
+// A header by its definition.
+inline std::string Header(int value) {
+    std::string bytes;
+    const int sign = value < 0 ? 64 : 0;
+    for (int i = 0; i < 4; ++i, value /= 64) bytes += static_cast<char>(((value & 63) | sign) + 32);
+    return bytes;
+}
+
+inline std::string Block(std::string_view text) {
+    return Header(static_cast<int>(text.size())).append(text);
+}
+
+inline ZELListValZELString List(std::initializer_list<const char*> words) {
+    ZELListValZELString list;
+    for (const char* word : words) list.Append(word);
+    return list;
+}
+
+#endif
