@@ -133,7 +133,7 @@ TEST(SocketSetup, ResolvingClient) {
 
 // Which side takes which path, and says so. No child gets a socket by either.
 TEST(SocketSetup, Environment) {
-    const std::vector<long> inherited = InheritedDescriptors();
+    const std::size_t inherited = InheritedDescriptors().size();
     const struct {
         const char* value;
         bool server, client;
@@ -159,7 +159,7 @@ TEST(SocketSetup, Environment) {
         EXPECT_EQ(Has(said, "TASocket-perfo-OpenClient: ending, elapsed time :"), row.client);
         EXPECT_EQ(Has(said, " ms\n"), row.client);
         EXPECT_FALSE(Has(said, "TASocket-perfo-OpenServer"));
-        EXPECT_EQ(InheritedDescriptors(), inherited);
+        EXPECT_EQ(InheritedDescriptors().size(), inherited);
         client.PutBlock("hello");
         client.Flush();
         ZELString text;

@@ -6,6 +6,7 @@
 #include "network/block_header.h"
 #include "network/peer.h"
 #include "support/files.h"
+#include "support/test_system.h"
 
 namespace {
 
@@ -260,6 +261,7 @@ std::string FileWire(const std::string& content, std::size_t capacity, std::size
 }
 
 TEST(Wire, Files) {
+    const Interruptions interruptions;
     TemporaryFolder folder;
     std::mt19937 random(1);
     for (const int size : {16, 1000, 8192, 600000}) {
