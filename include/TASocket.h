@@ -54,9 +54,6 @@
 
 class TAPerfo;
 struct TASocketConnection;  // what exists while the socket is open
-namespace platform {
-class Socket;
-}
 
 class ZEL_API TASocket {
 public:
@@ -126,22 +123,24 @@ public:
     int Read(ZELString& text, int timeout) noexcept;
     // Receives what PutFile sent into the file `path`, made or emptied when the first byte has come (without a
     // time-out: at once), and compares the number of bytes. The sender has no say in where it goes. The time-out counts
-    // anew before every piece. After a failure the file holds what came so far: receive under another name and rename
-    // where a half file would hurt. When the file cannot be opened nothing has been read, and another path may be
-    // tried.
+    // anew before every piece. After a failure, and a time-out in the middle, the file holds what came so far: receive
+    // under another name and rename where a half file would hurt. When the file cannot be opened nothing has been read,
+    // and another path may be tried.
     int GetFile(ZELString path, int timeout) noexcept;
     // The same for text: lines that end with LF or CR LF end as the target's do, CR LF on Windows and LF on Linux.
     int GetFileASCII(ZELString path, int timeout) noexcept;
 
-    // From now on, no wait for the next byte takes longer than so many seconds, in either direction: a transfer that
-    // stalls fails with 1. 0 or less, as at first: no limit. Always 0. Lasts over opening and closing.
+    // From now on, no wait for the next byte takes longer than so many seconds, in either direction, but for those that
+    // have a time-out of their own: a transfer that stalls fails with 1. 0 or less, as at first: no limit. Always 0.
+    // Lasts over opening and closing.
     int SetIdleLimit(int seconds) noexcept;
 
     // Counters that are told of bytes received and sent; null for none. They stay the caller's and must live as long as
     // they are set. Always 0.
-    // Told are: for an integer 4, for a text with its length that and 4, for a block its payload without the header,
-    // for a compressed block that is sent its integers and texts, for a file its size (large ones in parts, as they
-    // pass).
+    // Told are, without headers, the payload of each block and the size of each file (of a large one in parts, as they
+    // pass), and of what is sent an integer as 4 and a text with its length as that and 4. A compressed block counts as
+    // the integers and texts that it is sent as; where it arrives, as the text or as the sum of its items. Read() tells
+    // nothing.
     int SetPerfo(TAPerfo* receiveMeter, TAPerfo* sendMeter) noexcept;
 
     // What went wrong last; "no error on socket" before that. A success does not reset it. Valid until the next
@@ -153,7 +152,7 @@ private:
 
     int Fail(const char* message) noexcept;
     int RefuseItem(long long size) noexcept;
-    int Adopt(platform::Socket&& socket, const char* failure) noexcept;
+    int Adopt(TASocketConnection* connection, const char* failure) noexcept;
     int AcceptClient(TASocket& client, int acceptTimeout) noexcept;
     void CopyMessage(const TASocket& other) noexcept;
     int BeginGet(int timeout) noexcept;

@@ -22,6 +22,14 @@ constexpr const char* NoLibrary = "No windows socket";
 constexpr const char* NotOpenForPut = "Socket not opened, unable to put data block";
 constexpr const char* NotOpenForGet = "Socket not opened, unable to get data block";
 
+// Null when there is no socket, or no memory.
+TASocketConnection* MakeConnection(TASocket& owner, platform::Socket&& socket) noexcept {
+    if (!socket.IsOpen()) return nullptr;
+    TASocketConnection* const made = NewObject<TASocketConnection>(owner, std::move(socket));
+    if (made == nullptr) ReportAllocFailure("TASocket", sizeof *made);
+    return made;
+}
+
 }  // namespace
 
 TASocket::TASocket(int bufferSize) noexcept
@@ -42,12 +50,9 @@ int TASocket::RefuseItem(long long size) noexcept {
 }
 
 // Takes over what was made, or says why nothing was.
-int TASocket::Adopt(platform::Socket&& socket, const char* failure) noexcept {
-    if (!socket.IsOpen()) return Fail(failure);
-    _connection = NewObject<TASocketConnection>(*this, std::move(socket));
-    if (_connection != nullptr) return 0;
-    ReportAllocFailure("TASocket", sizeof(TASocketConnection));
-    return Fail(failure);
+int TASocket::Adopt(TASocketConnection* connection, const char* failure) noexcept {
+    _connection = connection;
+    return connection != nullptr ? 0 : Fail(failure);
 }
 
 int TASocket::OpenClient(ZELString host, int port, int connectTimeout) noexcept {
@@ -63,7 +68,7 @@ int TASocket::OpenClient(ZELString host, int port, int connectTimeout) noexcept 
     } else {
         socket = ConnectByIPv4(host, port, limit, failure);
     }
-    return Adopt(std::move(socket), failure);
+    return Adopt(MakeConnection(*this, std::move(socket)), failure);
 }
 
 int TASocket::OpenServer(int port) noexcept {
@@ -78,7 +83,7 @@ int TASocket::OpenServer(int port) noexcept {
     } else {
         socket = ListenByIPv4(port, failure);
     }
-    return Adopt(std::move(socket), failure);
+    return Adopt(MakeConnection(*this, std::move(socket)), failure);
 }
 
 int TASocket::GetPort() const noexcept {
@@ -111,7 +116,7 @@ int TASocket::AcceptClient(TASocket& client, int acceptTimeout) noexcept {
     const std::int64_t limit = acceptTimeout >= 0 ? std::int64_t{acceptTimeout} * 1000 : -1;
     platform::Socket accepted = _connection->Socket().Accept(limit, isTimeOut);
     if (!accepted.IsOpen()) return Fail(isTimeOut ? "Query time-out" : Refused);
-    return client.Adopt(std::move(accepted), Refused) == 0 ? 0 : Fail(Refused);
+    return client.Adopt(MakeConnection(client, std::move(accepted)), Refused) == 0 ? 0 : Fail(Refused);
 }
 
 // Messages that tell a size are their owner's, so they are made again.

@@ -19,7 +19,9 @@
 
 namespace {
 
-constexpr std::size_t AtOnce = std::size_t{256} << 10;
+// With the usual buffer, as many blocks as go out in one call.
+constexpr int MostFrames = (platform::Socket::MaxPieces - 1) / 2;
+constexpr std::size_t AtOnce = std::size_t{MostFrames} * TASocket::DefaultBufferSize;
 constexpr std::int64_t CountedAtOnce = 1 << 20;
 
 struct CloseFile {
@@ -117,13 +119,12 @@ std::size_t TASocketConnection::FrameRoom() const noexcept {
 
 // Sends what waits and the contents in blocks that fill the buffer; the rest, which does not fill one, stays in it.
 int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept {
-    constexpr int MostFrames = (platform::Socket::MaxPieces - 1) / 2;
     char headers[MostFrames][block_header::Size];
     platform::Piece pieces[platform::Socket::MaxPieces];
     for (std::size_t room = FrameRoom(); size >= room;) {
         int count = 0;
         pieces[count++] = {_out.Pending().data(), _out.Pending().size()};
-        _out.Clear();
+        _out.Clear();  // the bytes stay until something is appended, and the next frames have all of its room
         for (int i = 0; i < MostFrames && size >= room; ++i) {
             block_header::Encode(static_cast<int>(room), headers[i]);
             pieces[count++] = {headers[i], block_header::Size};

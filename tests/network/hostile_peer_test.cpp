@@ -166,8 +166,7 @@ TEST(HostilePeer, TextThatGrows) {
         for (int i = 0; i < 1 << 16; ++i) bytes += Number(0);
         talk.peer.Send(bytes);
     });
-    EXPECT_EQ(GetText(talk.socket), 1);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), NotFull);
+    EXPECT_TRUE(Gives(1, NotFull, talk.socket, GetText(talk.socket)));
     talk.socket.Close();
     sender.join();
 }
@@ -183,8 +182,8 @@ TEST(HostilePeer, SilentPeer) {
     Conversation talk;
     const Watch watch;
     ZELString text("before");
-    EXPECT_EQ(talk.socket.GetBlock(text, 1), 2);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), "Error reading from stream socket (select): Connection timed out");
+    EXPECT_TRUE(Gives(2, "Error reading from stream socket (select): Connection timed out", talk.socket,
+                      talk.socket.GetBlock(text, 1)));
     EXPECT_TRUE(watch.Seconds() >= 0.99 && watch.Seconds() < 10) << watch.Seconds();
     EXPECT_EQ(text, "before");
     const TemporaryFolder folder;
@@ -213,14 +212,11 @@ TEST(HostilePeer, SlowPeer) {
     sender.join();
     talk.socket.SetIdleLimit(1);
     talk.peer.Send(Header(4) + "st");
-    EXPECT_EQ(GetText(talk.socket), 1);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), NotFull);
+    EXPECT_TRUE(Gives(1, NotFull, talk.socket, GetText(talk.socket)));
     std::vector<char> bytes(16000000);
-    EXPECT_EQ(talk.socket.PutBinBlock(16000000, bytes.data()), 1);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), "Unable to flush buffer");
+    EXPECT_TRUE(Gives(1, "Unable to flush buffer", talk.socket, talk.socket.PutBinBlock(16000000, bytes.data())));
     EXPECT_EQ(talk.socket.Close(), 0);
-    EXPECT_EQ(talk.socket.Close(), 1);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), "unable to close not opened socket");
+    EXPECT_TRUE(Gives(1, "unable to close not opened socket", talk.socket, talk.socket.Close()));
 }
 
 TEST(HostilePeer, PeerThatIsGone) {
@@ -230,16 +226,13 @@ TEST(HostilePeer, PeerThatIsGone) {
     const ZELString text("x");
     int result = 0;
     for (int i = 0; i < 100000 && result == 0; ++i) result = talk.socket.PutBlock(text) | talk.socket.Flush();
-    EXPECT_EQ(result, 1);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), "Unable to flush buffer");
+    EXPECT_TRUE(Gives(1, "Unable to flush buffer", talk.socket, result));
     EXPECT_EQ(talk.socket.Flush(), 0);  // the buffer is empty now
     EXPECT_EQ(talk.socket.PutBlock(text), 0);
-    EXPECT_EQ(talk.socket.Close(), 1);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), "Unable to flush buffer");
-    EXPECT_EQ(talk.socket.PutBlock(text), 1);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), "Socket not opened, unable to put data block");
-    EXPECT_EQ(talk.socket.Flush() + GetString(talk.socket), 2);
-    EXPECT_STREQ(talk.socket.GetErrMsg(), "Socket not opened, unable to get data block");
+    EXPECT_TRUE(Gives(1, "Unable to flush buffer", talk.socket, talk.socket.Close()));
+    EXPECT_TRUE(Gives(1, "Socket not opened, unable to put data block", talk.socket, talk.socket.PutBlock(text)));
+    EXPECT_TRUE(Gives(2, "Socket not opened, unable to get data block", talk.socket,
+                      talk.socket.Flush() + GetString(talk.socket)));
 }
 
 TEST(HostilePeer, FilesThatFail) {
@@ -264,8 +257,8 @@ TEST(HostilePeer, FilesThatFail) {
     EXPECT_TRUE(
         fails(talk.socket.PutFile((folder / "file").c_str()), "Unable to put block in buffer (block size is 2)"));
     Conversation narrow(4);
-    EXPECT_EQ(narrow.socket.PutFile((folder / "file").c_str()), 1);
-    EXPECT_STREQ(narrow.socket.GetErrMsg(), "Unable to free write buffer");
+    EXPECT_TRUE(
+        Gives(1, "Unable to free write buffer", narrow.socket, narrow.socket.PutFile((folder / "file").c_str())));
 }
 
 // Every allocation fails once: the call says so, and the next conversation is as good as ever.
@@ -282,27 +275,17 @@ TEST(HostilePeer, WithoutMemory) {
         TASocket socket;
         ZELString query;
         FailAllocation(number);
-        int result = listener.server.GetQuery(10, query, socket);
-        result |= result != 0 ? 0 : GetBytes(socket);
-        result |= result != 0 ? 0 : socket.GetFile((folder / "out").c_str(), 10);
-        result |= result != 0 ? 0 : socket.PutBlock("some words");
-        result |= result != 0 ? 0 : socket.PutFile((folder / "in").c_str());
+        const bool isRefused = listener.server.GetQuery(10, query, socket) != 0 || GetBytes(socket) != 0 ||
+                               GetFile(socket) != 0 || socket.PutBlock("some words") != 0 ||
+                               socket.PutFile((folder / "in").c_str()) != 0;
         const bool isOver = IsAllocationFailureDue();
         FailAllocation(0);
         const std::string said = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(result, isOver ? 0 : 1) << number;
+        EXPECT_EQ(isRefused, !isOver) << number;
         if (isOver) break;
         ++failed;
     }
     EXPECT_GE(failed, 6);
-}
-
-// The memory of the process in KiB, where the system shows it in a file.
-long ResidentMemory() {
-    std::ifstream file("/proc/self/statm");
-    long total = 0, resident = 0;
-    file >> total >> resident;
-    return resident * 4;
 }
 
 // Many clients at once, each faulty in its own way, again and again.
@@ -328,9 +311,9 @@ TEST(HostilePeer, Crowd) {
         crowd.join();
     };
     for (unsigned seed = 0; seed < 5; ++seed) round(seed);
-    const long before = ResidentMemory();
+    const std::size_t before = AllocatedBytes();
     for (unsigned seed = 5; seed < 20; ++seed) round(seed);
-    EXPECT_LE(ResidentMemory(), before + 4096);
+    EXPECT_LE(AllocatedBytes(), before + 65536);
 }
 
 }  // namespace

@@ -53,6 +53,12 @@ private:
     platform::Socket _socket;
 };
 
+// Whether a call on the socket gave this result and this message.
+inline testing::AssertionResult Gives(int expected, const char* message, const TASocket& socket, int result) {
+    if (result == expected && std::strcmp(socket.GetErrMsg(), message) == 0) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << result << ' ' << socket.GetErrMsg();
+}
+
 // A TASocket that a server accepted, and what is at its other end.
 struct Conversation {
     explicit Conversation(Listener& listener, int bufferSize = TASocket::DefaultBufferSize)

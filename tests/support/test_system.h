@@ -2,6 +2,7 @@
 #ifndef TESTS_SUPPORT_TEST_SYSTEM_H
 #define TESTS_SUPPORT_TEST_SYSTEM_H
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -54,6 +55,9 @@ bool StaysLoaded(const std::string& name, const char* function, const std::funct
 
 // The open descriptors (Windows: handles) that a child would get, ascending.
 std::vector<long> InheritedDescriptors();
+
+// Bytes of the heap that are in use; 0 where nobody tells.
+std::size_t AllocatedBytes();
 
 // Makes `levels` directories below each other at `path`, which exists, a file "f" in each, or as many as paths can be
 // long. Returns their number.

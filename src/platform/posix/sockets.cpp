@@ -128,7 +128,7 @@ platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) n
             SetOption(number, IPPROTO_TCP, TCP_NODELAY, 1);
             return Socket(number);
         }
-        if (errno == EINTR || errno == ECONNABORTED) continue;
+        if (errno == EINTR || errno == ECONNABORTED || errno == EPROTO) continue;
         if (errno != EAGAIN) return {};
         const int found = Wait(_number, POLLIN, deadline);
         isTimeOut = found == 0;

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
@@ -75,6 +76,11 @@ std::vector<long> InheritedDescriptors() {
     for (int descriptor = 0; descriptor < 1024; ++descriptor)
         if (fcntl(descriptor, F_GETFD) == 0) found.push_back(descriptor);  // neither closed nor FD_CLOEXEC
     return found;
+}
+
+std::size_t AllocatedBytes() {
+    const auto told = mallinfo2();
+    return told.uordblks + told.hblkhd;
 }
 
 int MakeDeepTree(const std::string& path, int levels) {
