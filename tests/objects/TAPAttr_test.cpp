@@ -1,0 +1,207 @@
+#include "TAPAttr.h"
+
+#include "TAPObject.h"
+#include "TAPPath.h"
+#include "counted.h"
+#include "foundations/allocation.h"
+#include "support/programs.h"
+#include "support/test_system.h"
+#include "support/testing.h"
+
+namespace {
+
+// One owner's reference, given back.
+template <class Counted>
+bool IsSame(Counted* given, Counted* expected) {
+    if (given != nullptr) given->Release();
+    return given == expected;
+}
+
+ZELListValTAPAttr ListOf(std::initializer_list<TAPAttr> elements) {
+    ZELListValTAPAttr list;
+    for (const TAPAttr& element : elements) list.Append(element);
+    return list;
+}
+
+TAPAttr NestedLists(int levels) {
+    TAPAttr outermost{ZELListValTAPAttr()};
+    ZELListValTAPAttr* innermost = &outermost.GetList();
+    for (int level = 1; level < levels; ++level) {
+        innermost->Append(ZELListValTAPAttr());
+        innermost = &(*innermost)[1].GetList();
+    }
+    innermost->Append("end");
+    return outermost;
+}
+
+int DepthOf(const TAPAttr& attribute) {
+    int depth = 0;
+    const TAPAttr* inner = &attribute;
+    for (; inner->IsType(TAPAttr::TypeList) && inner->GetList().Size() > 0; ++depth) inner = &inner->GetList()[1];
+    return inner->GetString("") == "end" ? depth : -1;
+}
+
+}  // namespace
+
+TEST(TAPAttr, EachKindComparesAsItsCodeAndValueTell) {
+    TAPObject objects[2];
+    TAPPath path(nullptr);
+    const TAPAttr one(ListOf({1})), two(ListOf({1, 2})), other(ListOf({"x"}));
+    const char* const noText = nullptr;
+    TAPObject* const noObject = nullptr;
+    TAPPath* const noPath = nullptr;
+    const struct {
+        TAPAttr value;
+        int code, rank;
+    } rows[] = {{TAPAttr(), 0, 0},    {TAPAttr::Null, 0, 0},
+                {"", 1, 1},           {noText, 1, 1},
+                {"B", 1, 2},          {ZELString("a"), 1, 3},
+                {"ab", 1, 4},         {"a\xE4", 1, 5},
+                {TAFileName(), 2, 6}, {TAFileName("a/b"), 2, 7},
+                {noObject, 3, 8},     {objects, 3, 9},
+                {objects + 1, 3, 10}, {-7, 5, 12},
+                {5, 5, 13},           {noPath, 6, 14},
+                {&path, 6, 15}};
+    for (const auto& left : rows)
+        for (const auto& right : rows) {
+            SCOPED_TRACE(std::to_string(left.rank) + " and " + std::to_string(right.rank));
+            const int order = (left.rank > right.rank) - (left.rank < right.rank);
+            const bool isText = left.code == right.code && (left.code == 1 || left.code == 2);
+            EXPECT_EQ(left.value != right.value, isText ? order : order != 0);
+            EXPECT_EQ(left.value == right.value, order == 0);
+            EXPECT_EQ(left.value < right.value, order < 0);
+            EXPECT_EQ(left.value > right.value, order > 0);
+            EXPECT_EQ(left.value.IsType(right.code), left.code == right.code);
+        }
+    for (const TAPAttr* const list : {&one, &two, &other}) {
+        EXPECT_TRUE(*list < TAPAttr(-7) && *list > TAPAttr(objects) && !(*list < one) && !(*list > one));
+        EXPECT_EQ(*list == one, list != &two);  // by their sizes alone
+    }
+    EXPECT_TRUE("B" == rows[4].value && 5 == rows[14].value && 6 != rows[14].value);
+}
+
+TEST(TAPAttr, GettersGiveTheValueOrWhatTheyWereTold) {
+    TAPObject object, standIn;
+    TAPPath path(nullptr), otherPath(nullptr);
+    ZELListValTAPAttr otherList;
+    TAPAttr rows[] = {TAPAttr(), "text", TAFileName("a/b"), &object, ListOf({1}), 5, &path};
+    for (int code = 0; code < 7; ++code) {
+        SCOPED_TRACE(code);
+        TAPAttr copy(rows[code]);
+        EXPECT_TRUE(copy.GetString("other") == (code == 1 ? "text" : "other"));
+        EXPECT_TRUE(copy.GetFileName("other") == (code == 2 ? "a\\b" : "other"));
+        EXPECT_TRUE(IsSame(copy.GetObjectW(&standIn), code == 3 ? &object : &standIn));
+        EXPECT_TRUE(IsSame(copy.GetObject(nullptr), code == 3 ? &object : nullptr));
+        EXPECT_EQ(&copy.GetList(otherList) == &otherList, code != 4);
+        EXPECT_EQ(copy.GetInteger(-1), code == 5 ? 5 : -1);
+        EXPECT_TRUE(IsSame(copy.GetPath(&otherPath), code == 6 ? &path : &otherPath));
+    }
+    EXPECT_TRUE(rows[1].GetString() == "text" && rows[2].GetFileName() == "a\\b" && rows[5].GetInteger() == 5);
+    EXPECT_TRUE(IsSame(rows[3].GetObjectA(), &object) && IsSame(rows[6].GetPath(), &path));
+    EXPECT_EQ(rows[4].GetList().Size(), 1);
+}
+
+TEST(TAPAttr, WrongKindsAndBadIndexesEndTheProcess) {
+    for (const std::string getter : {"GetInteger", "GetString", "GetFileName", "GetObject", "GetPath", "GetList"}) {
+        const ProgramResult result = RunProgram("objects_probe", {getter});
+        EXPECT_NE(result.err.find("\nTAPAttr::" + getter + " : bad type for get\n"), std::string::npos) << result.err;
+        EXPECT_NE(result.exitCode, 0);
+    }
+    const std::pair<const char*, const char*> others[] = {{"index 0", "TAPPath::[] : bad index"},
+                                                          {"index 4", "TAPPath::[] : bad index"},
+                                                          {"append", "TAPAttr::GetString : bad type for get"},
+                                                          {"add", "TAPAttr::GetInteger : bad type for get"},
+                                                          {"delete", "Delete on referenced object"}};
+    for (const auto& [verb, message] : others) {
+        const ProgramResult result = RunProgram("objects_probe", {verb});
+        EXPECT_NE(result.err.find(message), std::string::npos) << verb << result.err;
+    }
+}
+
+TEST(TAPAttr, AssigningCopiesFirstAndKeepsAListsOwnElements) {
+    TAPAttr list(ListOf({"a", 2})), longer(ListOf({1, 2, 3})), text("text");
+    list = longer;
+    EXPECT_TRUE(list.GetList().Size() == 2 && list.GetList()[1] == "a");
+    text = longer;
+    EXPECT_EQ(text.GetList().Size(), 0);
+    TAPAttr& self = list;
+    list = self;
+    EXPECT_EQ(list.GetList().Size(), 2);
+    text = "text";
+    text = *&text;
+    EXPECT_TRUE(text.GetString() == "text");
+
+    list.GetList()[2] = list;  // a part gets its whole: as a list, of nothing
+    EXPECT_EQ(list.GetList()[2].GetList().Size(), 0);
+    list.GetList().Append(list);
+    EXPECT_EQ(list.GetList()[3].GetList().Size(), 2);
+    list.GetList() = list.GetList()[3].GetList();  // a list gets a part of its own
+    EXPECT_TRUE(list.GetList().Size() == 2 && list.GetList()[1] == "a");
+    list = list.GetList()[1];
+    EXPECT_TRUE(list.GetString() == "a");
+
+    std::string log;
+    TAPObject* const inner = new LoggedObject(log, 'i');
+    TAPObject* const outer = new LoggedObject(log, 'o');
+    inner->SetAttribute("text", "kept by the inner object alone");
+    outer->SetAttribute("inner", inner);
+    TAPAttr holder(outer);
+    inner->Release();
+    outer->Release();
+    holder = outer->GetAttribute("inner");
+    EXPECT_EQ(log, "o");
+    holder = TAPAttr();
+    EXPECT_EQ(log, "oi");
+}
+
+TEST(TAPAttr, ListsCompareElementsOneLevelDeep) {
+    const ZELListValTAPAttr list = ListOf({"a", 1, TAPAttr(), ListOf({1})});
+    const std::pair<ZELListValTAPAttr, int> rows[] = {{list, 0},
+                                                      {ListOf({"a", 1, TAPAttr(), ListOf({"b"})}), 0},
+                                                      {ListOf({"a", 1, TAPAttr(), ListOf({})}), 1},
+                                                      {ListOf({"b", 1, TAPAttr(), ListOf({1})}), 1},
+                                                      {ListOf({"a", "1", TAPAttr(), ListOf({1})}), 1},
+                                                      {ListOf({"a", 1, TAPAttr()}), 1}};
+    for (const auto& [other, differs] : rows) {
+        EXPECT_EQ(list != other, differs);
+        EXPECT_EQ(other == list, 1 - differs);
+    }
+    EXPECT_EQ(list != list, 0);
+
+    ZELListValTAPAttr sorted = ListOf({3, "b", ListOf({9}), 1, "a"});
+    sorted.QuickSort([](TAPAttr* left, TAPAttr* right) { return (*left > *right) - (*left < *right); });
+    EXPECT_EQ(sorted, ListOf({"a", "b", ListOf({9}), 1, 3}));
+}
+
+TEST(TAPAttr, ListsInListsNeedNoStack) {
+    RunConfined([] {
+        static constexpr int Levels = 100000;
+        const TAPAttr lists = NestedLists(Levels);
+        const TAPAttr copy(lists);
+        EXPECT_EQ(DepthOf(copy), Levels);
+        EXPECT_TRUE(copy == lists && copy.GetList() == lists.GetList());
+        ZELListValTAPAttr assigned = ListOf({1, 2});
+        assigned = copy.GetList();
+        EXPECT_EQ(DepthOf(assigned[1]), Levels - 1);
+    });
+}
+
+TEST(TAPAttr, MissingMemoryLeavesWholeValuesAndNoLeak) {
+    const TAPAttr lists(ListOf({ListOf({"a", TAFileName("b")}), ListOf({ListOf({1})}), TAFileName("c")})),
+        file(TAFileName("file"));
+    testing::internal::CaptureStdout();
+    int failure = 0;
+    for (bool isDue = false; !isDue; ++failure) {
+        TAPAttr assigned("kept");
+        FailAllocation(failure + 1);
+        const TAPAttr copy(lists);
+        assigned = file;
+        isDue = IsAllocationFailureDue();
+        FailAllocation(0);
+        EXPECT_TRUE(copy.IsType(TAPAttr::TypeNull) || copy == lists);
+        EXPECT_TRUE(assigned.GetString("") == "kept" || assigned.GetFileName("") == "file");
+    }
+    const std::string said = testing::internal::GetCapturedStdout();
+    EXPECT_GT(failure, 8) << said;
+    EXPECT_NE(said.find("# Alloc failed in TAPAttr"), std::string::npos);
+}

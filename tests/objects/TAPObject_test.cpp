@@ -1,0 +1,265 @@
+#include "TAPObject.h"
+
+#include <variant>
+
+#include "counted.h"
+#include "foundations/allocation.h"
+#include "support/test_system.h"
+#include "support/testing.h"
+
+namespace {
+
+// The names of an object's path from the third on; indexes reach no others.
+std::string PathOf(TAPObject& object) {
+    TAPPath* const path = object.GetPath();
+    if (path == nullptr) return "none";
+    std::string text = std::to_string(path->Size());
+    for (int i = 1; i <= path->Size() - 2; ++i) {
+        TAPName* const name = (*path)[i];
+        text += std::string(".") + name->GetName();
+        name->Release();
+    }
+    path->Release();
+    return text;
+}
+
+// What the object holds, seen through all ways of reading.
+using Model = std::map<std::string, std::variant<int, std::string, std::vector<int>>>;
+
+Model Read(TAPObject& object) {
+    Model model;
+    const char* name = nullptr;
+    for (int position = object.GetFirstAttributePosition(); position != 0;) {
+        TAPAttr value = object.GetNextAttribute(position, name);
+        EXPECT_TRUE(model.empty() || model.rbegin()->first < name);  // as the index stands
+        EXPECT_EQ(object.GetAttribute(name), value);
+        EXPECT_EQ(object.HasAttribute(name) +
+                      object.HasAttribute((std::string(name) + "x").c_str(), static_cast<int>(std::strlen(name))),
+                  2);
+        if (value.IsType(TAPAttr::TypeInteger)) model[name] = value.GetInteger();
+        if (value.IsType(TAPAttr::TypeString)) model[name] = std::string(value.GetString());
+        if (!value.IsType(TAPAttr::TypeList)) continue;
+        std::vector<int> numbers;
+        for (const TAPAttr& element : value.GetList()) numbers.push_back(element.GetInteger());
+        model[name] = numbers;
+    }
+    EXPECT_EQ(object.GetAttributeList()->Size(), static_cast<int>(model.size()));
+    return model;
+}
+
+// One random operation on both, with the same result.
+void Change(TAPObject& object, Model& model, std::mt19937& random) {
+    const std::string name = "name " + std::to_string(random() % 40);
+    const int number = static_cast<int>(random());
+    const auto entry = model.find(name);
+    switch (random() % 5) {
+        case 0:
+            object.SetAttribute(name.c_str(), number);
+            model[name] = number;
+            break;
+        case 1:
+            object.SetAttribute(name.c_str(), std::to_string(number).c_str());
+            model[name] = std::to_string(number);
+            break;
+        case 2:
+            EXPECT_EQ(object.RemoveAttribute(name.c_str()), model.erase(name) == 1 ? 0 : 1);
+            break;
+        default:
+            if (entry == model.end()) {
+                model[name] = std::vector<int>{number};
+            } else if (auto* const text = std::get_if<std::string>(&entry->second)) {
+                EXPECT_EQ(object.AppendToAttribute(name.c_str(), "tail"), 0);
+                *text += "tail";
+                break;
+            } else if (auto* const numbers = std::get_if<std::vector<int>>(&entry->second)) {
+                numbers->push_back(number);
+            } else {
+                const auto old = static_cast<unsigned int>(std::get<int>(entry->second));
+                entry->second = static_cast<int>(old + static_cast<unsigned int>(number));
+            }
+            EXPECT_EQ(object.AppendToAttribute(name.c_str(), number), 0);
+    }
+}
+
+}  // namespace
+
+TEST(TAPObject, ActsLikeASortedMap) {
+    std::mt19937 random(1);
+    TAPObject object;
+    Model model;
+    for (int round = 0; round < 10000; ++round) {
+        Change(object, model, random);
+        if (round % 50 == 0) {
+            ASSERT_EQ(Read(object), model) << round;
+        }
+        if (round % 500 != 499) continue;
+        // A copy and its original go their own ways. Lists stay out: their elements both would see.
+        std::erase_if(model, [&](const auto& entry) {
+            return entry.second.index() == 2 && object.RemoveAttribute(entry.first.c_str()) == 0;
+        });
+        TAPObject copy(object), assigned;
+        Model copied = model;
+        assigned.SetAttribute("old", "gone");
+        assigned = copy;
+        for (int change = 0; change < 20; ++change) Change(copy, copied, random);
+        ASSERT_EQ(Read(copy), copied);
+        ASSERT_EQ(Read(assigned), model);
+        ASSERT_EQ(Read(object), model);
+    }
+}
+
+TEST(TAPObject, BoundariesAndNamesOfItsOwn) {
+    TAPObject object;
+    int position = 1;
+    const char* name = "set";
+    EXPECT_EQ(object.GetFirstAttributePosition(), 0);
+    EXPECT_TRUE(object.GetNextAttribute(position, name) == TAPAttr::Null && position == 0 && name == nullptr);
+    EXPECT_EQ(object.RemoveAttribute("absent") + object.RemoveAttribute(nullptr), 2);
+    object.SetAttribute(nullptr, 1);
+    EXPECT_EQ(object.AppendToAttribute(nullptr, 1), 1);
+    EXPECT_EQ(object.HasAttribute(nullptr) + object.HasAttribute("x", -1) + object.GetAttributeList()->Size(), 0);
+
+    for (const char* each : {"b", "a", "c"}) object.SetAttribute(each, each);
+    for (int bad : {-1, 0, 4, INT_MAX, INT_MIN}) {
+        position = bad;
+        EXPECT_TRUE(object.GetNextAttribute(position) == TAPAttr::Null && position == 0) << bad;
+    }
+    position = 2;
+    object.GetNextAttribute(position, name);
+    object.SetAttribute(name, object.GetAttribute("c"));
+    EXPECT_TRUE(object.GetAttribute("b").GetString() == "c");
+    object.AppendToAttribute(name, "d");
+    EXPECT_TRUE(object.GetAttribute("b").GetString() == "cd");
+    EXPECT_EQ(object.RemoveAttribute(name) + object.HasAttribute("b"), 0);
+
+    object.GetAttributeList()->Append("null", nullptr);
+    EXPECT_EQ(object.HasAttribute("null") + object.HasAttribute("null", 4), 0);
+    EXPECT_EQ(object.GetAttribute("null"), TAPAttr::Null);
+    EXPECT_EQ(object.AppendToAttribute("null", 1), 0);
+    EXPECT_EQ(object.GetAttribute("null").GetList().Size(), 1);
+    object.GetAttributeList()->Append("own", new TAPAttr("the object's from now on"));
+    object.SetAttribute("wide", INT_MAX);
+    EXPECT_EQ(object.AppendToAttribute("wide", 1), 0);
+    EXPECT_EQ(object.GetAttribute("wide").GetInteger(), INT_MIN);
+    object.SetAttribute("file", TAFileName("x"));
+    EXPECT_EQ(object.AppendToAttribute("file", "y"), 1);
+    EXPECT_TRUE(object.GetAttribute("file").GetFileName() == "x");
+}
+
+TEST(TAPObject, ListsAreSharedByCopiesUntilTheyAreReplaced) {
+    TAPObject object;
+    object.AppendToAttribute("list", 1);
+    TAPObject copy(object);
+    copy.AppendToAttribute("list", 2);
+    EXPECT_EQ(object.GetAttribute("list").GetList().Size(), 2);
+    copy.SetAttribute("list", 3);
+    object.RemoveAttribute("list");
+    EXPECT_EQ(copy.GetAttribute("list").GetInteger(), 3);
+    const TAPObject& self = copy;
+    copy = self;
+    EXPECT_EQ(copy.GetAttribute("list").GetInteger(), 3);
+    copy = TAPObject();
+    EXPECT_EQ(copy.HasAttribute("list"), 0);
+}
+
+TEST(TAPObject, ChildrenGetThePathThatTheirParentHasThen) {
+    TAPObject root, child, grandchild;
+    root.SetAttribute("early", &grandchild);
+    EXPECT_EQ(PathOf(grandchild), "1");
+    TAPName above("above");
+    TAPPath outer(&above), top(&outer, &above);
+    root.SetPath(&top);
+    root.SetAttribute("a", &child);
+    child.SetAttribute("b", &grandchild);
+    EXPECT_EQ(PathOf(grandchild), "4.a.b");
+    root.SetAttribute("new", &child);
+    EXPECT_EQ(PathOf(child) + PathOf(grandchild) + PathOf(root), "3.new4.a.b2");
+    child.SetAttribute("self", &child);
+    EXPECT_EQ(PathOf(child), "4.new.self");
+    child.RemoveAttribute("self");
+    TAPPath* const path = child.GetPath();
+    child.SetPath(nullptr);
+    EXPECT_EQ(path->Size(), 4);
+    // Look-ups give nothing, whatever they pass, and keep every count.
+    EXPECT_EQ(root.GetObject(path), nullptr);
+    TAPObject* const none = nullptr;
+    for (TAPPath* each : {static_cast<TAPPath*>(nullptr), path}) EXPECT_EQ(root.GetObjectW(each), nullptr);
+    path->Release();
+    root.SetAttribute("none", none);
+    const TAPAttr found = root.GetAttribute("none");
+    EXPECT_TRUE(found == TAPAttr(none) && found.GetObject() == nullptr && root.HasAttribute("none") == 1);
+    EXPECT_EQ(root.AppendToAttribute("none", none), 1);
+    TAPName name("third");
+    TAPPath one(&name), two(&one, &name), three(&two, &name), four(&three, &name);
+    root.SetAttribute("third", &child);
+    EXPECT_EQ(root.GetObjectW(&four), nullptr);
+    for (const char* each : {"early", "a", "new", "third"}) root.RemoveAttribute(each);
+    for (TAPObject* each : {&child, &grandchild}) each->RemoveAttribute("b");
+    for (TAPObject* each : {&root, &child, &grandchild}) each->SetPath(nullptr);
+}
+
+TEST(TAPObject, TreesEndInOrderAndDoNotNeedStack) {
+    std::string log;
+    TAPObject* const root = new LoggedObject(log, 'r');
+    TAPObject* const left = new LoggedObject(log, 'l');
+    TAPObject* const leaf = new LoggedObject(log, 'i');
+    TAPObject* const right = new LoggedObject(log, 'z');
+    TAPPath* const path = new LoggedPath(log, 'p', nullptr);
+    TAPPath* const valuePath = new LoggedPath(log, 'v', nullptr);
+    left->SetAttribute("leaf", leaf);
+    left->SetAttribute("list", TAPAttr());
+    for (TAPAttr value : {TAPAttr(right), TAPAttr(valuePath)}) left->AppendToAttribute("pair", value);
+    root->SetAttribute("b", left);
+    root->SetAttribute("c", right);
+    left->SetPath(path);
+    for (TAPObject* each : {left, leaf, right}) each->Release();
+    for (TAPPath* each : {path, valuePath}) each->Release();
+    root->Release();
+    EXPECT_EQ(log, "rlivpz");
+
+    for (const bool isTopDown : {true, false})
+        RunConfined([isTopDown] {
+            auto* top = new TAPObject;
+            TAPObject* bottom = top;
+            for (int level = 1; level < 100000; ++level) {
+                auto* const next = new TAPObject;
+                if (isTopDown) {
+                    bottom->SetAttribute("below", next);
+                    bottom = next;
+                } else {
+                    next->SetAttribute("below", top);
+                    top->Release();
+                    top = next;
+                    continue;
+                }
+                next->Release();
+            }
+            TAPObject copy(*top);
+            copy = *top;
+            top->Release();
+            EXPECT_TRUE(copy.GetAttribute("below") == copy.GetAttribute("below"));
+        });
+}
+
+TEST(TAPObject, MissingMemoryChangesNothing) {
+    testing::internal::CaptureStdout();
+    int failures = 0;
+    for (bool isDue = false; !isDue; ++failures) {
+        TAPObject child, object;
+        object.SetAttribute("text", "old");
+        FailAllocation(failures + 1);
+        object.SetAttribute("child", &child);
+        object.SetAttribute("text", "new");
+        const int appended = object.AppendToAttribute("text", " tail") + object.AppendToAttribute("list", &child);
+        TAPObject copy(object);
+        copy = object;
+        isDue = IsAllocationFailureDue();
+        FailAllocation(0);
+        EXPECT_EQ(appended == 0, object.GetAttribute("text").GetString().Length() == 8 &&
+                                     object.GetAttribute("list").IsType(TAPAttr::TypeList));
+        EXPECT_TRUE(copy.GetAttribute("text") == object.GetAttribute("text") || copy.HasAttribute("text") == 0);
+    }
+    const std::string said = testing::internal::GetCapturedStdout();
+    EXPECT_GT(failures, 8) << said;
+    EXPECT_NE(said.find("# Alloc failed in TAPObject"), std::string::npos);
+}

@@ -1,0 +1,47 @@
+// `objects_probe VERB`: does what ends a process.
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "TADatabase.h"
+#include "TAPObject.h"
+
+namespace {
+
+// Three names.
+TAPPath* MakePath() {
+    TAPName* const name = new TAPName("name");
+    TAPPath* path = nullptr;
+    for (int length = 1; length <= 3; ++length) path = path != nullptr ? new TAPPath(path, name) : new TAPPath(name);
+    return path;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const std::string_view verb = count > 1 ? arguments[1] : "";
+    TAPObject* const object = new TAPObject;
+    object->SetAttribute("text", "text");
+    object->SetAttribute("number", 1);
+    TAPAttr null;
+    if (verb == "GetInteger") null.GetInteger();
+    if (verb == "GetString") null.GetString();
+    if (verb == "GetFileName") null.GetFileName();
+    if (verb == "GetObject") null.GetObjectW();
+    if (verb == "GetPath") null.GetPath();
+    if (verb == "GetList") null.GetList();
+    if (verb == "index 0") (*MakePath())[0];
+    if (verb == "index 4") (*MakePath())[4];
+    if (verb == "append") object->AppendToAttribute("text", 1);
+    if (verb == "add") object->AppendToAttribute("number", "1");
+    if (verb == "delete") {
+        object->AddRef();
+        const TAPObject copy(*object);  // has two references as well, so it must not end
+    }
+    if (verb == "database") {
+        TAOracleDatabase database("user", "password", "base");
+        if (count > 3) return database.SQLLoader(arguments[2], arguments[3]) != 0;
+        if (count > 2) return database.SQL(arguments[2]) != 0;
+    }
+    return 0;
+}

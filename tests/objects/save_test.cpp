@@ -1,0 +1,252 @@
+#include "TAPObject.h"
+#include "counted.h"
+#include "foundations/allocation.h"
+#include "support/files.h"
+#include "support/test_system.h"
+#include "support/testing.h"
+
+namespace {
+
+using Dump = std::map<std::string, std::string>;
+
+Dump ReadDump(const TemporaryFolder& folder) {
+    Dump dump;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
+        dump[entry.path().stem().string()] = WithoutReturns(ReadBytes(entry.path().string()));
+    return dump;
+}
+
+Dump Save(TAPObject& object) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(object.SaveToFile(folder.Path().c_str()), 0);
+    return ReadDump(folder);
+}
+
+// What a plain recursive save writes.
+struct Model {
+    Dump dump;
+    int nextId = 0;
+
+    void Line(const std::string& kind, int id, const std::string& rest) {
+        dump[kind] += std::to_string(id) + ":" + rest + "\n";
+    }
+    std::string Write(const TAPAttr& value, int id) {
+        if (value.IsType(TAPAttr::TypeInteger)) {
+            Line("AttrInteger", id, std::to_string(value.GetInteger()));
+            return "AttrInteger";
+        }
+        if (value.IsType(TAPAttr::TypeString)) {
+            Line("AttrString", id, std::string(value.GetString()));
+            return "AttrString";
+        }
+        if (value.IsType(TAPAttr::TypeList)) {
+            dump["AttrList"];
+            for (int i = 1; i <= value.GetList().Size(); ++i) {
+                const int elementId = nextId++;
+                Line("AttrList", id, std::to_string(i) + ":" + std::to_string(elementId));
+                Write(value.GetList()[i], elementId);
+            }
+            return "AttrList";
+        }
+        if (!value.IsType(TAPAttr::TypeObject)) return "Null";
+        const int objectId = nextId++;
+        Line("AttrObject", id, std::to_string(objectId));
+        TAPObject* const object = value.GetObject();
+        Write(*object, objectId);
+        object->Release();
+        return "AttrObject";
+    }
+    void Write(TAPObject& object, int id) {
+        dump["Objects"];
+        const char* name = nullptr;
+        for (int position = object.GetFirstAttributePosition(); position != 0;) {
+            const TAPAttr value = object.GetNextAttribute(position, name);
+            const int attributeId = nextId++;
+            const std::string kind = Write(value, attributeId);
+            Line("Objects", id, std::string(name) + ":" + kind + ":" + std::to_string(attributeId));
+        }
+    }
+};
+
+TAPAttr RandomValue(std::mt19937& random, int levels);
+
+void Fill(TAPObject& object, std::mt19937& random, int levels) {
+    for (unsigned i = random() % 5; i > 0; --i)
+        object.SetAttribute(std::to_string(random() % 100).c_str(), RandomValue(random, levels));
+}
+
+TAPAttr RandomValue(std::mt19937& random, int levels) {
+    const unsigned kind = random() % (levels > 0 ? 5 : 3);
+    if (kind == 0) return {};
+    if (kind == 1) return static_cast<int>(random());
+    if (kind == 2) return std::string(random() % 20, 'x').c_str();
+    if (kind == 3) {
+        ZELListValTAPAttr list;
+        for (unsigned i = random() % 4; i > 0; --i) list.Append(RandomValue(random, levels - 1));
+        return list;
+    }
+    TAPObject* const object = new TAPObject;
+    Fill(*object, random, levels - 1);
+    TAPAttr value(object);
+    object->Release();
+    return value;
+}
+
+}  // namespace
+
+TEST(Save, WritesTheDocumentedLines) {
+    TAPObject empty, root;
+    EXPECT_EQ(Save(empty), (Dump{{"Objects", ""}}));
+
+    TAPName a("a"), b("b"), c("c");
+    TAPPath one(&a), two(&one, &b), three(&two, &c), none(nullptr, &a), nameless(&three, nullptr);
+    TAPObject* const nobody = nullptr;
+    TAPPath* const nowhere = nullptr;
+    const std::pair<TAPPath*, const char*> paths[] = {{&one, "1:;\n"},          {&two, "1:;;\n"}, {&three, "1:c;;;\n"},
+                                                      {&nameless, "1:c;;;;\n"}, {&none, "1:\n"},  {nowhere, "1:\n"}};
+    for (const auto& [path, line] : paths) {
+        root.SetAttribute("p", path);
+        EXPECT_EQ(Save(root), (Dump{{"Objects", "0:p:AttrPath:1\n"}, {"AttrPath", line}}));
+    }
+    root.RemoveAttribute("p");
+    root.SetAttribute("c", ZELListValTAPAttr());
+    root.SetAttribute("b", nobody);
+    root.GetAttributeList()->Append("d", nullptr);
+    root.SetAttribute("a", TAPAttr());
+    EXPECT_EQ(Save(root), (Dump{{"Objects", "0:a:Null:1\n0:b:AttrObject:2\n0:c:AttrList:4\n0:d::5\n"},
+                                {"AttrObject", "2:3\n"},
+                                {"AttrList", ""}}));
+
+    TAPObject raw, child;
+    raw.SetAttribute("../a:b\nc", "x:y\n\nz");
+    raw.SetAttribute("C:\\f", TAFileName("C:/d/../f"));
+    raw.SetAttribute("child", &child);
+    raw.SetAttribute("child again", &child);
+    raw.SetAttribute("least", INT_MIN);
+    EXPECT_EQ(Save(raw), (Dump{{"Objects",
+                                "0:../a:b\nc:AttrString:1\n0:C:\\f:AttrFileName:2\n0:child:AttrObject:3\n"
+                                "0:child again:AttrObject:5\n0:least:AttrInteger:7\n"},
+                               {"AttrString", "1:x:y\n\nz\n"},
+                               {"AttrFileName", "2:C:\\f\n"},
+                               {"AttrObject", "3:4\n5:6\n"},
+                               {"AttrInteger", "7:-2147483648\n"}}));
+    for (const char* name : {"child", "child again"}) raw.RemoveAttribute(name);
+}
+
+TEST(Save, LinesEndAsTheSystemsTextDoes) {
+    const TemporaryFolder folder;
+    TAPObject object;
+    object.SetAttribute("a", "x\ny");
+    object.SaveToFile(folder.Path().c_str());
+    WriteBytes(folder / "expected", "");
+    std::FILE* const text = std::fopen((folder / "expected").c_str(), "w");
+    std::fputs("1:x\ny\n", text);
+    std::fclose(text);
+    EXPECT_EQ(ReadBytes(folder / "AttrString.txt"), ReadBytes(folder / "expected"));
+}
+
+TEST(Save, WritesWhatARecursiveSaveWould) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 100; ++round) {
+        TAPObject root;
+        Fill(root, random, 5);
+        Model model;
+        model.Write(root, model.nextId++);
+        ASSERT_EQ(Save(root), model.dump) << round;
+    }
+    // Texts of every length about the size of a run.
+    TAPObject root;
+    for (int length : {0, 1, 65500, 65530, 65535, 65536, 65537, 131072, 200000})
+        for (int more = 0; more < 8; ++more)
+            root.AppendToAttribute("texts", std::string(static_cast<std::size_t>(length + more), 'x').c_str());
+    Model model;
+    model.Write(root, model.nextId++);
+    EXPECT_TRUE(Save(root) == model.dump);
+}
+
+TEST(Save, EndsWhereAnObjectHoldsItself) {
+    TAPObject* const root = new TAPObject;
+    TAPObject* const child = new TAPObject;
+    root->SetAttribute("child", child);
+    child->AppendToAttribute("list", root);
+    child->SetAttribute("self", child);
+    child->SetAttribute("z", 1);
+    for (int round = 0; round < 2; ++round) {
+        testing::internal::CaptureStdout();
+        const Dump dump = Save(*root);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  "   WARNING : object met again inside itself, not saved as 5\n"
+                  "   WARNING : object met again inside itself, not saved as 7\n");
+        EXPECT_EQ(dump.at("Objects"),
+                  "2:list:AttrList:3\n2:self:AttrObject:6\n2:z:AttrInteger:8\n0:child:AttrObject:1\n");
+        EXPECT_EQ(dump.at("AttrObject"), "1:2\n4:5\n6:7\n");
+    }
+    for (const char* name : {"list", "self"}) child->RemoveAttribute(name);
+    child->Release();
+    root->Release();
+}
+
+TEST(Save, DepthNeedsNoStack) {
+    constexpr int Levels = 100000;
+    const TemporaryFolder folder;
+    RunConfined([&] {
+        TAPAttr tower("top");
+        for (int level = 0; level < Levels; ++level) {
+            auto* const object = new TAPObject;
+            object->AppendToAttribute("a", tower);
+            tower = object;
+            object->Release();
+        }
+        TAPObject* const root = tower.GetObject();
+        tower = TAPAttr();
+        root->SaveToFile(folder.Path().c_str());
+        root->Release();
+    });
+    const Dump dump = ReadDump(folder);
+    for (const char* kind : {"Objects", "AttrList"})
+        EXPECT_EQ(std::count(dump.at(kind).begin(), dump.at(kind).end(), '\n'), Levels);
+    EXPECT_EQ(dump.at("AttrString"), std::to_string(3 * Levels - 1) + ":top\n");
+}
+
+TEST(Save, LosesWhatCannotBeWrittenWithoutAWord) {
+    TAPObject object;
+    object.SetAttribute("a", 1);
+    object.SetAttribute("b", "x");
+    const TemporaryFolder folder;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(object.SaveToFile((folder / "missing").c_str()), 0);
+    std::filesystem::create_directory(folder / "Objects.txt");
+    EXPECT_EQ(object.SaveToFile(folder.Path().c_str()), 0);
+    EXPECT_EQ(ReadBytes(folder / "AttrInteger.txt").substr(0, 3), "1:1");
+    if (!FullDevice.empty()) {
+        std::filesystem::remove(folder / "AttrInteger.txt");
+        std::filesystem::create_symlink(FullDevice, folder / "AttrInteger.txt");
+        EXPECT_EQ(object.SaveToFile(folder.Path().c_str()), 0);
+    }
+    EXPECT_EQ(ReadBytes(folder / "AttrString.txt").substr(0, 3), "2:x");
+    {
+        std::filesystem::permissions(folder.Path(), std::filesystem::perms::all);
+        std::filesystem::create_directory(folder / "closed");
+        std::filesystem::permissions(folder / "closed", std::filesystem::perms::owner_read);
+        const OrdinaryUser user;
+        EXPECT_EQ(object.SaveToFile((folder / "closed").c_str()), 0);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(Save, MissingMemoryEndsBranchesAndNothingElse) {
+    const TemporaryFolder folder;
+    testing::internal::CaptureStdout();
+    TAPObject child, root;
+    child.SetAttribute("a", 1);
+    root.SetAttribute("child", &child);
+    for (int failure = 1;; ++failure) {
+        FailAllocation(failure);
+        EXPECT_EQ(root.SaveToFile(folder.Path().c_str()), 0);
+        const bool isDue = IsAllocationFailureDue();
+        FailAllocation(0);
+        if (isDue) break;
+    }
+    EXPECT_EQ(ReadDump(folder).at("Objects"), "2:a:AttrInteger:3\n0:child:AttrObject:1\n");
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("# Alloc failed in TAPObjectSaveContext"), std::string::npos);
+}
