@@ -20,8 +20,9 @@
 // lists) do not work; QuickSort moves pointers.
 //
 // When memory runs out, a line that starts with "# Alloc failed in TAPAttr" goes to standard output; an attribute that
-// is being constructed is null then, one that is assigned to stays as it was. Nothing blocks, nothing throws. Distinct
-// attributes may be used from distinct threads, as long as they share neither object nor path.
+// is being constructed is an empty text then, or null in place of a file name or a list, and one that is assigned to
+// stays as it was. Nothing blocks, nothing throws. Distinct attributes may be used from distinct threads, as long as
+// they share neither object nor path.
 #ifndef TAPATTR_H
 #define TAPATTR_H
 

@@ -157,7 +157,8 @@ int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
     TAPAttr* found = Find(name);
     const bool isNew = found == nullptr;
     if (isNew) {
-        SetAttribute(name, ZELListValTAPAttr());
+        TAPAttr list{ZELListValTAPAttr()};
+        if (list._type == TAPAttr::TypeList) SetAttribute(name, std::move(list));
         found = Find(name);
         if (found == nullptr) return 1;
     }

@@ -26,18 +26,18 @@ void DumpFile::Close() noexcept {
     _file = nullptr;
 }
 
-// False when there is no room, since there is no file.
-bool DumpFile::WriteOut() noexcept {
-    if (_begin == nullptr) return false;
-    std::fwrite(_begin, 1, static_cast<std::size_t>(_next - _begin), _file);
+void DumpFile::WriteOut() noexcept {
+    if (_next != _begin) std::fwrite(_begin, 1, static_cast<std::size_t>(_next - _begin), _file);
     _next = _begin;
-    return true;
 }
 
-void DumpFile::PutLong(std::string_view text) noexcept {
-    if (!WriteOut()) return;
-    if (text.size() > Room)
-        std::fwrite(text.data(), 1, text.size(), _file);
-    else
-        Put(text);
+// Writes out what waits; false when `size` bytes do not fit even so.
+bool DumpFile::MakeRoom(std::size_t size) noexcept {
+    WriteOut();
+    return size <= static_cast<std::size_t>(_end - _begin);
+}
+
+// A text that is longer than a run; nothing waits.
+void DumpFile::WriteLong(std::string_view text) noexcept {
+    if (_begin != nullptr) std::fwrite(text.data(), 1, text.size(), _file);
 }

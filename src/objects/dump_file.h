@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 class DumpFile {
 public:
@@ -21,27 +22,37 @@ public:
     // Writes what waits.
     void Close() noexcept;
 
-    void Put(std::string_view text) noexcept {
-        if (text.size() > Left()) return PutLong(text);
-        std::memcpy(_next, text.data(), text.size());
-        _next += text.size();
-    }
-    void Put(char character) noexcept {
-        if (Left() == 0 && !WriteOut()) return;
-        *_next++ = character;
-    }
-    void Put(int number) noexcept {
-        constexpr std::size_t Longest = 11;
-        if (Left() < Longest && !WriteOut()) return;
-        _next = std::to_chars(_next, _end, number).ptr;
+    // Adds pieces, which are numbers, characters and texts, to what waits.
+    template <class... Pieces>
+    void Put(Pieces... pieces) noexcept {
+        if (((LongestOf(pieces) + ...)) <= static_cast<std::size_t>(_end - _next))
+            (Append(pieces), ...);
+        else
+            (PutWithCare(pieces), ...);
     }
 
 private:
     static constexpr std::size_t Room = 64 * 1024;
 
-    std::size_t Left() const noexcept { return static_cast<std::size_t>(_end - _next); }
-    void PutLong(std::string_view text) noexcept;
-    bool WriteOut() noexcept;
+    static std::size_t LongestOf(int) noexcept { return 11; }
+    static std::size_t LongestOf(char) noexcept { return 1; }
+    static std::size_t LongestOf(std::string_view text) noexcept { return text.size(); }
+    void Append(int number) noexcept { _next = std::to_chars(_next, _end, number).ptr; }
+    void Append(char character) noexcept { *_next++ = character; }
+    void Append(std::string_view text) noexcept {
+        std::memcpy(_next, text.data(), text.size());
+        _next += text.size();
+    }
+    template <class Piece>
+    void PutWithCare(Piece piece) noexcept {
+        if (LongestOf(piece) <= static_cast<std::size_t>(_end - _next) || MakeRoom(LongestOf(piece)))
+            Append(piece);
+        else if constexpr (std::is_same_v<Piece, std::string_view>)
+            WriteLong(piece);
+    }
+    bool MakeRoom(std::size_t size) noexcept;
+    void WriteLong(std::string_view text) noexcept;
+    void WriteOut() noexcept;
 
     std::FILE* _file = nullptr;
     char* _begin = nullptr;  // the run that waits; all three null when the file could not be opened

@@ -8,6 +8,7 @@
 #include "objects/save_context.h"
 
 #include "TADiagnostics.h"
+#include "containers/prefetch.h"
 #include "foundations/console.h"
 #include "objects/attr_list.h"
 #include "objects/path_node.h"
@@ -39,13 +40,6 @@ DumpFile& TAPObjectSaveContext::File(int kind) noexcept {
     return file;
 }
 
-DumpFile& TAPObjectSaveContext::BeginLine(int kind, int id) noexcept {
-    DumpFile& file = File(kind);
-    file.Put(id);
-    file.Put(':');
-    return file;
-}
-
 void TAPObjectSaveContext::SaveObject(const TAPObject& object, int id) noexcept {
     const std::size_t height = _levels.Size();
     BeginObject(&object, id);
@@ -70,32 +64,22 @@ void TAPObjectSaveContext::WorkOff(std::size_t height) noexcept {
 
 // Writes the lines of a value, and makes what is below it the topmost level.
 void TAPObjectSaveContext::Begin(const TAPAttr& attribute, int id) noexcept {
-    const auto writeText = [&](std::string_view text) {
-        DumpFile& file = BeginLine(attribute._type, id);
-        file.Put(text);
-        file.Put('\n');
-    };
     switch (attribute._type) {
         case TAPAttr::TypeString:
-            writeText(SharedText::View(attribute._value.text));
+            File(attribute._type).Put(id, ':', SharedText::View(attribute._value.text), '\n');
             break;
         case TAPAttr::TypeFileName:
-            writeText(attribute._value.fileName->View());
+            File(attribute._type).Put(id, ':', attribute._value.fileName->View(), '\n');
             break;
-        case TAPAttr::TypeInteger: {
-            DumpFile& file = BeginLine(attribute._type, id);
-            file.Put(attribute._value.integer);
-            file.Put('\n');
+        case TAPAttr::TypeInteger:
+            File(attribute._type).Put(id, ':', attribute._value.integer, '\n');
             break;
-        }
         case TAPAttr::TypePath:
             WritePath(attribute._value.path, id);
             break;
         case TAPAttr::TypeObject: {
             const int objectId = NextId();
-            DumpFile& file = BeginLine(attribute._type, id);
-            file.Put(objectId);
-            file.Put('\n');
+            File(attribute._type).Put(id, ':', objectId, '\n');
             BeginObject(attribute._value.object, objectId);
             break;
         }
@@ -120,14 +104,14 @@ void TAPObjectSaveContext::BeginObject(const TAPObject* object, int id) noexcept
 
 // The names from the third on, and two empty ones in the end: what TAPPath::operator[] gives for 1 to Size().
 void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
-    DumpFile& file = BeginLine(TAPAttr::TypePath, id);
+    DumpFile& file = File(TAPAttr::TypePath);
+    file.Put(id, ':');
     WorkStack<const TAPName*> names;
     const TAPPath::Node* const last = path != nullptr ? path->_last : nullptr;
     for (const TAPPath::Node* node = last; node != nullptr && node->length > TAPPath::Node::Shift; node = node->parent)
         if (!names.Push(node->name)) ReportAllocFailure("TAPObjectSaveContext", sizeof(TAPName*));
     for (; names.Size() > 0; names.Pop()) {
-        if (names.Top() != nullptr) file.Put(names.Top()->GetName());
-        file.Put(';');
+        file.Put(std::string_view(names.Top() != nullptr ? names.Top()->GetName() : ""), ';');
     }
     for (int i = 0; last != nullptr && i < TAPPath::Node::Shift && i < last->length; ++i) file.Put(';');
     file.Put('\n');
@@ -144,13 +128,19 @@ void TAPObjectSaveContext::Push(const Level& level) noexcept {
 void TAPObjectSaveContext::WriteAttributeLine(const Level& level) noexcept {
     const int place = level.next - 1;
     const TAPAttr* const attribute = level.object->At(place);
-    DumpFile& file = BeginLine(Objects, level.id);
-    file.Put(level.object->attributes[place]);
-    file.Put(':');
-    if (attribute != nullptr) file.Put(TypeName(*attribute));
-    file.Put(':');
-    file.Put(level.attributeId);
-    file.Put('\n');
+    const std::string_view name = level.object->attributes[place];
+    const std::string_view kind = attribute != nullptr ? TypeName(*attribute) : "";
+    File(Objects).Put(level.id, ':', name, ':', kind, ':', level.attributeId, '\n');
+}
+
+// Names and values lie where they were allocated: a large object is read at the speed of memory's answers, unless it is
+// asked some places ahead.
+void TAPObjectSaveContext::LookAhead(const TAPObject::Contents& object, int place) noexcept {
+    constexpr int Far = 16, Near = 8;
+    Prefetch(object.attributes[place + Far]);
+    Prefetch(object.At(place + Far));
+    const TAPAttr* const soon = object.At(place + Near);
+    if (soon != nullptr && soon->_type == TAPAttr::TypeString) Prefetch(soon->_value.text);
 }
 
 // Goes on with the attributes up to one that has a level of its own, or to the end.
@@ -164,6 +154,7 @@ void TAPObjectSaveContext::ContinueObject() noexcept {
             _levels.Pop();
             return;
         }
+        LookAhead(*level.object, level.next);
         level.attributeId = NextId();
         const TAPAttr* const attribute = level.object->At(level.next++);
         if (attribute != nullptr) Begin(*attribute, level.attributeId);
@@ -180,11 +171,7 @@ void TAPObjectSaveContext::ContinueList() noexcept {
         }
         const int place = level.next++;
         const int elementId = NextId();
-        DumpFile& file = BeginLine(TAPAttr::TypeList, level.id);
-        file.Put(place);
-        file.Put(':');
-        file.Put(elementId);
-        file.Put('\n');
+        File(TAPAttr::TypeList).Put(level.id, ':', place, ':', elementId, '\n');
         Begin((*level.list)[place], elementId);
     }
 }

@@ -39,7 +39,6 @@ private:
     static constexpr int Objects = TAPAttr::TypeNull;
 
     DumpFile& File(int kind) noexcept;
-    DumpFile& BeginLine(int kind, int id) noexcept;
     void Begin(const TAPAttr& attribute, int id) noexcept;
     void BeginObject(const TAPObject* object, int id) noexcept;
     void WritePath(const TAPPath* path, int id) noexcept;
@@ -48,6 +47,7 @@ private:
     void ContinueObject() noexcept;
     void ContinueList() noexcept;
     void WriteAttributeLine(const Level& level) noexcept;
+    static void LookAhead(const TAPObject::Contents& object, int place) noexcept;
 
     TAFileName _directory;
     unsigned int _nextId = 0;

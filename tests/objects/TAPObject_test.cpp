@@ -7,6 +7,12 @@
 #include "support/test_system.h"
 #include "support/testing.h"
 
+// Of object_names.cpp.
+bool NamesBefore();
+bool NamesAfter();
+bool NamesBeforeUnicode();
+bool NamesAfterUnicode();
+
 namespace {
 
 // The names of an object's path from the third on; indexes reach no others.
@@ -243,14 +249,15 @@ TEST(TAPObject, TreesEndInOrderAndDoNotNeedStack) {
 
 TEST(TAPObject, MissingMemoryChangesNothing) {
     testing::internal::CaptureStdout();
+    const TAPAttr fresh("new"), tail(" tail");
     int failures = 0;
     for (bool isDue = false; !isDue; ++failures) {
         TAPObject child, object;
         object.SetAttribute("text", "old");
         FailAllocation(failures + 1);
         object.SetAttribute("child", &child);
-        object.SetAttribute("text", "new");
-        const int appended = object.AppendToAttribute("text", " tail") + object.AppendToAttribute("list", &child);
+        object.SetAttribute("text", fresh);
+        const int appended = object.AppendToAttribute("text", tail) + object.AppendToAttribute("list", &child);
         TAPObject copy(object);
         copy = object;
         isDue = IsAllocationFailureDue();
@@ -262,4 +269,8 @@ TEST(TAPObject, MissingMemoryChangesNothing) {
     const std::string said = testing::internal::GetCapturedStdout();
     EXPECT_GT(failures, 8) << said;
     EXPECT_NE(said.find("# Alloc failed in TAPObject"), std::string::npos);
+}
+
+TEST(TAPObject, NamesStandBesideTheSystemsMacros) {
+    EXPECT_TRUE(NamesBefore() && NamesAfter() && NamesBeforeUnicode() && NamesAfterUnicode());
 }

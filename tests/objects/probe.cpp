@@ -1,9 +1,9 @@
 // `objects_probe VERB`: does what ends a process.
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 #include "TADatabase.h"
+#include "TAEnvironment.h"
 #include "TAPObject.h"
 
 namespace {
@@ -14,6 +14,18 @@ TAPPath* MakePath() {
     TAPPath* path = nullptr;
     for (int length = 1; length <= 3; ++length) path = path != nullptr ? new TAPPath(path, name) : new TAPPath(name);
     return path;
+}
+
+// `database FOLDER SCRIPT` or `database FOLDER CONTROL DATA`, with all that the system looks for in that folder.
+int RunDatabase(int count, char** arguments) {
+    for (const char* variable : {"PATH", "TMP", "TMPDIR"})
+        TAEnvVariable(variable, 1000).PutEnvironmentValue(arguments[2]);
+    TAOracleDatabase original("user", "password", "base");
+    TAOracleDatabase database(original);
+    database = original;
+    const int status = count > 4 ? database.SQLLoader(arguments[3], arguments[4]) : database.SQL(arguments[3]);
+    std::printf("status %d, message [%s]\n", status, database.GetErrMsg().CastToCharPtr());
+    return 0;
 }
 
 }  // namespace
@@ -38,10 +50,6 @@ int main(int count, char** arguments) {
         object->AddRef();
         const TAPObject copy(*object);  // has two references as well, so it must not end
     }
-    if (verb == "database") {
-        TAOracleDatabase database("user", "password", "base");
-        if (count > 3) return database.SQLLoader(arguments[2], arguments[3]) != 0;
-        if (count > 2) return database.SQL(arguments[2]) != 0;
-    }
+    if (verb == "database") return RunDatabase(count, arguments);
     return 0;
 }
