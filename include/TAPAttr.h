@@ -26,6 +26,8 @@
 #ifndef TAPATTR_H
 #define TAPATTR_H
 
+#include <utility>
+
 #include "TAFileName.h"
 #include "ZELExport.h"
 #include "ZELListVal.h"
@@ -59,8 +61,8 @@ public:
     TAPAttr(int integer) noexcept;
     TAPAttr(const TAPAttr& other) noexcept;
     // Leaves `other` null.
-    TAPAttr(TAPAttr&& other) noexcept;
-    ~TAPAttr() {
+    TAPAttr(TAPAttr&& other) noexcept : TAPAttr() { Take(std::move(other)); }
+    constexpr ~TAPAttr() {
         if (_type != TypeNull && _type != TypeInteger) Free();
     }
 
@@ -143,7 +145,12 @@ private:
     bool Copy(const TAPAttr& other) noexcept;
     bool CopyList(const ZELListValTAPAttr& list) noexcept;
     bool AppendText(const TAPAttr& tail) noexcept;
-    void Take(TAPAttr&& other) noexcept;
+    // Takes the value out of `other`, which becomes null; this was null or a number.
+    void Take(TAPAttr&& other) noexcept {
+        _value = other._value;
+        _type = other._type;
+        other._type = TypeNull;
+    }
     void Free() noexcept;
     int Differs(const TAPAttr& other) const noexcept;
     int Precedes(const TAPAttr& other) const noexcept;

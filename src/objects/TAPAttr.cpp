@@ -80,10 +80,6 @@ TAPAttr::TAPAttr(const TAPAttr& other) noexcept : TAPAttr() {
     Copy(other);
 }
 
-TAPAttr::TAPAttr(TAPAttr&& other) noexcept : TAPAttr() {
-    Take(std::move(other));
-}
-
 TAPAttr& TAPAttr::operator=(const TAPAttr& other) noexcept {
     const bool keepsList = other._type == TypeList && _type == TypeList;
     if (this == &other || keepsList) return *this;
@@ -162,13 +158,6 @@ bool TAPAttr::CopyList(const ZELListValTAPAttr& list) noexcept {
 
 bool TAPAttr::AppendText(const TAPAttr& tail) noexcept {
     return SharedText::Append(_value.text, SharedText::View(tail._value.text), ClassName);
-}
-
-// Takes the value out of `other`, which becomes null; this was null or a number.
-void TAPAttr::Take(TAPAttr&& other) noexcept {
-    _value = other._value;
-    _type = other._type;
-    other._type = TypeNull;
 }
 
 void TAPAttr::Free() noexcept {

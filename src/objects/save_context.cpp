@@ -106,12 +106,16 @@ void TAPObjectSaveContext::BeginObject(const TAPObject* object, int id) noexcept
 void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
     DumpFile& file = File(TAPAttr::TypePath);
     file.Put(id, ':');
-    WorkStack<const TAPName*> names;
+    struct Step {
+        const TAPName* name;
+    };
+    WorkStack<Step> names;
     const TAPPath::Node* const last = path != nullptr ? path->_last : nullptr;
     for (const TAPPath::Node* node = last; node != nullptr && node->length > TAPPath::Node::Shift; node = node->parent)
-        if (!names.Push(node->name)) ReportAllocFailure("TAPObjectSaveContext", sizeof(TAPName*));
+        if (!names.Push({node->name})) ReportAllocFailure("TAPObjectSaveContext", sizeof(Step));
     for (; names.Size() > 0; names.Pop()) {
-        file.Put(std::string_view(names.Top() != nullptr ? names.Top()->GetName() : ""), ';');
+        const TAPName* const name = names.Top().name;
+        file.Put(std::string_view(name != nullptr ? name->GetName() : ""), ';');
     }
     for (int i = 0; last != nullptr && i < TAPPath::Node::Shift && i < last->length; ++i) file.Put(';');
     file.Put('\n');

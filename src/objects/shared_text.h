@@ -26,7 +26,7 @@ struct SharedText {
     static bool Append(SharedText*& text, std::string_view tail, const char* owner) noexcept;
 
     static std::string_view View(const SharedText* text) noexcept {
-        return text != nullptr ? std::string_view(text->characters, text->length) : std::string_view("", 0);
+        return text != nullptr ? std::string_view(text->characters, text->length) : "";
     }
 
     bool IsAlone() const noexcept { return owners.load(std::memory_order_acquire) == 1; }
