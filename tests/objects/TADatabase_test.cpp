@@ -43,12 +43,3 @@ TEST(TAOracleDatabase, RunsTheToolsThatStandAlongThePath) {
     const auto entries = std::filesystem::directory_iterator(folder.Path());
     EXPECT_EQ(std::distance(begin(entries), end(entries)), 2);  // no scratch file is left
 }
-
-TEST(TAOracleDatabase, NeedsAPath) {
-    for (const std::vector<std::string>& files : {std::vector<std::string>{"script"}, {"control", "data"}}) {
-        std::vector<std::string> arguments = {"database", ""};
-        arguments.insert(arguments.end(), files.begin(), files.end());
-        const ProgramResult result = RunProgram("objects_probe", arguments);
-        EXPECT_NE(result.err.find("\nTAOracleDatabase::SQLLoader, no PATH variable set\n"), std::string::npos);
-    }
-}

@@ -51,5 +51,8 @@ int main(int count, char** arguments) {
         const TAPObject copy(*object);  // has two references as well, so it must not end
     }
     if (verb == "database") return RunDatabase(count, arguments);
+    TAEnvVariable("PATH", 1).UnsetEnvironmentValue();
+    if (verb == "SQL") TAOracleDatabase("user", "password", "base").SQL("script");
+    if (verb == "SQLLoader") TAOracleDatabase("user", "password", "base").SQLLoader("control", "data");
     return 0;
 }
