@@ -105,42 +105,33 @@ TEST(TAPObject, ActsLikeASortedMap) {
     }
 }
 
-TEST(TAPObject, BoundariesAndNamesOfItsOwn) {
+TEST(TAPObject, TakesNullsNamesOfItsOwnAndForeignEntries) {
     TAPObject object;
-    int position = 1;
-    const char* name = "set";
     EXPECT_EQ(object.GetFirstAttributePosition(), 0);
-    EXPECT_TRUE(object.GetNextAttribute(position, name) == TAPAttr::Null && position == 0 && name == nullptr);
-    EXPECT_EQ(object.RemoveAttribute("absent") + object.RemoveAttribute(nullptr), 2);
     object.SetAttribute(nullptr, 1);
-    EXPECT_EQ(object.AppendToAttribute(nullptr, 1), 1);
+    EXPECT_EQ(object.RemoveAttribute("absent") + object.RemoveAttribute(nullptr) + object.AppendToAttribute(nullptr, 1),
+              3);
     EXPECT_EQ(object.HasAttribute(nullptr) + object.HasAttribute("x", -1) + object.GetAttributeList()->Size(), 0);
 
     for (const char* each : {"b", "a", "c"}) object.SetAttribute(each, each);
-    for (int bad : {-1, 0, 4, INT_MAX, INT_MIN}) {
-        position = bad;
-        EXPECT_TRUE(object.GetNextAttribute(position) == TAPAttr::Null && position == 0) << bad;
-    }
-    position = 2;
+    for (int position : {-1, 0, 4, INT_MAX, INT_MIN})
+        EXPECT_TRUE(object.GetNextAttribute(position) == TAPAttr::Null && position == 0);
+    int position = 2;
+    const char* name = nullptr;
     object.GetNextAttribute(position, name);
     object.SetAttribute(name, object.GetAttribute("c"));
-    EXPECT_TRUE(object.GetAttribute("b").GetString() == "c");
     object.AppendToAttribute(name, "d");
-    EXPECT_TRUE(object.GetAttribute("b").GetString() == "cd");
+    EXPECT_TRUE(object.GetAttribute("b") == "cd");
     EXPECT_EQ(object.RemoveAttribute(name) + object.HasAttribute("b"), 0);
 
     object.GetAttributeList()->Append("null", nullptr);
-    EXPECT_EQ(object.HasAttribute("null") + object.HasAttribute("null", 4), 0);
-    EXPECT_EQ(object.GetAttribute("null"), TAPAttr::Null);
+    EXPECT_TRUE(object.HasAttribute("null") + object.HasAttribute("null", 4) == 0 &&
+                object.GetAttribute("null") == TAPAttr());
     EXPECT_EQ(object.AppendToAttribute("null", 1), 0);
     EXPECT_EQ(object.GetAttribute("null").GetList().Size(), 1);
     object.GetAttributeList()->Append("own", new TAPAttr("the object's from now on"));
-    object.SetAttribute("wide", INT_MAX);
-    EXPECT_EQ(object.AppendToAttribute("wide", 1), 0);
-    EXPECT_EQ(object.GetAttribute("wide").GetInteger(), INT_MIN);
     object.SetAttribute("file", TAFileName("x"));
-    EXPECT_EQ(object.AppendToAttribute("file", "y"), 1);
-    EXPECT_TRUE(object.GetAttribute("file").GetFileName() == "x");
+    EXPECT_TRUE(object.AppendToAttribute("file", "y") == 1 && object.GetAttribute("file") == TAFileName("x"));
 }
 
 TEST(TAPObject, ListsAreSharedByCopiesUntilTheyAreReplaced) {
@@ -152,11 +143,8 @@ TEST(TAPObject, ListsAreSharedByCopiesUntilTheyAreReplaced) {
     copy.SetAttribute("list", 3);
     object.RemoveAttribute("list");
     EXPECT_EQ(copy.GetAttribute("list").GetInteger(), 3);
-    const TAPObject& self = copy;
-    copy = self;
+    copy = *&copy;
     EXPECT_EQ(copy.GetAttribute("list").GetInteger(), 3);
-    copy = TAPObject();
-    EXPECT_EQ(copy.HasAttribute("list"), 0);
 }
 
 TEST(TAPObject, ChildrenGetThePathThatTheirParentHasThen) {
@@ -177,21 +165,16 @@ TEST(TAPObject, ChildrenGetThePathThatTheirParentHasThen) {
     TAPPath* const path = child.GetPath();
     child.SetPath(nullptr);
     EXPECT_EQ(path->Size(), 4);
-    // Look-ups give nothing, whatever they pass, and keep every count.
-    EXPECT_EQ(root.GetObject(path), nullptr);
-    TAPObject* const none = nullptr;
-    for (TAPPath* each : {static_cast<TAPPath*>(nullptr), path}) EXPECT_EQ(root.GetObjectW(each), nullptr);
-    path->Release();
-    root.SetAttribute("none", none);
-    const TAPAttr found = root.GetAttribute("none");
-    EXPECT_TRUE(found == TAPAttr(none) && found.GetObject() == nullptr && root.HasAttribute("none") == 1);
-    EXPECT_EQ(root.AppendToAttribute("none", none), 1);
-    TAPName name("third");
+    // Look-ups give nothing, whatever they pass, and keep every count: the objects end at the end of this block.
+    TAPName name("new");
     TAPPath one(&name), two(&one, &name), three(&two, &name), four(&three, &name);
-    root.SetAttribute("third", &child);
-    EXPECT_EQ(root.GetObjectW(&four), nullptr);
-    for (const char* each : {"early", "a", "new", "third"}) root.RemoveAttribute(each);
-    for (TAPObject* each : {&child, &grandchild}) each->RemoveAttribute("b");
+    for (TAPPath* each : {path, static_cast<TAPPath*>(nullptr), &one, &four}) EXPECT_EQ(root.GetObject(each), nullptr);
+    path->Release();
+    TAPObject* const none = nullptr;
+    root.SetAttribute("none", none);
+    EXPECT_TRUE(root.GetAttribute("none") == none && root.AppendToAttribute("none", none) == 1);
+    for (const char* each : {"early", "a", "new"}) root.RemoveAttribute(each);
+    child.RemoveAttribute("b");
     for (TAPObject* each : {&root, &child, &grandchild}) each->SetPath(nullptr);
 }
 

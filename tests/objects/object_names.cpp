@@ -14,13 +14,7 @@ bool NAMES_FUNCTION() {
     TAPObject child, root;
     root.SetAttribute("child", &child);
     const TAPAttr attribute = root.GetAttribute("child");
-    TAPObject* const found[] = {attribute.GetObject(),         attribute.GetObjectA(),
-                                attribute.GetObjectW(),        attribute.GetObject(nullptr),
-                                attribute.GetObjectA(nullptr), attribute.GetObjectW(nullptr)};
-    bool all = root.GetObject(nullptr) == nullptr && root.GetObjectA(nullptr) == nullptr;
-    for (TAPObject* each : found) {
-        all = all && each == &child;
-        each->Release();
-    }
-    return all;
+    TAPObject* const found[] = {attribute.GetObject(), attribute.GetObjectA(nullptr), attribute.GetObjectW()};
+    for (TAPObject* each : found) each->Release();
+    return found[0] == &child && found[1] == &child && found[2] == &child && root.GetObject(nullptr) == nullptr;
 }

@@ -32,6 +32,7 @@ int RunDatabase(int count, char** arguments) {
 
 int main(int count, char** arguments) {
     const std::string_view verb = count > 1 ? arguments[1] : "";
+    if (verb == "database") return RunDatabase(count, arguments);
     TAPObject* const object = new TAPObject;
     object->SetAttribute("text", "text");
     object->SetAttribute("number", 1);
@@ -50,7 +51,6 @@ int main(int count, char** arguments) {
         object->AddRef();
         const TAPObject copy(*object);  // has two references as well, so it must not end
     }
-    if (verb == "database") return RunDatabase(count, arguments);
     TAEnvVariable("PATH", 1).UnsetEnvironmentValue();
     if (verb == "SQL") TAOracleDatabase("user", "password", "base").SQL("script");
     if (verb == "SQLLoader") TAOracleDatabase("user", "password", "base").SQLLoader("control", "data");
