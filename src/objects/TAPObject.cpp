@@ -44,8 +44,9 @@ bool TAPObject::Contents::EndNext() noexcept {
         Drop(At(ended++));
         return true;
     }
-    if (path != nullptr) path->Release();
-    return false;
+    if (path == nullptr) return false;
+    std::exchange(path, nullptr)->Release();
+    return true;
 }
 
 void TAPObject::Contents::Drop(TAPAttr* attribute) noexcept {

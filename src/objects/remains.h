@@ -13,7 +13,7 @@ public:
     Remains& operator=(const Remains&) = delete;
     virtual ~Remains() = default;
 
-    // Ends what is next, which may call End() for other remains. False when nothing was left to end.
+    // Ends what is next, which may call End() for other remains. False when nothing was left: then it called nothing.
     virtual bool EndNext() noexcept = 0;
 
     // Ends all of `remains`, which come from new, and deletes them: at once, or, when called from within EndNext() of

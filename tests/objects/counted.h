@@ -1,4 +1,4 @@
-// Objects, names and paths that tell when they end.
+// Objects and paths that tell when they end.
 #ifndef TESTS_OBJECTS_COUNTED_H
 #define TESTS_OBJECTS_COUNTED_H
 
@@ -19,7 +19,6 @@ private:
     char _letter;
 };
 using LoggedObject = Logged<TAPObject>;
-using LoggedName = Logged<TAPName>;
 using LoggedPath = Logged<TAPPath>;
 
 #endif
