@@ -127,9 +127,12 @@ std::filesystem::path DumpFolder() {
     return (std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path()) / "zel_bench_dump";
 }
 
+template <bool Ordered>
 void Dump(benchmark::State& state, int count) {
+    std::vector<std::string> names = Names(count);
+    if (Ordered) std::sort(names.begin(), names.end());
     Ours ours;
-    Fill(ours, Names(count));
+    Fill(ours, names);
     ours.Iterate();
     std::filesystem::create_directory(DumpFolder());
     for (auto _ : state) ours.object.SaveToFile(DumpFolder().string().c_str());
@@ -178,9 +181,12 @@ void Register(const char* who) {
 const bool registered = [] {
     Register<Ours>("ours");
     Register<StdMap>("std::map");
-    Add("objects_dump", "ours", Dump);
-    Add("objects_dump", "fwrite by line", Fwrite<true>);
-    Add("objects_dump", "fwrite", Fwrite<false>);
+    Add("objects_dump", "ours", Dump<false>);
+    Add("objects_dump_ordered", "ours", Dump<true>);
+    for (const char* operation : {"objects_dump", "objects_dump_ordered"}) {
+        Add(operation, "fwrite by line", Fwrite<true>);
+        Add(operation, "fwrite", Fwrite<false>);
+    }
     return true;
 }();
 
