@@ -4,6 +4,7 @@
 
 #include "TACallback.h"
 #include "TAComponent.h"
+#include "TADatabase.h"
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
 #include "TAFileBuffer.h"
@@ -15,6 +16,9 @@
 #include "TAIndexI.h"
 #include "TAInsTaskList.h"
 #include "TAMutex.h"
+#include "TAPAttr.h"
+#include "TAPObject.h"
+#include "TAPPath.h"
 #include "TAPerfo.h"
 #include "TAProcess.h"
 #include "TAProcessKill.h"

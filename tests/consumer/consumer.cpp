@@ -99,6 +99,21 @@ void Objects() {
     component.Insert("key", &value);
     ZELListValZELString keys;
     Expect(component.GetValue("key") == &value && component.GetList(keys) == 1, "TAComponent");
+    TAPObject* const root = new TAPObject;
+    TAPObject* const child = new TAPObject;
+    root->SetAttribute("child", child);
+    root->SetAttribute("text", "a");
+    root->AppendToAttribute("text", "b");
+    TAPPath* const path = child->GetPath();
+    Expect(root->GetAttribute("text").GetString() == "ab" && path->Size() == 1, "TAPObject");
+    Expect(root->SaveToFile("no such directory") == 0, "SaveToFile");
+    ZELListValTAPAttr values;
+    values.Append(5);
+    Expect(values[1] == 5 && values != ZELListValTAPAttr() && TAPAttr::Null.IsType(0) == 1, "TAPAttr");
+    path->Release();
+    child->Release();
+    root->Release();
+    Expect(TAOracleDatabase("user", "password", "base").GetErrMsg() == "", "TADatabase");
 }
 
 void Files() {

@@ -1,0 +1,228 @@
+// An object is an index from names to attributes, which come from new and are counted: copies of the object have
+// indexes of their own that lead to the same attributes.
+//
+// The index is made with the first attribute. Reading goes by name wherever possible, because reading a large index by
+// position first merges what was added last; setting a new attribute is one search.
+//
+// Invariants: every attribute in the index is owned by it, together with as many others as the attribute counts; an
+// attribute with other owners is replaced, never changed, except for a list, whose elements all see. Danger: what is
+// replaced may hold the last reference to anything, this object's name argument included, so it goes last.
+
+#include "TAPObject.h"
+
+#include <utility>
+
+#include "foundations/allocation.h"
+#include "foundations/console.h"
+#include "objects/attr_list.h"
+#include "objects/object_contents.h"
+
+namespace {
+
+constexpr char ClassName[] = "TAPObject";
+
+template <class Made, class... Arguments>
+Made* NewOrReport(Arguments&&... arguments) noexcept {
+    Made* const made = NewObject<Made>(std::forward<Arguments>(arguments)...);
+    if (made == nullptr) ReportAllocFailure(ClassName, sizeof(Made));
+    return made;
+}
+
+int WrappingSum(int left, int right) noexcept {
+    return static_cast<int>(static_cast<unsigned int>(left) + static_cast<unsigned int>(right));
+}
+
+}  // namespace
+
+TAPObject::Contents::Contents(const Contents& other) noexcept : Remains(), attributes(other.attributes) {
+    for (int place = 0; place < attributes.Size(); ++place)
+        if (TAPAttr* const shared = At(place)) ++shared->_otherOwners;
+}
+
+bool TAPObject::Contents::EndNext() noexcept {
+    if (ended < attributes.Size()) {
+        Drop(At(ended++));
+        return true;
+    }
+    if (path == nullptr) return false;
+    std::exchange(path, nullptr)->Release();
+    return true;
+}
+
+void TAPObject::Contents::Drop(TAPAttr* attribute) noexcept {
+    if (attribute == nullptr) return;
+    if (attribute->_otherOwners > 0)
+        --attribute->_otherOwners;
+    else
+        delete attribute;
+}
+
+TAPObject::TAPObject(const TAPObject& other) noexcept : TARefCounter(other), _path(other.GetPath()) {
+    if (other._contents != nullptr) _contents = NewOrReport<Contents>(*other._contents);
+}
+
+TAPObject& TAPObject::operator=(const TAPObject& other) noexcept {
+    if (this == &other) return *this;
+    Contents* contents = nullptr;
+    if (other._contents != nullptr) {
+        contents = NewOrReport<Contents>(*other._contents);
+        if (contents == nullptr) return *this;
+    }
+    TARefCounter::operator=(other);
+    SetPath(other._path);
+    Remains::End(std::exchange(_contents, contents));
+    return *this;
+}
+
+TAPObject::~TAPObject() {
+    if (_contents != nullptr) {
+        _contents->path = _path;
+        Remains::End(_contents);
+    } else if (_path != nullptr) {
+        _path->Release();
+    }
+}
+
+TAIndex* TAPObject::GetAttributeList() noexcept {
+    if (_contents == nullptr) _contents = NewOrReport<Contents>();
+    return _contents != nullptr ? &_contents->attributes : nullptr;
+}
+
+TAPAttr* TAPObject::Find(const char* name) const noexcept {
+    return _contents != nullptr ? static_cast<TAPAttr*>(_contents->attributes[name]) : nullptr;
+}
+
+// Makes `made` the attribute of that name. Returns what has to go in exchange: null, the old attribute (or `made`, then
+// with the old value), or, when nothing could be stored, `made`.
+TAPAttr* TAPObject::Put(const char* name, TAPAttr* made) noexcept {
+    TAIndex* const attributes = GetAttributeList();
+    if (attributes == nullptr) return made;
+    const int oldSize = attributes->Size();
+    if (attributes->Append(name, made) == nullptr) return made;
+    if (attributes->Size() != oldSize) return nullptr;
+    TAPAttr* const old = Find(name);
+    if (old != nullptr && old->_otherOwners == 0) {
+        std::swap(old->_value, made->_value);
+        std::swap(old->_type, made->_type);
+        return made;
+    }
+    attributes->GetContent()[attributes->IsIn(name)] = made;
+    return old;
+}
+
+void TAPObject::SetAttribute(const char* name, TAPAttr value) noexcept {
+    if (name == nullptr) return;
+    TAPObject* const child = value._type == TAPAttr::TypeObject ? value._value.object : nullptr;
+    TAPAttr* const made = NewOrReport<TAPAttr>(std::move(value));
+    if (made == nullptr) return;
+    TAPAttr* const old = Put(name, made);
+    const TAPAttr* const stored = child != nullptr ? Find(name) : nullptr;
+    if (stored != nullptr && *stored == child) PassPath(name, child);
+    Contents::Drop(old);
+}
+
+// Gives the child its path: this object's and the name.
+void TAPObject::PassPath(const char* name, TAPObject* child) noexcept {
+    TAPName* const last = NewOrReport<TAPName>(name);
+    if (last == nullptr) return;
+    TAPPath* const path = _path != nullptr ? NewOrReport<TAPPath>(_path, last) : NewOrReport<TAPPath>(last);
+    last->Release();
+    if (path == nullptr) return;
+    child->SetPath(path);
+    path->Release();
+}
+
+TAPAttr TAPObject::GetAttribute(const char* name) const noexcept {
+    const TAPAttr* const found = Find(name);
+    return found != nullptr ? *found : TAPAttr::Null;
+}
+
+int TAPObject::HasAttribute(const char* name) const noexcept {
+    return Find(name) != nullptr ? 1 : 0;
+}
+
+int TAPObject::HasAttribute(const char* name, int length) const noexcept {
+    return _contents != nullptr && _contents->At(_contents->attributes.IsIn(name, length)) != nullptr ? 1 : 0;
+}
+
+int TAPObject::RemoveAttribute(const char* name) noexcept {
+    const int place = _contents != nullptr ? _contents->attributes.IsIn(name) : -1;
+    if (place < 0) return 1;
+    TAPAttr* const old = _contents->At(place);
+    if (_contents->attributes.RemovePosition(place) != 0) return 1;
+    Contents::Drop(old);
+    return 0;
+}
+
+int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
+    TAPAttr* found = Find(name);
+    const bool isNew = found == nullptr;
+    if (isNew) {
+        TAPAttr list{ZELListValTAPAttr()};
+        if (list._type == TAPAttr::TypeList) SetAttribute(name, std::move(list));
+        found = Find(name);
+        if (found == nullptr) return 1;
+    }
+    switch (found->_type) {
+        case TAPAttr::TypeList:
+            if (found->_value.list->values.Append(value) == 0) return 0;
+            if (isNew) RemoveAttribute(name);
+            return 1;
+        case TAPAttr::TypeString: {
+            static_cast<void>(value.GetString());
+            if (found->_otherOwners == 0) return found->AppendText(value) ? 0 : 1;
+            TAPAttr longer(*found);
+            if (!longer.AppendText(value)) return 1;
+            SetAttribute(name, std::move(longer));
+            return 0;
+        }
+        case TAPAttr::TypeInteger:
+            SetAttribute(name, WrappingSum(found->_value.integer, value.GetInteger()));
+            return 0;
+        default:
+            return 1;
+    }
+}
+
+int TAPObject::GetFirstAttributePosition() const noexcept {
+    return _contents != nullptr && _contents->attributes.Size() > 0 ? 1 : 0;
+}
+
+TAPAttr TAPObject::GetNextAttribute(int& position) const noexcept {
+    const char* name = nullptr;
+    return GetNextAttribute(position, name);
+}
+
+TAPAttr TAPObject::GetNextAttribute(int& position, const char*& name) const noexcept {
+    const int size = _contents != nullptr ? _contents->attributes.Size() : 0;
+    const int place = position > 0 ? position - 1 : size;
+    position = place + 1 < size ? place + 2 : 0;
+    name = place < size ? _contents->attributes[place] : nullptr;
+    const TAPAttr* const found = place < size ? _contents->At(place) : nullptr;
+    return found != nullptr ? *found : TAPAttr::Null;
+}
+
+void TAPObject::SetPath(TAPPath* path) noexcept {
+    if (path != nullptr) path->AddRef();
+    if (TAPPath* const old = std::exchange(_path, path)) old->Release();
+}
+
+TAPPath* TAPObject::GetPath() const noexcept {
+    if (_path != nullptr) _path->AddRef();
+    return _path;
+}
+
+TAPObject* TAPObject::GetObjectW(TAPPath* path) noexcept {
+    TAPObject* object = this;
+    object->AddRef();
+    for (int i = 1; path != nullptr && object != nullptr && i <= path->Size(); ++i) {
+        TAPName* const name = (*path)[i];
+        const TAPAttr found = name != nullptr ? object->GetAttribute(name->GetName()) : TAPAttr::Null;
+        if (name != nullptr) name->Release();
+        object->Release();
+        object = found.GetObjectW(nullptr);
+    }
+    // The last two steps of a walk have no name, so only one without any step still stands here.
+    if (object != nullptr) object->Release();
+    return nullptr;
+}

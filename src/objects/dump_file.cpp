@@ -1,0 +1,43 @@
+// Whole runs go to the C library, whose text mode makes each system's line ends. Nobody hears of what could not be
+// written: a dump is a by-product, and its interface reports nothing.
+
+#include "objects/dump_file.h"
+
+#include "foundations/allocation.h"
+#include "foundations/console.h"
+#include "platform/streams.h"
+
+void DumpFile::Open(const char* path) noexcept {
+    _isOpened = true;
+    _file = platform::OpenStream(path, "w");
+    if (_file == nullptr) return;
+    _begin = _next = static_cast<char*>(Allocate(Room));
+    if (_begin != nullptr)
+        _end = _begin + Room;
+    else
+        ReportAllocFailure("TAPObjectSaveContext", Room);
+}
+
+void DumpFile::Close() noexcept {
+    WriteOut();
+    std::free(_begin);
+    _begin = _next = _end = nullptr;
+    if (_file != nullptr) std::fclose(_file);
+    _file = nullptr;
+}
+
+void DumpFile::WriteOut() noexcept {
+    if (_next != _begin) std::fwrite(_begin, 1, static_cast<std::size_t>(_next - _begin), _file);
+    _next = _begin;
+}
+
+// Writes out what waits; false when `size` bytes do not fit even so.
+bool DumpFile::MakeRoom(std::size_t size) noexcept {
+    WriteOut();
+    return size <= static_cast<std::size_t>(_end - _begin);
+}
+
+// A text that is longer than a run; nothing waits.
+void DumpFile::WriteLong(std::string_view text) noexcept {
+    if (_begin != nullptr) std::fwrite(text.data(), 1, text.size(), _file);
+}

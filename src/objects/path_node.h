@@ -1,0 +1,23 @@
+// The chain of names that a path is; for TAPPath and the dump.
+#ifndef OBJECTS_PATH_NODE_H
+#define OBJECTS_PATH_NODE_H
+
+#include "TAPPath.h"
+
+struct TAPPath::Node {
+    // Index i means the name i + Shift.
+    static constexpr int Shift = 2;
+
+    static Node* Keep(Node* node) noexcept {
+        if (node != nullptr) ++node->owners;
+        return node;
+    }
+    static void Drop(Node* node) noexcept;
+
+    Node* parent;
+    TAPName* name;
+    int length;  // of the path that ends here
+    unsigned int owners;
+};
+
+#endif

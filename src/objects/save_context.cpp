@@ -1,0 +1,196 @@
+// Depth first, as a recursive save would do it: an attribute's identifier, the lines of its value and of all below it,
+// then the object's line for it. The levels stand on a stack of their own, so depth costs heap and nothing else.
+//
+// Invariants: the contents of every object on the stack are marked as being saved, so an object that is met again
+// inside itself is recognised at once. Danger: pushing a level moves the others, so nobody keeps a reference to one
+// across Begin().
+
+#include "objects/save_context.h"
+
+#include "TADiagnostics.h"
+#include "containers/prefetch.h"
+#include "foundations/console.h"
+#include "objects/attr_list.h"
+#include "objects/path_node.h"
+#include "objects/shared_text.h"
+
+namespace {
+
+constexpr const char* typeNames[] = {"Null",     "AttrString",  "AttrFileName", "AttrObject",
+                                     "AttrList", "AttrInteger", "AttrPath"};
+
+}  // namespace
+
+const char* TAPObjectSaveContext::TypeName(const TAPAttr& attribute) noexcept {
+    return typeNames[attribute._type];
+}
+
+TAPObjectSaveContext::~TAPObjectSaveContext() {
+    while (_openCount > 0) _files[_opened[--_openCount]].Close();
+}
+
+DumpFile& TAPObjectSaveContext::File(int kind) noexcept {
+    DumpFile& file = _files[kind];
+    if (!file.IsOpened()) {
+        TAFileName path = _directory + (kind == Objects ? "Objects" : typeNames[kind]);
+        path.AddExtension(".txt");
+        file.Open(path);
+        _opened[_openCount++] = kind;
+    }
+    return file;
+}
+
+void TAPObjectSaveContext::SaveObject(const TAPObject& object, int id) noexcept {
+    const std::size_t height = _levels.Size();
+    BeginObject(&object, id);
+    WorkOff(height);
+}
+
+void TAPObjectSaveContext::SaveAttribute(const TAPAttr& attribute, int id) noexcept {
+    const std::size_t height = _levels.Size();
+    Begin(attribute, id);
+    WorkOff(height);
+}
+
+// Continues the topmost level until no more than `height` are left.
+void TAPObjectSaveContext::WorkOff(std::size_t height) noexcept {
+    while (_levels.Size() > height) {
+        if (_levels.Top().object != nullptr)
+            ContinueObject();
+        else
+            ContinueList();
+    }
+}
+
+// Writes the lines of a value, and makes what is below it the topmost level.
+void TAPObjectSaveContext::Begin(const TAPAttr& attribute, int id) noexcept {
+    switch (attribute._type) {
+        case TAPAttr::TypeString:
+            File(attribute._type).Put(id, ':', SharedText::View(attribute._value.text), '\n');
+            break;
+        case TAPAttr::TypeFileName:
+            File(attribute._type).Put(id, ':', attribute._value.fileName->View(), '\n');
+            break;
+        case TAPAttr::TypeInteger:
+            File(attribute._type).Put(id, ':', attribute._value.integer, '\n');
+            break;
+        case TAPAttr::TypePath:
+            WritePath(attribute._value.path, id);
+            break;
+        case TAPAttr::TypeObject: {
+            const int objectId = NextId();
+            File(attribute._type).Put(id, ':', objectId, '\n');
+            BeginObject(attribute._value.object, objectId);
+            break;
+        }
+        case TAPAttr::TypeList:
+            File(attribute._type);
+            Push({nullptr, &attribute._value.list->values, id, 1, 0});
+            break;
+        default:
+            break;
+    }
+}
+
+void TAPObjectSaveContext::BeginObject(const TAPObject* object, int id) noexcept {
+    File(Objects);
+    if (object == nullptr || object->_contents == nullptr) return;
+    if (object->_contents->isBeingSaved) {
+        Trace("WARNING : object met again inside itself, not saved as " + toString(id), 0);
+        return;
+    }
+    Push({object->_contents, nullptr, id, 0, 0});
+}
+
+// The names from the third on, and two empty ones in the end: what TAPPath::operator[] gives for 1 to Size().
+void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
+    DumpFile& file = File(TAPAttr::TypePath);
+    file.Put(id, ':');
+    struct Step {
+        const TAPName* name;
+    };
+    WorkStack<Step> names;
+    const TAPPath::Node* const last = path != nullptr ? path->_last : nullptr;
+    for (const TAPPath::Node* node = last; node != nullptr && node->length > TAPPath::Node::Shift; node = node->parent)
+        if (!names.Push({node->name})) ReportAllocFailure("TAPObjectSaveContext", sizeof(Step));
+    for (; names.Size() > 0; names.Pop()) {
+        const TAPName* const name = names.Top().name;
+        file.Put(std::string_view(name != nullptr ? name->GetName() : ""), ';');
+    }
+    for (int i = 0; last != nullptr && i < TAPPath::Node::Shift && i < last->length; ++i) file.Put(';');
+    file.Put('\n');
+}
+
+// Without memory this branch ends here.
+void TAPObjectSaveContext::Push(const Level& level) noexcept {
+    if (!_levels.Push(level))
+        ReportAllocFailure("TAPObjectSaveContext", sizeof(Level));
+    else if (level.object != nullptr)
+        level.object->isBeingSaved = true;
+}
+
+void TAPObjectSaveContext::WriteAttributeLine(const Level& level) noexcept {
+    const int place = level.next - 1;
+    const TAPAttr* const attribute = level.object->At(place);
+    const std::string_view name = level.object->attributes[place];
+    const std::string_view kind = attribute != nullptr ? TypeName(*attribute) : "";
+    File(Objects).Put(level.id, ':', name, ':', kind, ':', level.attributeId, '\n');
+}
+
+// Names and values lie where they were allocated: a large object is read at the speed of memory's answers, unless it is
+// asked some places ahead.
+void TAPObjectSaveContext::LookAhead(const TAPObject::Contents& object, int place) noexcept {
+    constexpr int Far = 16, Near = 8;
+    Prefetch(object.attributes[place + Far]);
+    Prefetch(object.At(place + Far));
+    const TAPAttr* const soon = object.At(place + Near);
+    if (soon != nullptr && soon->_type == TAPAttr::TypeString) Prefetch(soon->_value.text);
+}
+
+// Goes on with the attributes up to one that has a level of its own, or to the end.
+void TAPObjectSaveContext::ContinueObject() noexcept {
+    const std::size_t height = _levels.Size();
+    while (_levels.Size() == height) {
+        Level& level = _levels.Top();
+        if (level.next > 0) WriteAttributeLine(level);
+        if (level.next == level.object->attributes.Size()) {
+            level.object->isBeingSaved = false;
+            _levels.Pop();
+            return;
+        }
+        LookAhead(*level.object, level.next);
+        level.attributeId = NextId();
+        const TAPAttr* const attribute = level.object->At(level.next++);
+        if (attribute != nullptr) Begin(*attribute, level.attributeId);
+    }
+}
+
+void TAPObjectSaveContext::ContinueList() noexcept {
+    const std::size_t height = _levels.Size();
+    while (_levels.Size() == height) {
+        Level& level = _levels.Top();
+        if (level.next > level.list->Size()) {
+            _levels.Pop();
+            return;
+        }
+        const int place = level.next++;
+        const int elementId = NextId();
+        File(TAPAttr::TypeList).Put(level.id, ':', place, ':', elementId, '\n');
+        Begin((*level.list)[place], elementId);
+    }
+}
+
+int TAPObject::SaveToFile(TAFileName directory) noexcept {
+    TAPObjectSaveContext context(directory);
+    return SaveToFile(context.NextId(), context);
+}
+
+int TAPObject::SaveToFile(int id, TAPObjectSaveContext& context) noexcept {
+    context.SaveObject(*this, id);
+    return 0;
+}
+
+ZELString TAPAttr::SaveToFile(int id, TAPObjectSaveContext& context) const noexcept {
+    context.SaveAttribute(*this, id);
+    return TAPObjectSaveContext::TypeName(*this);
+}

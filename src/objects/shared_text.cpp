@@ -1,0 +1,61 @@
+// Blocks of the C heap: a counter, two lengths, and the characters with a NUL behind them.
+//
+// A block that grows gets twice the room, so what is appended piece by piece is moved a logarithmic number of times.
+// Danger: the tail may lie in the block that is given up, so that one goes last.
+
+#include "objects/shared_text.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <new>
+
+#include "foundations/allocation.h"
+#include "foundations/console.h"
+
+namespace {
+
+// What a ZELString can hold.
+constexpr std::size_t MaxLength = 0x7FFFFFFE;
+
+SharedText* NewBlock(std::string_view text, std::size_t room, const char* owner) noexcept {
+    const std::size_t size = offsetof(SharedText, characters) + room + 1;
+    void* const memory = room <= MaxLength ? Allocate(std::max(size, sizeof(SharedText))) : nullptr;
+    if (memory == nullptr) {
+        ReportAllocFailure(owner, size);
+        return nullptr;
+    }
+    SharedText* const block = ::new (memory) SharedText;
+    block->owners.store(1, std::memory_order_relaxed);
+    block->length = static_cast<std::uint32_t>(text.size());
+    block->room = static_cast<std::uint32_t>(room);
+    char* const characters = static_cast<char*>(memory) + offsetof(SharedText, characters);
+    if (!text.empty()) std::memcpy(characters, text.data(), text.size());
+    characters[text.size()] = '\0';
+    return block;
+}
+
+}  // namespace
+
+SharedText* SharedText::Make(std::string_view text, const char* owner) noexcept {
+    return text.empty() ? nullptr : NewBlock(text, text.size(), owner);
+}
+
+bool SharedText::Append(SharedText*& text, std::string_view tail, const char* owner) noexcept {
+    const std::string_view head = View(text);
+    const std::size_t length = head.size() + tail.size();
+    if (text == nullptr || !text->IsAlone() || length > text->room) {
+        const std::size_t room = length > MaxLength ? length : std::clamp(2 * head.size(), length, MaxLength);
+        SharedText* const block = NewBlock(head, room, owner);
+        if (block == nullptr) return false;
+        char* const end = reinterpret_cast<char*>(block) + offsetof(SharedText, characters) + head.size();
+        std::memcpy(end, tail.data(), tail.size());
+        Drop(text);
+        text = block;
+    } else {
+        std::memmove(text->characters + head.size(), tail.data(), tail.size());
+    }
+    text->length = static_cast<std::uint32_t>(length);
+    *(reinterpret_cast<char*>(text) + offsetof(SharedText, characters) + length) = '\0';
+    return true;
+}
