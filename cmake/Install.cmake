@@ -30,3 +30,6 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZELToolsInfrastructure.pc
 
 # The look of HTML reports; share/ZELToolsInfrastructure is a root for CopyDefaultHtmlStyle then.
 install(DIRECTORY resources DESTINATION ${CMAKE_INSTALL_DATADIR}/ZELToolsInfrastructure COMPONENT runtime)
+
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
