@@ -9,10 +9,12 @@ if(NOT WIN32)
   install(FILES ${zel_gdb_modules}
     DESTINATION ${CMAKE_INSTALL_DATADIR}/ZELToolsInfrastructure/gdb COMPONENT development)
 
-  # For the library in the build folder, which finds the modules among the sources.
   set(zel_gdb_script libZELToolsInfrastructure.so.${PROJECT_VERSION}-gdb.py)
-  set(zel_gdb_folder ${PROJECT_SOURCE_DIR}/debuggers/gdb)
-  configure_file(debuggers/gdb/load.py.in ${CMAKE_BINARY_DIR}/lib/${zel_gdb_script} @ONLY)
+  if(PROJECT_IS_TOP_LEVEL)
+    # For the library in the build folder, which finds the modules among the sources.
+    set(zel_gdb_folder ${PROJECT_SOURCE_DIR}/debuggers/gdb)
+    configure_file(debuggers/gdb/load.py.in ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${zel_gdb_script} @ONLY)
+  endif()
 
   # The way from the library's folder to the modules, so that an installation may be moved.
   file(RELATIVE_PATH zel_gdb_folder "/prefix/${CMAKE_INSTALL_LIBDIR}"
