@@ -1,5 +1,5 @@
-# What an installed copy consists of: the shared library, its headers, a CMake package and a pkg-config file.
-# Both find their files relative to themselves, so the installed folder may be moved.
+# What an installed copy consists of: the library, its headers, documentation, a CMake package and a pkg-config file.
+# The last two find their files relative to themselves, so the installed folder may be moved.
 include(CMakePackageConfigHelpers)
 
 set(zel_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZELToolsInfrastructure)
@@ -30,3 +30,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZELToolsInfrastructure.pc
 
 # The look of HTML reports; share/ZELToolsInfrastructure is a root for CopyDefaultHtmlStyle then.
 install(DIRECTORY resources DESTINATION ${CMAKE_INSTALL_DATADIR}/ZELToolsInfrastructure COMPONENT runtime)
+
+set(zel_doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/ZELToolsInfrastructure)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION ${zel_doc_dir} COMPONENT development)
+install(DIRECTORY docs DESTINATION ${zel_doc_dir} COMPONENT development PATTERN Doxyfile EXCLUDE)

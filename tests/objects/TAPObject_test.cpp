@@ -6,12 +6,6 @@
 #include "support/test_system.h"
 #include "support/testing.h"
 
-// Of object_names.cpp.
-bool NamesBefore();
-bool NamesAfter();
-bool NamesBeforeUnicode();
-bool NamesAfterUnicode();
-
 namespace {
 
 // The names of an object's path from the third on; indexes reach no others.
@@ -248,8 +242,4 @@ TEST(TAPObject, MissingMemoryChangesNothingAndLeaksNothing) {
     EXPECT_GT(failures, 15) << said;
     for (const char* who : {"TAPAttr", "TAPObject", "TAPPath", "TAPObjectSaveContext"})
         EXPECT_NE(said.find(std::string("# Alloc failed in ") + who), std::string::npos) << said;
-}
-
-TEST(TAPObject, NamesStandBesideTheSystemsMacros) {
-    EXPECT_TRUE(NamesBefore() && NamesAfter() && NamesBeforeUnicode() && NamesAfterUnicode());
 }
