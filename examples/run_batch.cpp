@@ -158,9 +158,9 @@ void Report(const Batch& batch, const std::vector<Command>& commands, const Opti
 }
 
 // The logs go in by their full names, so that the record may be read anywhere.
-bool WriteRecord(const Batch& batch, const std::vector<Command>& commands, const Options& options, double seconds) {
+void WriteRecord(const Batch& batch, const std::vector<Command>& commands, const Options& options, double seconds,
+                 Record& record) {
     const auto milliseconds = [](double time) { return std::to_string(static_cast<long long>(time * 1000)); };
-    Record record(options.record);
     record.Add({"batch", options.file.View(), milliseconds(seconds)});
     for (const Command& command : commands) {
         const int code = batch.Code(command);
@@ -169,7 +169,11 @@ bool WriteRecord(const Batch& batch, const std::vector<Command>& commands, const
                     HowItWent(command, code, options), log.View(), command.text.View()});
     }
     record.AddCounters();
-    return record.Finish();
+}
+
+int NoRecord(const Options& options) {
+    TraceStdErr(ZELString("run_batch: cannot write ") + options.record);
+    return 2;
 }
 
 int Usage(std::FILE* stream, int result) {
@@ -213,6 +217,8 @@ int main(int argc, char** argv) {
         TraceStdErr(ZELString("run_batch: cannot make the directory ") + options.output);
         return 2;
     }
+    Record record(options.record);
+    if (!record.IsWhole()) return NoRecord(options);
     interruption::Heed();
 
     Trace(ZELString("run_batch ") + options.file, 1);
@@ -221,9 +227,7 @@ int main(int argc, char** argv) {
     batch.Run();
     const std::chrono::duration<double> elapsed = Clock::now() - begin;
     Report(batch, commands, options);
-    if (!WriteRecord(batch, commands, options, elapsed.count())) {
-        TraceStdErr(ZELString("run_batch: cannot write ") + options.record);
-        return 2;
-    }
+    WriteRecord(batch, commands, options, elapsed.count(), record);
+    if (!record.Finish()) return NoRecord(options);
     return interruption::Happened() ? 130 : batch.Failed() == 0 ? 0 : 1;
 }

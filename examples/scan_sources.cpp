@@ -231,16 +231,20 @@ void Report(Scanner& scanner, const ZELListVal<Identifiers::Word>& words, int to
     std::fflush(stdout);
 }
 
-bool WriteRecord(Scanner& scanner, const ZELListVal<Identifiers::Word>& words, const Options& options, double seconds) {
+void WriteRecord(Scanner& scanner, const ZELListVal<Identifiers::Word>& words, const Options& options, double seconds,
+                 Record& record) {
     const Totals& totals = scanner.Result();
-    Record record(options.record);
     record.Add({"scan", options.directory.View(), std::to_string(totals.files), std::to_string(totals.unreadable),
                 std::to_string(totals.lines), std::to_string(totals.bytes), std::to_string(totals.identifiers),
                 std::to_string(scanner.Words().Distinct()), std::to_string(static_cast<long long>(seconds * 1000))});
     for (int i = 1; i <= options.top && i <= words.Size(); ++i)
         record.Add({"identifier", words[i].text.View(), std::to_string(words[i].count)});
     record.AddCounters();
-    return record.Finish();
+}
+
+int NoRecord(const Options& options) {
+    TraceStdErr(ZELString("scan_sources: cannot write ") + options.record);
+    return 2;
 }
 
 int Usage(std::FILE* stream, int result) {
@@ -285,6 +289,8 @@ int main(int argc, char** argv) {
         return 1;
     }
 
+    Record record(options.record);
+    if (!record.IsWhole()) return NoRecord(options);
     Trace(ZELString("scan_sources ") + options.directory, 1);
     const Clock::time_point begin = Clock::now();
     const Tree tree(options.directory, options.match);
@@ -293,9 +299,7 @@ int main(int argc, char** argv) {
     const std::chrono::duration<double> elapsed = Clock::now() - begin;
     const ZELListVal<Identifiers::Word> words = scanner.Words().MostFrequent();
     Report(scanner, words, options.top, elapsed.count());
-    if (!WriteRecord(scanner, words, options, elapsed.count())) {
-        TraceStdErr(ZELString("scan_sources: cannot write ") + options.record);
-        return 2;
-    }
+    WriteRecord(scanner, words, options, elapsed.count(), record);
+    if (!record.Finish()) return NoRecord(options);
     return tree.Unreadable() + scanner.Result().unreadable == 0 ? 0 : 1;
 }

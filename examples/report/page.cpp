@@ -90,8 +90,8 @@ void Page::CommandTable(const Batch& batch) {
     long long slowest = 1;
     for (const Command& command : batch.commands) slowest = std::max(slowest, command.milliseconds);
     Add("<h3>" + Escaped(batch.file) + "</h3>");
-    Add("<table class=\"report\"><tr><th>Line</th><th>Result</th><th>Code</th><th colspan=\"2\">Time</th>"
-        "<th>Command</th><th>Output</th></tr>");
+    Add("<table class=\"report\"><tr><th class=\"number\">Line</th><th>Result</th><th class=\"number\">Code</th>"
+        "<th class=\"number\">Time</th><th></th><th>Command</th><th>Output</th></tr>");
     for (const Command& command : batch.commands)
         CommandRow(command, static_cast<double>(command.milliseconds) / static_cast<double>(slowest));
     Add("</table>");
@@ -101,7 +101,8 @@ void Page::WordTable(const Scan& scan) {
     long long most = 1;
     for (const Word& word : scan.words) most = std::max(most, word.count);
     Add("<h3>" + Escaped(scan.directory) + "</h3>");
-    Add("<table class=\"report\"><tr><th>Identifier</th><th>Count</th><th>Share</th><th></th></tr>");
+    Add("<table class=\"report\"><tr><th>Identifier</th><th class=\"number\">Count</th>"
+        "<th class=\"number\">Share</th><th></th></tr>");
     for (const Word& word : scan.words) {
         char share[16];
         std::snprintf(share, sizeof share, "%.2f %%",

@@ -25,7 +25,6 @@ void Record::AddCounters() {
 }
 
 bool Record::Finish() {
-    if (!_isWanted) return true;
-    const bool wasClosed = _stream.close() == 0;
-    return _isWhole && wasClosed;
+    if (_isWanted && _stream.close() != 0) _isWhole = false;
+    return _isWhole;
 }

@@ -2,9 +2,10 @@
 // the line is about. A control character inside a field becomes a blank, so every line has the fields it should have.
 //
 //     Record record(options.record);
+//     if (!record.IsWhole()) ...                      // before the work: the file cannot be written
 //     record.Add({"scan", directory.View(), std::to_string(files)});
 //     record.AddCounters();
-//     if (!record.Finish()) TraceStdErr("cannot write the record");
+//     if (!record.Finish()) ...
 #ifndef EXAMPLES_SUPPORT_RECORD_H
 #define EXAMPLES_SUPPORT_RECORD_H
 
@@ -22,7 +23,9 @@ public:
     void Add(std::initializer_list<std::string_view> fields);
     // "counter" and its report, for each counter of the process (TAPerfo).
     void AddCounters();
-    // False when the file could not be opened or something did not get into it.
+    // False when the file could not be opened, or something did not get into it.
+    bool IsWhole() const { return _isWhole; }
+    // Closes the file; the same afterwards.
     bool Finish();
 
 private:
