@@ -177,7 +177,14 @@ int NoRecord(const Options& options) {
 }
 
 int Usage(std::FILE* stream, int result) {
-    std::fputs("usage: run_batch [--limit N] [--timeout SECONDS] [--output DIRECTORY] [--record FILE] FILE\n", stream);
+    std::fputs(
+        "usage: run_batch [--limit N] [--timeout SECONDS] [--output DIRECTORY] [--record FILE] FILE\n"
+        "\n"
+        "  --limit    runs so many commands at once, one for each processor at first\n"
+        "  --timeout  kills a command that takes longer; 0, as at first, none\n"
+        "  --output   puts what the commands write there, \"run_batch\" at first\n"
+        "  --record   leaves in FILE how each command went, for report_run\n",
+        stream);
     return result;
 }
 

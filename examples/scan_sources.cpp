@@ -248,7 +248,13 @@ int NoRecord(const Options& options) {
 }
 
 int Usage(std::FILE* stream, int result) {
-    std::fputs("usage: scan_sources [--top N] [--match FORMULA] [--record FILE] [DIRECTORY]\n", stream);
+    std::fputs(
+        "usage: scan_sources [--top N] [--match FORMULA] [--record FILE] [DIRECTORY]\n"
+        "\n"
+        "  --top     prints so many identifiers, 10 at first\n"
+        "  --match   reads files whose names match, such as '*.h||*.cpp'\n"
+        "  --record  leaves what was counted in FILE, for report_run\n",
+        stream);
     return result;
 }
 

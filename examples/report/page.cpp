@@ -58,6 +58,7 @@ void Page::Totals() {
         Figure(ZELString(failed == 0 ? "<span class=\"passed\">" : "<span class=\"failed\">") + Grouped(failed) +
                    "</span>",
                "failed");
+        Figure(Grouped(batch.NotRun()), "not run");
         Figure(Seconds(batch.milliseconds), "in all");
         Add("</ul>");
     }

@@ -92,8 +92,13 @@ bool TakeLine(std::string_view line, Run& run) {
 }  // namespace
 
 int Batch::Failed() const {
-    return static_cast<int>(
-        std::count_if(commands.begin(), commands.end(), [](const Command& each) { return !each.Passed(); }));
+    const auto hasFailed = [](const Command& each) { return each.WasRun() && !each.Passed(); };
+    return static_cast<int>(std::count_if(commands.begin(), commands.end(), hasFailed));
+}
+
+int Batch::NotRun() const {
+    const auto wasNotRun = [](const Command& each) { return !each.WasRun(); };
+    return static_cast<int>(std::count_if(commands.begin(), commands.end(), wasNotRun));
 }
 
 bool ReadRecord(const ZELString& file, Run& run) {

@@ -34,7 +34,9 @@ struct Batch {
     long long milliseconds;
     std::vector<Command> commands;
 
+    // Of those that were run.
     int Failed() const;
+    int NotRun() const;
 };
 
 struct Run {

@@ -119,7 +119,7 @@ TEST(ScanSources, RefusesACommandLineThatItDoesNotUnderstand) {
          {std::vector<std::string>{"--top"}, {"--top", "0"}, {"--top", "x"}, {"--top", "5x"}, {"--bad"}, {"a", "b"}}) {
         const ProgramResult result = RunProgram("scan_sources", arguments);
         EXPECT_EQ(result.exitCode, 2);
-        EXPECT_EQ(result.err, usage);
+        EXPECT_TRUE(result.err.starts_with(usage)) << result.err;
     }
-    EXPECT_EQ(RunProgram("scan_sources", {"--help"}).out, usage);
+    EXPECT_TRUE(RunProgram("scan_sources", {"--help"}).out.starts_with(usage));
 }
