@@ -27,12 +27,12 @@
 // A side that hears nothing for so many seconds as --timeout says, or what it does not understand, hangs up.
 
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 #include "ZELString.h"
 #include "courier/send.h"
 #include "courier/serve.h"
+#include "support/numbers.h"
 
 namespace {
 
@@ -50,15 +50,6 @@ int Usage(std::FILE* stream, int result) {
         "exit code of serve  0 ended by Ctrl-C, 1 it cannot serve, 2 wrong usage\n",
         stream);
     return result;
-}
-
-bool ReadNumber(std::string_view text, int least, int most, int& number) {
-    const ZELString digits(text);
-    char* end = nullptr;
-    const long value = std::strtol(digits, &end, 10);
-    if (text.empty() || text[0] < '0' || text[0] > '9' || *end != '\0' || value < least || value > most) return false;
-    number = static_cast<int>(value);
-    return true;
 }
 
 // "host:7000", "[::1]:7000"

@@ -1,31 +1,41 @@
 // run_batch: runs the commands of a file, one a line, several of them at once.
 //
 //     run_batch commands.txt
-//     run_batch --limit 8 --timeout 600 --output logs commands.txt
+//     run_batch --limit 8 --timeout 600 --output logs --record batch.txt commands.txt
 //
 // Empty lines and lines that begin with "#" are left out. What the command in line 12 writes goes to the file 12.log in
 // the output directory, "run_batch" when none is named. A command that takes longer than the time-out, in seconds, is
 // killed with all that it started; so is every command on Ctrl-C.
 //
-// Exit code 0 when every command ended with 0, 1 when one did not, 2 for a wrong command line or a file that cannot be
-// read, 130 when the run was interrupted.
+// The record, for report_run, has lines of fields with a tab between them:
+//
+//     batch    the file of commands, milliseconds in all
+//     command  line, exit code, milliseconds, how it went ("ended", "killed", "not found", "not run"), log, text
+//     counter  a counter's report
+//
+// Exit code 0 when every command ended with 0, 1 when one did not, 2 for a wrong command line, a file that cannot be
+// read, or a record that cannot be written, 130 when the run was interrupted.
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
 #include "TADiagnostics.h"
 #include "TAFileName.h"
+#include "TAPerfo.h"
 #include "TAProcessList.h"
 #include "TATextUtilities.h"
 #include "YAVFStream.h"
 #include "ZELString.h"
 #include "support/interruption.h"
+#include "support/lines.h"
+#include "support/numbers.h"
 #include "support/progress.h"
+#include "support/record.h"
 
 namespace {
 
@@ -35,6 +45,7 @@ struct Options {
     int limit = static_cast<int>(std::thread::hardware_concurrency());
     int timeout = 0;
     ZELString output = "run_batch";
+    ZELString record;
     ZELString file;
 };
 
@@ -50,17 +61,20 @@ struct Command {
 
 enum : int { Waiting = 0, Running = 1, Done = 2 };
 constexpr int KilledForTime = 99;
+constexpr int KilledOnRequest = 15;
 
 // False when the file cannot be read.
 bool ReadCommands(const ZELString& file, std::vector<Command>& commands) {
     YAVIFStream stream(TAFileName(file).GetNativeName(), "r");
     if (stream.isOpen() == 0) return false;
     ZELString text;
-    for (int line = 1; stream.getline(text, '\n', 0) == 0; ++line) {
-        if (text.View().ends_with('\r')) text = ZELString(text.View().substr(0, text.View().size() - 1));
+    for (int line = 1; NextLine(stream, text); ++line)
         if (IsComment(text) == 0) commands.push_back({line, text, 0, Waiting, {}, 0, false});
-    }
     return stream.ReadError() == 0;
+}
+
+TAFileName LogOf(const Command& command, const Options& options) {
+    return TAFileName(options.output) + (toString(command.line) + ".log");
 }
 
 class Batch {
@@ -68,8 +82,8 @@ public:
     Batch(std::vector<Command>& commands, const Options& options) : _commands(commands), _list(options.limit) {
         // The list starts the newest first, and a file is read from its beginning.
         for (auto command = commands.rbegin(); command != commands.rend(); ++command) {
-            const TAFileName log = TAFileName(options.output) + (toString(command->line) + ".log");
-            command->number = _list.Start(command->text, options.timeout, ZELString(log), -1);
+            const ZELString log(LogOf(*command, options));
+            command->number = _list.Start(command->text, options.timeout, log, -1);
         }
     }
 
@@ -109,42 +123,69 @@ private:
                 command.begin = now;
                 command.wasStarted = status == Running;
             }
-            if (status == Done) command.seconds = std::chrono::duration<double>(now - command.begin).count();
+            if (status == Done) {
+                command.seconds = std::chrono::duration<double>(now - command.begin).count();
+                _ended.Count(1);
+            }
             command.status = status;
         }
     }
 
     std::vector<Command>& _commands;
     TAProcessList _list;
+    TAPerfoAv _ended{"commands ended"};
 };
+
+const char* HowItWent(const Command& command, int code, const Options& options) {
+    const bool isLate =
+        options.timeout > 0 && code == KilledForTime && command.seconds >= static_cast<double>(options.timeout) * 0.9;
+    const bool wasInterrupted = interruption::Happened() && code == KilledOnRequest;
+    return command.status != Done     ? "not run"
+           : !command.wasStarted      ? "not found"
+           : isLate || wasInterrupted ? "killed"
+                                      : "ended";
+}
 
 void Report(const Batch& batch, const std::vector<Command>& commands, const Options& options) {
     std::printf("   line   code  seconds              command\n");
     for (const Command& command : commands) {
-        const bool isLate = options.timeout > 0 && batch.Code(command) == KilledForTime &&
-                            command.seconds >= static_cast<double>(options.timeout) * 0.9;
-        const char* const remark = command.status != Done               ? "not run"
-                                   : !command.wasStarted                ? "not found"
-                                   : isLate || interruption::Happened() ? "killed"
-                                                                        : "";
-        std::printf("   %4d %6d %8.2f  %-9s   %s\n", command.line, batch.Code(command), command.seconds, remark,
-                    command.text.CastToCharPtr());
+        const int code = batch.Code(command);
+        std::printf("   %4d %6d %8.2f  %-9s   %s\n", command.line, code, command.seconds,
+                    HowItWent(command, code, options), command.text.CastToCharPtr());
     }
     std::printf("\n   %d commands, %d failed\n", static_cast<int>(commands.size()), batch.Failed());
     std::fflush(stdout);
 }
 
-int Usage(std::FILE* stream, int result) {
-    std::fputs("usage: run_batch [--limit N] [--timeout SECONDS] [--output DIRECTORY] FILE\n", stream);
-    return result;
+// The logs go in by their full names, so that the record may be read anywhere.
+void WriteRecord(const Batch& batch, const std::vector<Command>& commands, const Options& options, double seconds,
+                 Record& record) {
+    const auto milliseconds = [](double time) { return std::to_string(static_cast<long long>(time * 1000)); };
+    record.Add({"batch", options.file.View(), milliseconds(seconds)});
+    for (const Command& command : commands) {
+        const int code = batch.Code(command);
+        const ZELString log = LogOf(command, options).GetFullPath().GetNativeName();
+        record.Add({"command", std::to_string(command.line), std::to_string(code), milliseconds(command.seconds),
+                    HowItWent(command, code, options), log.View(), command.text.View()});
+    }
+    record.AddCounters();
 }
 
-bool ReadNumber(const char* text, int least, int& number) {
-    char* end = nullptr;
-    const long value = std::strtol(text, &end, 10);
-    if (*text == '\0' || *end != '\0' || value < least || value > 1000000) return false;
-    number = static_cast<int>(value);
-    return true;
+int NoRecord(const Options& options) {
+    TraceStdErr(ZELString("run_batch: cannot write ") + options.record);
+    return 2;
+}
+
+int Usage(std::FILE* stream, int result) {
+    std::fputs(
+        "usage: run_batch [--limit N] [--timeout SECONDS] [--output DIRECTORY] [--record FILE] FILE\n"
+        "\n"
+        "  --limit    runs so many commands at once, one for each processor at first\n"
+        "  --timeout  kills a command that takes longer; 0, as at first, none\n"
+        "  --output   puts what the commands write there, \"run_batch\" at first\n"
+        "  --record   leaves in FILE how each command went, for report_run\n",
+        stream);
+    return result;
 }
 
 // False for a command line that makes no sense.
@@ -154,10 +195,10 @@ bool Read(int argc, char** argv, Options& options) {
         const char* const value = i + 1 < argc ? argv[i + 1] : "";
         if (argument == "--limit" || argument == "--timeout") {
             const bool isLimit = argument == "--limit";
-            if (!ReadNumber(value, isLimit ? 1 : 0, isLimit ? options.limit : options.timeout)) return false;
+            if (!ReadNumber(value, isLimit ? 1 : 0, 1000000, isLimit ? options.limit : options.timeout)) return false;
             ++i;
-        } else if (argument == "--output" && *value != '\0') {
-            options.output = value;
+        } else if ((argument == "--output" || argument == "--record") && *value != '\0') {
+            (argument == "--output" ? options.output : options.record) = value;
             ++i;
         } else if (argument.starts_with("-") || options.file.Length() > 0) {
             return false;
@@ -183,11 +224,17 @@ int main(int argc, char** argv) {
         TraceStdErr(ZELString("run_batch: cannot make the directory ") + options.output);
         return 2;
     }
+    Record record(options.record);
+    if (!record.IsWhole()) return NoRecord(options);
     interruption::Heed();
 
     Trace(ZELString("run_batch ") + options.file, 1);
     Batch batch(commands, options);
+    const Clock::time_point begin = Clock::now();
     batch.Run();
+    const std::chrono::duration<double> elapsed = Clock::now() - begin;
     Report(batch, commands, options);
+    WriteRecord(batch, commands, options, elapsed.count(), record);
+    if (!record.Finish()) return NoRecord(options);
     return interruption::Happened() ? 130 : batch.Failed() == 0 ? 0 : 1;
 }

@@ -3,20 +3,31 @@
 //     scan_sources                                  the C++ headers of this machine
 //     scan_sources --top 5 ../project               the five most frequent identifiers of a tree
 //     scan_sources --match '*.h||*.cpp' ../project  in files of these names
+//     scan_sources --record scan.txt ../project     leaves a record for report_run
 //
 // Comments and literals are no source of identifiers; the rest of the text, directives included, is. The files are
 // loaded ahead by a pool while those before them are counted.
 //
-// Exit code 0 when everything was read, 1 when the tree or a part of it could not be, 2 for a wrong command line.
+// The record has lines of fields with a tab between them:
+//
+//     scan        directory, files, unreadable ones, lines, bytes, identifiers, distinct ones, milliseconds
+//     identifier  its text, how often it occurs; one line for each that is printed
+//     counter     a counter's report
+//
+// Exit code 0 when everything was read, 1 when the tree or a part of it could not be, 2 for a wrong command line or a
+// record that cannot be written.
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <limits>
+#include <string>
 #include <string_view>
 
 #include "TADiagnostics.h"
+#include "TAPerfo.h"
 #include "TATextUtilities.h"
 #include "ZELDirectory.h"
 #include "ZELFileBuffer.h"
@@ -28,7 +39,9 @@
 #include "ZELString.h"
 #include "ZELStringPool.h"
 #include "support/machine.h"
+#include "support/numbers.h"
 #include "support/progress.h"
+#include "support/record.h"
 
 namespace {
 
@@ -38,6 +51,7 @@ struct Options {
     int top = 10;
     ZELString match = "*";
     ZELString directory;
+    ZELString record;
 };
 
 struct Totals {
@@ -172,6 +186,7 @@ private:
         const std::string_view all(text, static_cast<std::size_t>(file.getBufferSize()));
         ++_totals.files;
         _totals.bytes += static_cast<long long>(all.size());
+        _bytesRead.Count(file.getBufferSize());
         for (const char c : all) _totals.lines += c == '\n';
         constexpr int removed = ZELFilePrepro::REMOVE_SLCOMMENTS | ZELFilePrepro::REMOVE_MLCOMMENTS |
                                 ZELFilePrepro::REMOVE_SQSTRINGS | ZELFilePrepro::REMOVE_DQSTRINGS;
@@ -196,11 +211,11 @@ private:
 
     Totals _totals;
     Identifiers _identifiers;
+    TAPerfo _bytesRead{"bytes scanned"};
 };
 
-void Report(Scanner& scanner, int top, double seconds) {
+void Report(Scanner& scanner, const ZELListVal<Identifiers::Word>& words, int top, double seconds) {
     const Totals& totals = scanner.Result();
-    const ZELListVal<Identifiers::Word> words = scanner.Words().MostFrequent();
     std::printf("   %-32s %12s %8s\n", "identifier", "count", "share");
     for (int i = 1; i <= top && i <= words.Size(); ++i) {
         const double share = 100.0 * static_cast<double>(words[i].count) / static_cast<double>(totals.identifiers);
@@ -216,8 +231,30 @@ void Report(Scanner& scanner, int top, double seconds) {
     std::fflush(stdout);
 }
 
+void WriteRecord(Scanner& scanner, const ZELListVal<Identifiers::Word>& words, const Options& options, double seconds,
+                 Record& record) {
+    const Totals& totals = scanner.Result();
+    record.Add({"scan", options.directory.View(), std::to_string(totals.files), std::to_string(totals.unreadable),
+                std::to_string(totals.lines), std::to_string(totals.bytes), std::to_string(totals.identifiers),
+                std::to_string(scanner.Words().Distinct()), std::to_string(static_cast<long long>(seconds * 1000))});
+    for (int i = 1; i <= options.top && i <= words.Size(); ++i)
+        record.Add({"identifier", words[i].text.View(), std::to_string(words[i].count)});
+    record.AddCounters();
+}
+
+int NoRecord(const Options& options) {
+    TraceStdErr(ZELString("scan_sources: cannot write ") + options.record);
+    return 2;
+}
+
 int Usage(std::FILE* stream, int result) {
-    std::fputs("usage: scan_sources [--top N] [--match FORMULA] [DIRECTORY]\n", stream);
+    std::fputs(
+        "usage: scan_sources [--top N] [--match FORMULA] [--record FILE] [DIRECTORY]\n"
+        "\n"
+        "  --top     prints so many identifiers, 10 at first\n"
+        "  --match   reads files whose names match, such as '*.h||*.cpp'\n"
+        "  --record  leaves what was counted in FILE, for report_run\n",
+        stream);
     return result;
 }
 
@@ -227,8 +264,9 @@ bool Read(int argc, char** argv, Options& options) {
         const std::string_view argument(argv[i]);
         const bool hasValue = i + 1 < argc;
         if (argument == "--top" && hasValue) {
-            options.top = static_cast<int>(std::strtol(argv[++i], nullptr, 10));
-            if (options.top <= 0) return false;
+            if (!ReadNumber(argv[++i], 1, std::numeric_limits<int>::max(), options.top)) return false;
+        } else if (argument == "--record" && hasValue) {
+            options.record = argv[++i];
         } else if (argument == "--match" && hasValue) {
             options.match = argv[++i];
         } else if (argument.starts_with("-") || options.directory.Length() > 0) {
@@ -257,12 +295,17 @@ int main(int argc, char** argv) {
         return 1;
     }
 
+    Record record(options.record);
+    if (!record.IsWhole()) return NoRecord(options);
     Trace(ZELString("scan_sources ") + options.directory, 1);
     const Clock::time_point begin = Clock::now();
     const Tree tree(options.directory, options.match);
     Scanner scanner;
     scanner.Scan(tree.Files());
     const std::chrono::duration<double> elapsed = Clock::now() - begin;
-    Report(scanner, options.top, elapsed.count());
+    const ZELListVal<Identifiers::Word> words = scanner.Words().MostFrequent();
+    Report(scanner, words, options.top, elapsed.count());
+    WriteRecord(scanner, words, options, elapsed.count(), record);
+    if (!record.Finish()) return NoRecord(options);
     return tree.Unreadable() + scanner.Result().unreadable == 0 ? 0 : 1;
 }

@@ -114,12 +114,12 @@ TEST(ScanSources, TellsWhatItCouldNotRead) {
 }
 
 TEST(ScanSources, RefusesACommandLineThatItDoesNotUnderstand) {
-    const std::string usage = "usage: scan_sources [--top N] [--match FORMULA] [DIRECTORY]\n";
+    const std::string usage = "usage: scan_sources [--top N] [--match FORMULA] [--record FILE] [DIRECTORY]\n";
     for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"--top"}, {"--top", "0"}, {"--top", "x"}, {"--bad"}, {"a", "b"}}) {
+         {std::vector<std::string>{"--top"}, {"--top", "0"}, {"--top", "x"}, {"--top", "5x"}, {"--bad"}, {"a", "b"}}) {
         const ProgramResult result = RunProgram("scan_sources", arguments);
         EXPECT_EQ(result.exitCode, 2);
-        EXPECT_EQ(result.err, usage);
+        EXPECT_TRUE(result.err.starts_with(usage)) << result.err;
     }
-    EXPECT_EQ(RunProgram("scan_sources", {"--help"}).out, usage);
+    EXPECT_TRUE(RunProgram("scan_sources", {"--help"}).out.starts_with(usage));
 }
