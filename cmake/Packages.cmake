@@ -23,7 +23,7 @@ else()
   set(CPACK_SYSTEM_NAME linux-x86_64)
 endif()
 
-# The name of the runtime package tells the interface, so that a new one may be installed beside it.
+# The name of the runtime package tells the interface that programs were linked with.
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${PROJECT_NAME} developers <developers@${zel_package}.invalid>")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

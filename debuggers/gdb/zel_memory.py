@@ -71,11 +71,11 @@ def short_text(address, length=None):
     return text if len(data) <= LONGEST_TEXT else text + "..."
 
 
-def items(address, size, layout, start=0):
+def items(address, size, layout):
     """The elements of an array, read in runs."""
     width = struct.calcsize(layout)
     run = 512
-    for first in range(start, size, run):
+    for first in range(0, size, run):
         yield from struct.iter_unpack(layout, bytes_at(address + first * width, min(run, size - first) * width))
 
 

@@ -13,7 +13,10 @@ from zel_memory import Broken, check, items, read, short_text
 
 
 def pointer(address, type_name="void"):
-    return gdb.Value(address).cast(gdb.lookup_type(type_name).pointer())
+    try:
+        return gdb.Value(address).cast(gdb.lookup_type(type_name).pointer())
+    except gdb.error as fault:  # nothing in the program tells what the class is
+        raise Broken(fault)
 
 
 class Printer:

@@ -66,7 +66,7 @@ def show_garbage():
     words = targets + [0, 1, 2, 5, 0x100000001, 0x7FFFFFFF00000003, 0x200000001, 2**64 - 1, 0x1111111111111111]
     chance = random.Random(1)
     inferior = gdb.selected_inferior()
-    for _ in range(400):
+    for _ in range(200):
         for number in range(GARBAGE_WORDS):
             inferior.write_memory(start + 8 * number, chance.choice(words).to_bytes(8, "little"))
         for name in CLASSES:
