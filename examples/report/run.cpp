@@ -32,12 +32,11 @@ bool Amount(std::string_view field, long long& amount) {
 
 bool TakeScan(const Fields& fields, Run& run) {
     Scan scan{ZELString(fields[1]), 0, 0, 0, 0, 0, 0, 0, {}};
-    run.scans.push_back(scan);
-    Scan& made = run.scans.back();
     std::size_t next = 2;
-    for (long long* const amount : {&made.files, &made.unreadable, &made.lines, &made.bytes, &made.identifiers,
-                                    &made.distinct, &made.milliseconds})
+    for (long long* const amount : {&scan.files, &scan.unreadable, &scan.lines, &scan.bytes, &scan.identifiers,
+                                    &scan.distinct, &scan.milliseconds})
         if (!Amount(fields[next++], *amount)) return false;
+    run.scans.push_back(scan);
     return true;
 }
 
