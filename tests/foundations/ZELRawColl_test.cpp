@@ -136,3 +136,10 @@ TEST(ZELRawCollSort, BearsComparisonsThatContradictThemselves) {
         }
     }
 }
+
+TEST(ZELRawCollSort, HandsElementsToTheCaller) {
+    ZELRawCollPV raw;
+    for (int& number : numbers) raw.Append(&number);
+    raw.QuickSort([](const void* left, const void* right) { return left < right ? 1 : -1; });
+    for (int i = 1; i <= 64; ++i) ASSERT_EQ(raw[i], &numbers[64 - i]);
+}

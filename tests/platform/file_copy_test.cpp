@@ -1,5 +1,6 @@
 #include "platform/file_copy.h"
 
+#include "platform/files.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 
@@ -160,4 +161,15 @@ TEST_F(FileCopy, ReadersAlwaysSeeOneWholeTarget) {
     }
     writers.clear();
     EXPECT_GT(done, 0);
+}
+
+TEST_F(FileCopy, StreamsAppendOrEmptyAndAreUnbuffered) {
+    for (const char* const expected : {"ab", "abab", "ab"}) {
+        std::FILE* const stream = platform::OpenTextForWriting(target.c_str(), std::strlen(expected) > 2);
+        ASSERT_NE(stream, nullptr);
+        std::fputs("ab", stream);
+        EXPECT_EQ(ReadBytes(target), expected);
+        std::fclose(stream);
+    }
+    EXPECT_EQ(platform::OpenTextForWriting(nullptr, true), nullptr);
 }
