@@ -54,7 +54,7 @@ TEST(WordReplace, FollowsTheRulesOnRandomTexts) {
     const auto make = [&](const char* letters, std::size_t longest) { return RandomText(random, letters, longest); };
     int endless = 0;
     for (int round = 0; round < 100000; ++round) {
-        const std::string text = make("ff(). \n", 24);
+        const std::string text = make("ff(). \n_$", 24);
         std::string word(1, 'f');
         if (round % 3 == 0) word += make("f.", 2);
         const std::string open = make("(. ", 1 + round % 2);
