@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -100,8 +99,6 @@ struct Verb {
 const Verb verbs[] = {
     {"args", "TEXT...: print each in hexadecimal", PrintArguments},
     {"env", "NAME...: print each variable as [value] or unset", PrintEnvironment},
-    {"folder", ": print the working directory",
-     [](const Arguments&) { return std::puts(std::filesystem::current_path().string().c_str()) < 0 ? 1 : 0; }},
     {"exit", "CODE", [](const Arguments& arguments) { return Number(arguments, 0); }},
     {"signal", "NUMBER: die by it", [](const Arguments& arguments) -> int { DieBySignal(Number(arguments, 0)); }},
     {"sleep", "MS: say ready and sleep",

@@ -22,11 +22,7 @@ const MakeKey keyFamilies[] = {
     [](std::mt19937& random) { return std::to_string(random()); },
     [](std::mt19937& random) { return "c:\\sources\\library\\part" + std::to_string(random() % 3000) + ".cpp"; },
     // Short keys of few bytes, 0x7F, 0x80 and 0xFF among them: many ends within a word.
-    [](std::mt19937& random) {
-        std::string key(random() % 12, ' ');
-        for (char& character : key) character = "\x01z\x7F\x80\xFF"[random() % 5];
-        return key;
-    },
+    [](std::mt19937& random) { return RandomText(random, "\x01z\x7F\x80\xFF", 11); },
     // Long runs: the words are equal and the keys differ behind them, or one is the beginning of the other.
     [](std::mt19937& random) { return std::string(random() % 300, 'x') + (random() % 2 ? "y" : ""); },
     [](std::mt19937& random) { return std::string(random() % 300, '\xFF'); },
@@ -75,14 +71,12 @@ TEST(TAIndex, FindsPartsOfTextsByLength) {
     EXPECT_EQ(index.Append(nullptr, &index), nullptr);
     EXPECT_NE(index.GetContent(), nullptr);
     for (const char* key : {"ab", "abcd", "b", ""}) index.Append(key, nullptr);
-    const struct {
-        const char* key;
-        int length, position;
-    } rows[] = {
+    const std::tuple<const char*, int, int> rows[] = {
+        // the last: where it is found
         {"abc", 2, 1},  {"abc", 3, -1}, {"abcde", 4, 2}, {"abcde", 5, -1}, {"ab", 1, -1}, {"ab", 5, -1},
         {"ab", -1, -1}, {"xyz", 0, 0},  {"bcd", 1, 3},   {"c", 1, -1},     {"", 1, -1},   {nullptr, 0, -1},
     };
-    for (const auto& row : rows) EXPECT_EQ(index.IsIn(row.key, row.length), row.position) << row.length;
+    for (const auto& [key, length, position] : rows) EXPECT_EQ(index.IsIn(key, length), position) << length;
     EXPECT_EQ(index.RemovePosition(0), 0);
     EXPECT_EQ(index.IsIn("xyz", 0), -1);
     EXPECT_EQ(index.IsIn(nullptr), -1);

@@ -2,16 +2,14 @@
 
 #include "containers/map_model.h"
 #include "foundations/allocation.h"
+#include "support/slots.h"
 
 TEST(ZELHashRWMap, GivesOutOneIteratorUntilAChange) {
     ZELHashRWMap map;
     static_assert(sizeof map == 56);
     EXPECT_EQ(Rest(map.getIteratorRef()), Entries());
     using Change = void (*)(ZELHashRWMap&);
-    const struct {
-        Change change;
-        Entries expected;
-    } rows[] = {
+    const std::pair<Change, Entries> rows[] = {
         {[](ZELHashRWMap& m) { m.insert("a", Value(1)); }, {{"a", Value(1)}}},
         {[](ZELHashRWMap& m) { m.insert("b", Value(2)); }, {{"a", Value(1)}, {"b", Value(2)}}},
         {[](ZELHashRWMap& m) { m.insert("b", Value(3)); }, {{"a", Value(1)}, {"b", Value(2)}}},
@@ -19,20 +17,20 @@ TEST(ZELHashRWMap, GivesOutOneIteratorUntilAChange) {
         {[](ZELHashRWMap& m) { m.Update(); }, {{"b", Value(2)}}},
         {[](ZELHashRWMap& m) { m.clear(); }, {}},
     };
-    for (const auto& row : rows) {
-        row.change(map);
+    for (const auto& [change, expected] : rows) {
+        change(map);
         FailAllocation(1);
-        testing::internal::CaptureStdout();
-        EXPECT_EQ(map.getIteratorRef(), nullptr);  // it has to be made anew
-        EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("# Alloc failed in ZELHashSCMapIterator", 0), 0U);
+        const std::string told = Printed([&] { EXPECT_EQ(map.getIteratorRef(), nullptr); });  // it has to be made anew
+        EXPECT_TRUE(told.starts_with("# Alloc failed in ZELHashSCMapIterator")) << told;
         ZELHashRWMapIteratorRef* const kept = map.getIteratorRef();
-        EXPECT_EQ(Rest(kept), row.expected);
+        EXPECT_EQ(Rest(kept), expected);
         EXPECT_EQ(map.getIteratorRef(), kept);
-        EXPECT_EQ(Rest(kept), row.expected);
-        CallSlot<void>(kept, 6);  // RewindIterator
-        EXPECT_EQ(Rest(kept), row.expected);
+        EXPECT_EQ(Rest(kept), expected);
+        kept->RewindIterator();
+        EXPECT_EQ(Rest(kept), expected);
     }
-    EXPECT_EQ(CallSlot<ZELHashRWMapIteratorRef*>(&map, 8), map.getIteratorRef());
+    ExpectSlots(6, &ZELHashRWMapIteratorRef::RewindIterator);
+    ExpectSlots(8, &ZELHashRWMap::getIteratorRef);
 }
 
 TEST(ZELHashRWMap, IteratorsOutliveMapsAndCopiesShareThem) {

@@ -1,13 +1,13 @@
 #include "ZELHashSCMap.h"
 
 #include <limits>
-#include <sstream>
 
 #include "ZELStringPool.h"
+#include "containers/fields.h"
 #include "containers/map_model.h"
 #include "containers/text_hash.h"
 #include "foundations/allocation.h"
-#include "support/files.h"
+#include "support/slots.h"
 
 namespace {
 
@@ -21,12 +21,6 @@ struct Fields {
 };
 static_assert(sizeof(Fields) == sizeof(ZELHashSCMap));
 
-Fields FieldsOf(const ZELHashSCMap& map) {
-    Fields fields;
-    std::memcpy(static_cast<void*>(&fields), static_cast<const void*>(&map), sizeof fields);
-    return fields;
-}
-
 std::string RandomKey(std::mt19937& random) {
     // Few lengths around the steps of the hash and of the store's sizes; few bytes, some of them with a sign.
     std::string key(std::vector<std::size_t>{0, 1, 2, 3, 6, 8, 15, 16, 20, 33, 60, 1015, 1016}[random() % 13], ' ');
@@ -38,19 +32,18 @@ std::string RandomKey(std::mt19937& random) {
 
 TEST(HashText, EqualsThePlainLoopForEveryLengthAndByte) {
     std::mt19937 random(1);
-    for (std::size_t length = 0; length <= 100; ++length) {
+    for (std::size_t length = 0; length <= 100; ++length)
         for (int byte = 0; byte < 256; ++byte) {
             std::string text(length, static_cast<char>(byte));
             for (char& changed : text) changed = random() % 2 ? changed : static_cast<char>(random());
             const std::vector<char> exact(text.begin(), text.end());
             ASSERT_EQ(HashText({exact.data(), length}), PlainHash(text)) << length;
         }
-    }
 }
 
 TEST(ZELHashSCMap, BehavesLikePlainChains) {
-    for (const int size : {-1, 8, 13, 30, 64}) {
-        for (const float loadFactor : {0.75F, 0.1F, 0.99F}) {
+    for (const int size : {-1, 8, 13, 30, 64})
+        for (const float loadFactor : {0.75F, 0.1F, 0.99F})
             for (const bool isPooled : {false, true}) {
                 SCOPED_TRACE(testing::Message() << size << ' ' << loadFactor << ' ' << isPooled);
                 std::mt19937 random(static_cast<unsigned>(size));
@@ -71,15 +64,10 @@ TEST(ZELHashSCMap, BehavesLikePlainChains) {
                     if (step == 400) map.clear(), model.Clear();
                 }
             }
-        }
-    }
 }
 
 TEST(ZELHashSCMap, WalksInAnOrderThatNeverChanges) {
-    const struct {
-        int size;
-        const char *keys, *order;
-    } rows[] = {
+    const std::tuple<int, const char*, const char*> rows[] = {
         // 'a' is 97, bucket 1 of 8; \xFF is -1, bucket 7; \x80 is -128, bucket 0.
         {8, "\xFF \x80 a i", "\x80 i a \xFF "},
         // The sixth entry doubles the table: i and a change their places.
@@ -87,21 +75,21 @@ TEST(ZELHashSCMap, WalksInAnOrderThatNeverChanges) {
         {8, "a i q b c d", "a q b c d i "},
         {13, "main.cpp TAIndex.cpp ZELString.h README.md", "ZELString.h TAIndex.cpp main.cpp README.md "},
     };
-    for (const auto& row : rows) {
-        ZELHashSCMap map(row.size, 0.75F, nullptr);
-        std::istringstream keys(row.keys);
-        for (std::string key; keys >> key;) map.insert(key.c_str(), nullptr);
+    for (const auto& [size, keys, expected] : rows) {
+        ZELHashSCMap map(size, 0.75F, nullptr);
+        std::istringstream words(keys);
+        for (std::string key; words >> key;) map.insert(key.c_str(), nullptr);
         std::string order;
         for (const auto& entry : map) order.append(entry.key).append(" ");
-        EXPECT_EQ(order, row.order) << row.keys;
+        EXPECT_EQ(order, expected) << keys;
     }
 }
 
 TEST(ZELHashSCMap, KeepsToItsLimits) {
     for (const float loadFactor : {0.0F, -1.0F, 1.0F, std::numeric_limits<float>::quiet_NaN()})
-        EXPECT_EQ(FieldsOf(ZELHashSCMap(9, loadFactor, nullptr)).loadFactor, 0.75F);
+        EXPECT_EQ(FieldsOf<Fields>(ZELHashSCMap(9, loadFactor, nullptr)).loadFactor, 0.75F);
     for (const int size : {INT_MIN, 7, 9})
-        EXPECT_EQ(FieldsOf(ZELHashSCMap(size, 0.5F, nullptr)).maxSize, size == 9 ? 9 : 8);
+        EXPECT_EQ(FieldsOf<Fields>(ZELHashSCMap(size, 0.5F, nullptr)).maxSize, size == 9 ? 9 : 8);
     ZELHashSCMap map;
     void* value = &map;
     EXPECT_EQ(map.insert(nullptr, nullptr), nullptr);
@@ -158,14 +146,14 @@ TEST(ZELHashSCMap, CopiesAreViewsUntilTheyAreChanged) {
         const Entries held = model.InOrder();
         {
             ZELHashSCMap view(original), second(view), third(view), ended;
-            EXPECT_EQ(FieldsOf(view).table, FieldsOf(original).table);
+            EXPECT_EQ(FieldsOf<Fields>(view).table, FieldsOf<Fields>(original).table);
             ended.insert("ends with the assignment", nullptr);
             ended = view;
             original = view;  // nothing: it would lose its own entries
             ExpectHolds(ended, held);
             view.insert("0", nullptr);
             view.remove("absent");
-            EXPECT_EQ(FieldsOf(view).table, FieldsOf(original).table);
+            EXPECT_EQ(FieldsOf<Fields>(view).table, FieldsOf<Fields>(original).table);
             view.insert("new", Value(7));
             model.Insert("new", Value(7));
             ExpectHolds(view, model.InOrder());
@@ -258,33 +246,18 @@ TEST(ZELHashSCMap, ServesNewEntriesFromRemovedOnes) {
     FailAllocation(0);
 }
 
-TEST(ZELHashSCMap, KeepsTheOrderOfItsSlots) {
-    ZELHashSCMap map;
-    void* value = nullptr;
-    EXPECT_STREQ((CallSlot<const char*, const char*, void*>(&map, 2, "a", Value(1))), "a");
-    EXPECT_EQ((CallSlot<int, const char*, void**>(&map, 1, "a", &value)), 1);
-    ZELMapIterator* const iterator = CallSlot<ZELMapIterator*>(&map, 5);
-    EXPECT_EQ(CallSlot<int>(iterator, 0), 1);
-    EXPECT_STREQ(CallSlot<const char*>(iterator, 1), "a");
-    EXPECT_EQ(CallSlot<void*>(iterator, 2), Value(1));
-    delete iterator;
-    CallSlot<void, const char*>(&map, 3, "a");
-    map.insert("b", nullptr);
-    EXPECT_EQ(CallSlot<int>(&map, 0), 1);
-    CallSlot<void>(&map, 4);
-    EXPECT_EQ(map.size(), 0);
+TEST(ZELHashSCMap, SlotsStandInTheirOrder) {
+    ExpectSlots(0, &ZELMap::size, &ZELMap::search, &ZELMap::insert, &ZELMap::remove, &ZELMap::clear,
+                &ZELMap::getIterator);
+    ExpectSlots(0, &ZELMapIterator::next, &ZELMapIterator::getKey, &ZELMapIterator::getValue);
     // Two slots of the destructor stand before what is declared behind it.
-    ZELHashSCMapIterator own(1);
-    CallSlot<void, const char*, void*>(&own, 5, "x", nullptr);
-    EXPECT_EQ(Rest(&own), (Entries{{"x", nullptr}}));
+    ExpectSlots(5, &ZELHashSCMapIterator::insert);
 }
 
 TEST(ZELHashSCMapIterator, ShowsNothingOutsideWhatWasFilled) {
     for (const int size : {INT_MIN, 0}) {
         ZELHashSCMapIterator none(size);
-        testing::internal::CaptureStdout();
-        none.insert("dropped", nullptr);
-        EXPECT_EQ(WithoutReturns(testing::internal::GetCapturedStdout()),
+        EXPECT_EQ(Printed([&] { none.insert("dropped", nullptr); }),
                   " ZELHashSCMapIterator::insert, _size too small: 0\n");
         EXPECT_EQ(none.next(), 0);
     }

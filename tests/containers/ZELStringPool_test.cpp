@@ -1,5 +1,6 @@
 #include "ZELStringPool.h"
 
+#include "containers/fields.h"
 #include "foundations/allocation.h"
 #include "support/testing.h"
 
@@ -12,56 +13,45 @@ struct Fields {
 
 static_assert(sizeof(Fields) == sizeof(ZELStringPool));
 
-Fields FieldsOf(const ZELStringPool& pool) {
-    Fields fields;
-    std::memcpy(static_cast<void*>(&fields), static_cast<const void*>(&pool), sizeof fields);
-    return fields;
-}
-
 }  // namespace
 
 TEST(ZELStringPool, PacksTextsAndGivesUpRoomThatIsTooSmall) {
     constexpr int Room = 65532;
     ZELStringPool pool;
     EXPECT_EQ(pool.create(nullptr), nullptr);
-    const struct {
-        int length, remaining;  // of the text, and what the block has left behind it
-    } rows[] = {
+    const std::pair<int, int> rows[] = {
+        // the length of the text, and what the block has left behind it
         {0, Room - 1},         {5, Room - 7}, {65000, Room - 65008}, {523, 0},      {1, Room - 2},
         {Room - 2, 1},         {0, 0},        {0, Room - 1},         {Room - 1, 0}, {40000, Room - 40001},
         {40000, Room - 40001},
     };
     std::vector<std::pair<char*, std::string>> made;
-    Fields before = FieldsOf(pool);
-    for (const auto& row : rows) {
-        const std::string text(static_cast<std::size_t>(row.length), static_cast<char>('a' + made.size()));
+    Fields before = FieldsOf<Fields>(pool);
+    for (const auto& [length, remaining] : rows) {
+        const std::string text(static_cast<std::size_t>(length), static_cast<char>('a' + made.size()));
         char* const copy = pool.create(text.c_str());
-        const Fields fields = FieldsOf(pool);
-        ASSERT_EQ(fields.remaining, row.remaining) << made.size();
+        const Fields fields = FieldsOf<Fields>(pool);
+        ASSERT_EQ(fields.remaining, remaining) << made.size();
         // Behind the pointer that each block begins with, directly behind the text before it.
-        ASSERT_EQ(copy, fields.block + 8 + (Room - row.remaining) - (row.length + 1)) << made.size();
+        ASSERT_EQ(copy, fields.block + 8 + (Room - remaining) - (length + 1)) << made.size();
         EXPECT_TRUE(fields.block == before.block || std::memcmp(fields.block, &before.block, 8) == 0) << made.size();
         made.emplace_back(copy, text);
         before = fields;
     }
     for (const auto& [copy, text] : made) EXPECT_EQ(copy, text);
     pool.clear();
-    EXPECT_TRUE(FieldsOf(pool).block == nullptr && FieldsOf(pool).remaining == 0);
+    EXPECT_TRUE(FieldsOf<Fields>(pool).block == nullptr && FieldsOf<Fields>(pool).remaining == 0);
 }
 
 TEST(ZELStringPool, RefusesWhatIsTooLongAndWhatHasNoMemory) {
     const std::string longest(65531, 'x');
     ZELStringPool pool;
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(pool.create((longest + "y").c_str()), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+    EXPECT_EQ(Printed([&] { EXPECT_EQ(pool.create((longest + "y").c_str()), nullptr); }),
               "# Error : unable to allocate in ZELStringPoolAlloc (string too long: 65533)# Error : unable to create "
               "string in ZELStringPoolCreate: " +
                   longest + "y");
-    testing::internal::CaptureStdout();
     FailAllocation(1);
-    EXPECT_EQ(pool.create("none"), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+    EXPECT_EQ(Printed([&] { EXPECT_EQ(pool.create("none"), nullptr); }),
               "# Error : unable to allocate in ZELStringPoolAlloc (not enough memory): 65544# Error : unable to create "
               "string in ZELStringPoolCreate: none");
     EXPECT_STREQ(pool.create("some"), "some");
@@ -76,9 +66,9 @@ TEST(ZELStringPool, CopiesAreViewsThatStartBlocksOfTheirOwn) {
         assigned.create("ends with the assignment");
         assigned = view;
         original = view;  // nothing: it would lose its own blocks
-        EXPECT_EQ(FieldsOf(assigned).block, FieldsOf(original).block);
+        EXPECT_EQ(FieldsOf<Fields>(assigned).block, FieldsOf<Fields>(original).block);
         EXPECT_STREQ(view.create("own"), "own");
-        EXPECT_NE(FieldsOf(view).block, FieldsOf(original).block);
+        EXPECT_NE(FieldsOf<Fields>(view).block, FieldsOf<Fields>(original).block);
         EXPECT_STREQ(original.create("more"), "more");
         assigned.clear();
     }

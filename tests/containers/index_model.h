@@ -7,6 +7,7 @@
 #include "TAIndex.h"
 #include "TAIndexB.h"
 #include "TAIndexI.h"
+#include "containers/fields.h"
 #include "support/testing.h"
 
 // Three integers that are compared and, as Append reads 8 bytes for each, three that are carried along.
@@ -25,14 +26,6 @@ struct Keys {
     }
     static bool IsCopy(int stored, int key) { return stored == key; }
 };
-
-// The fields as they stand at the beginning of an index.
-template <class Fields, class Index>
-Fields FieldsOf(const Index& index) {
-    Fields fields;
-    std::memcpy(static_cast<void*>(&fields), static_cast<const void*>(&index), sizeof fields);
-    return fields;
-}
 
 // Further ways to find a key, from exactly the bytes that may be read, so that a sanitizer sees a read behind them.
 inline void ExpectFound(const TAIndex& index, const std::string& key, int position) {

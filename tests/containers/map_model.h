@@ -3,7 +3,6 @@
 #define TESTS_CONTAINERS_MAP_MODEL_H
 
 #include <list>
-#include <memory>
 
 #include "ZELHashSCMap.h"
 #include "support/testing.h"
@@ -78,14 +77,6 @@ inline void ExpectHolds(ZELHashSCMap& map, const Entries& expected) {
         const std::vector<char> bytes(key.begin(), key.end());
         ASSERT_TRUE(map.contains(std::string_view(bytes.data(), bytes.size()))) << key;
     }
-}
-
-// Calls a virtual function by its slot, as a program does that was linked before.
-template <class Result, class... Arguments>
-Result CallSlot(void* object, int slot, Arguments... arguments) {
-    void** slots;
-    std::memcpy(&slots, object, sizeof slots);
-    return reinterpret_cast<Result (*)(void*, Arguments...)>(slots[slot])(object, arguments...);
 }
 
 #endif

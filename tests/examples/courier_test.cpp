@@ -1,6 +1,3 @@
-#include <filesystem>
-#include <optional>
-
 #include "TARunLength.h"
 #include "TASocket.h"
 #include "process/processes.h"
@@ -12,11 +9,6 @@ namespace fs = std::filesystem;
 
 constexpr int Patience = 20;
 constexpr char Greeting[] = "courier 1";
-const bool areSignals = fs::path::preferred_separator == '/';
-
-bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 // Everything below a directory with its content; directories end with a slash.
 std::map<std::string, std::string> Contents(const std::string& directory) {
@@ -48,9 +40,8 @@ public:
     }
     // Asks it to end, and gives the exit code.
     int Interrupt() {
-        int exitCode = -1;
         KillBaseProcess(static_cast<unsigned long>(_process.GetprocessID()), 0);
-        return _process.Wait(exitCode) == 0 ? exitCode : -1;
+        return CodeOf(_process);
     }
     std::string Log() const { return ReadBytes(folder / "log"); }
 
@@ -213,12 +204,8 @@ TEST(Courier, FollowsNoLinks) {
 
 TEST(Courier, OutlivesPeersThatBreakTheRules) {
     const Server server("--timeout 1");
-    struct Row {
-        const char* what;
-        std::vector<std::string> texts;  // a number stands for a block of so many bytes
-        std::string answer;
-    };
-    const Row rows[] = {
+    // What they do, what they say (a number stands for a block of so many bytes), and the answer.
+    const std::tuple<const char*, std::vector<std::string>, const char*> rows[] = {
         {"another version", {"courier 2"}, "no this is courier 1 and understands nothing else"},
         {"no greeting", {"file 1 x"}, "no this is courier 1 and understands nothing else"},
         {"nonsense", {Greeting, "remove x"}, "no a request that has no meaning"},
@@ -234,9 +221,9 @@ TEST(Courier, OutlivesPeersThatBreakTheRules) {
         {"silence at once", {}, "-"},
         {"silence in the greeting", {"..."}, "-"},
     };
-    for (const Row& row : rows) {
+    for (const auto& [what, texts, answer] : rows) {
         Peer peer(server);
-        for (const std::string& text : row.texts) {
+        for (const std::string& text : texts) {
             if (text == "...")
                 peer.Begin();
             else if (text == Greeting)
@@ -246,7 +233,7 @@ TEST(Courier, OutlivesPeersThatBreakTheRules) {
             else
                 peer.Say(text);
         }
-        EXPECT_EQ(peer.Answer(), row.answer) << row.what;
+        EXPECT_EQ(peer.Answer(), answer) << what;
     }
     {
         Peer gone(server);  // hangs up in the middle
@@ -262,11 +249,7 @@ TEST(Courier, OutlivesPeersThatBreakTheRules) {
 TEST(Courier, TellsWhatTheOtherSideDoesWrong) {
     const TemporaryFolder folder;
     WriteBytes(folder / "file", "abc");
-    struct Row {
-        std::vector<const char*> answers;
-        const char* message;
-    };
-    const Row rows[] = {
+    const std::pair<std::vector<const char*>, const char*> rows[] = {
         {{"no \x1b[31mnot now"}, "the other side says: no ?[31mnot now"},
         {{Greeting, "ok 00000000"}, "not sent file: the checksums differ"},
         {{Greeting, "no \x07room"}, "not sent file: ?room"},
@@ -275,12 +258,12 @@ TEST(Courier, TellsWhatTheOtherSideDoesWrong) {
     };
     TASocket server;
     ASSERT_EQ(server.OpenServer(0), 0);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         std::jthread other([&] {
             TASocket client;
             ZELString text;
             server.GetQuery(Patience, text, client, Patience);
-            for (std::size_t i = 0; i < row.answers.size() && row.answers[i] != nullptr; ++i) {
+            for (std::size_t i = 0; i < row.first.size() && row.first[i] != nullptr; ++i) {
                 for (int size = 1; i == 1 && size > 0;) {  // the content
                     void* bytes = nullptr;
                     if (size == 1) client.GetBlock(text, Patience);
@@ -289,7 +272,7 @@ TEST(Courier, TellsWhatTheOtherSideDoesWrong) {
                     if (size == 0) client.GetBlock(text, Patience);
                 }
                 if (i == 2) client.GetBlock(text, Patience);
-                client.PutBlock(row.answers[i]);
+                client.PutBlock(row.first[i]);
                 client.Flush();
             }
             client.GetBlock(text, 1);
@@ -297,7 +280,7 @@ TEST(Courier, TellsWhatTheOtherSideDoesWrong) {
         const ProgramResult result =
             RunProgram("courier", {"send", "localhost:" + std::to_string(server.GetPort()), folder / "file"});
         EXPECT_EQ(result.exitCode, 1);
-        EXPECT_TRUE(Holds(result.out + result.err, row.message)) << result.out << result.err;
+        EXPECT_TRUE(Holds(result.out + result.err, row.second)) << result.out << result.err;
     }
     const std::string port = std::to_string(server.GetPort());
     EXPECT_EQ(RunProgram("courier", {"serve", folder.Path(), "--port", port}).exitCode, 1) << "the port is in use";
@@ -314,7 +297,7 @@ TEST(Courier, TellsWhenItCannotWrite) {
     const ProgramResult result = server.Take({server.folder / "file"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_TRUE(Holds(result.out, "not sent file: it cannot be written: ")) << result.out;
-    if (!areSignals) return;
+    if (onWindows) return;
     // As on a full disk: no file may grow beyond 100 blocks.
     const std::string log = server.folder / "log of the full";
     WriteBytes(server.folder / "full", "trap '' XFSZ\nulimit -f 100\nexec '" + ProgramPath("courier") + "' serve '" +
@@ -332,7 +315,7 @@ TEST(Courier, TellsWhenItCannotWrite) {
 }
 
 TEST(Courier, EndsInGoodOrderWhenItIsInterrupted) {
-    if (!areSignals) GTEST_SKIP() << "no signal can be sent here";
+    if (onWindows) GTEST_SKIP() << "no signal can be sent here";
     Server server;
     Peer peer(server);
     EXPECT_EQ(peer.Ask(Greeting), Greeting);
@@ -354,8 +337,7 @@ TEST(Courier, EndsInGoodOrderWhenItIsInterrupted) {
     ZELString text;
     EXPECT_EQ(silent.GetQuery(Patience, text, client, Patience), 0);
     EXPECT_EQ(KillBaseProcess(static_cast<unsigned long>(sender.GetprocessID()), 0), 0);
-    int exitCode = -1;
-    EXPECT_TRUE(sender.Wait(exitCode) == 0 && exitCode == 1);
+    EXPECT_EQ(CodeOf(sender), 1);
 }
 
 TEST(Courier, RefusesWhatItCannotUse) {

@@ -1,48 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <map>
-#include <sstream>
-#include <string>
-
-#include "support/files.h"
 #include "support/programs.h"
+#include "support/strip_model.h"
+#include "support/testing.h"
 
 namespace {
 
-// The text without comments and literals, one character at a time.
-std::string Stripped(const std::string& text) {
-    enum { Code, Line, Block, Directive, Single, Double } state = Code;
-    std::string kept;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        const char next = i + 1 < text.size() ? text[i + 1] : '\0';
-        const bool isPair = c == '\\' && i + 1 < text.size() && state != Line && state != Block;
-        if (isPair) {
-            if (state == Code || state == Directive) (kept += c) += next;
-            ++i;
-        } else if (state == Line || state == Directive) {
-            if (state == Directive || c == '\n') kept += c;
-            if (c == '\n') state = Code;
-        } else if (state == Block) {
-            if (c == '\n') kept += c;
-            if (c == '*' && next == '/') ++i, state = Code;
-        } else if (state == Single || state == Double) {
-            if (c == '\n') kept += c;
-            if (c == (state == Single ? '\'' : '"')) state = Code;
-        } else if (c == '/' && (next == '/' || next == '*')) {
-            ++i;
-            state = next == '/' ? Line : Block;
-        } else if (c == '"' || c == '\'') {
-            state = c == '"' ? Double : Single;
-        } else {
-            kept += c;
-            if (c == '#') state = Directive;
-        }
-    }
-    return kept;
-}
+// The bits of line and block comments, characters and strings.
+constexpr int WithoutCommentsAndLiterals = 1 | 2 | 8 | 16;
 
 struct Counts {
     std::map<std::string, long> words;
@@ -54,7 +17,7 @@ struct Counts {
         bytes += text.size();
         lines += std::count(text.begin(), text.end(), '\n');
         std::string word;
-        for (const char c : Stripped(text) + " ") {
+        for (const char c : StripByRules(text, WithoutCommentsAndLiterals).text + " ") {
             if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_') {
                 word += c;
                 continue;

@@ -1,20 +1,16 @@
 #include "TAFileBuffer.h"
 
 #include <list>
-#include <memory>
 
 #include "TAThread.h"
-#include "support/files.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 
 namespace {
 
-const bool textMode = std::filesystem::path::preferred_separator == '\\';
 constexpr std::size_t Budget = 10'240'000;
 
-class FileBuffer : public testing::Test {
-protected:
+struct FileBuffer : testing::Test {
     FileBuffer() { Make(File(0), 1); }  // nothing is counted any more, whatever ran before
     ~FileBuffer() override {
         TAFileBuffer::ASyncCleanup();
@@ -90,7 +86,7 @@ TEST_F(FileBuffer, LoadsInTheOrderOfTheList) {
 // A file that tells the thread that reads it.
 TEST_F(FileBuffer, OneByteAboveTheBudgetTheConsumerReadsItself) {
     const std::string teller = "/proc/thread-self/stat";
-    if (textMode || !std::filesystem::exists(teller)) GTEST_SKIP() << "no such file";
+    if (onWindows || !std::filesystem::exists(teller)) GTEST_SKIP() << "no such file";
     const auto threadIn = [](const std::string& text) { return text.substr(0, text.find(' ')); };
     for (const std::size_t size : {Budget, Budget + 1}) {
         const auto large = Make(File(size)), told = Make(teller);

@@ -1,17 +1,10 @@
 #include "TAFileName.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
 #include <mutex>
-#include <set>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "TAEnvironment.h"
-#include "support/files.h"
 #include "support/slots.h"
+#include "support/testing.h"
 
 namespace {
 
@@ -43,12 +36,7 @@ TEST(TAFileName, NothingIsTheNullName) {
 }
 
 TEST(TAFileName, ComponentsFromTheEnd) {
-    struct Row {
-        const char* path;
-        int n;
-        const char *base, *dir;
-    };
-    const std::vector<Row> rows{
+    const std::tuple<const char*, int, const char*, const char*> rows[] = {
         {"a/b/c", 0, "c", "a\\b\\c"},
         {"a/b/c", -5, "c", "a\\b\\c"},
         {"a/b/c", 1, "c", "a\\b"},
@@ -66,33 +54,30 @@ TEST(TAFileName, ComponentsFromTheEnd) {
         {"/", 1, "", ""},
         {"C:/x/y", 2, "x", "C:"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(Text(TAFileName(row.path).basename(row.n)), row.base) << row.path << ' ' << row.n;
-        EXPECT_EQ(Text(TAFileName(row.path).dirname(row.n)), row.dir) << row.path << ' ' << row.n;
-        EXPECT_EQ(TAFileName(row.path).Getdirname(row.n), row.dir);
+    for (const auto& [path, n, base, dir] : rows) {
+        EXPECT_EQ(Text(TAFileName(path).basename(n)), base) << path << ' ' << n;
+        EXPECT_EQ(Text(TAFileName(path).dirname(n)), dir) << path << ' ' << n;
+        EXPECT_EQ(TAFileName(path).Getdirname(n), dir);
     }
 }
 
 TEST(TAFileName, ExtensionsAreTextBehindTheLastDot) {
-    struct Row {
-        const char *path, *extension, *set, *added;
-    };
-    const std::vector<Row> rows{{"a/b.cpp", "cpp", "a\\b.o/", "a\\b.cppo/"},
-                                {"file", "", "o/", "fileo/"},
-                                {"dir.d/file", "d\\file", "dir.o/", "dir.d\\fileo/"},
-                                {"a.", "", "a.o/", "a.o/"},
-                                {"", "", "o/", "o/"}};
-    for (const Row& row : rows) {
-        TAFileName set(row.path);
-        EXPECT_EQ(set.GetExtension(), row.extension);
-        EXPECT_EQ(set.HasExtension(row.extension), 1);
+    const char* const rows[][4] = {{"a/b.cpp", "cpp", "a\\b.o/", "a\\b.cppo/"},
+                                   {"file", "", "o/", "fileo/"},
+                                   {"dir.d/file", "d\\file", "dir.o/", "dir.d\\fileo/"},
+                                   {"a.", "", "a.o/", "a.o/"},
+                                   {"", "", "o/", "o/"}};
+    for (const auto& [path, extension, expectedSet, expectedAdded] : rows) {
+        TAFileName set(path);
+        EXPECT_EQ(set.GetExtension(), extension);
+        EXPECT_EQ(set.HasExtension(extension), 1);
         EXPECT_TRUE(set.HasExtension(nullptr) == 0 && set.HasExtension("CPP") == 0);
         TAFileName added(set);
         set.SetExtension("o/");  // as it stands: neither form normalises
         added.AddExtension("o/");
-        EXPECT_EQ(Text(set), row.set);
-        EXPECT_EQ(Text(added), row.added);
-        EXPECT_EQ(Text(set + "."), Text(TAFileName(row.set)));
+        EXPECT_EQ(Text(set), expectedSet);
+        EXPECT_EQ(Text(added), expectedAdded);
+        EXPECT_EQ(Text(set + "."), Text(TAFileName(expectedSet)));
     }
 }
 
@@ -132,19 +117,15 @@ TEST(TAFileName, CaseCountsWhereTheHeaderSaysSo) {
 }
 
 TEST(TAFileName, AncestorsAreWholeComponents) {
-    struct Row {
-        const char *name, *dir;
-        int result, level;
-    };
-    const std::vector<Row> rows{{"a/b/c", "a", 1, 2},    {"a/b/c", "a/b/c", 1, 0}, {"a/bc", "a/b", 0, 0},
-                                {"a", "a/b", 0, 0},      {"a/b", "A", 0, 0},       {"a/b", "", 1, 0},
-                                {"", "", 1, 0},          {"", "a", 0, 0},          {"/x", "/", 0, 0},
-                                {"//host/x", "/", 1, 2}, {"C:/a/b", "C:", 1, 2}};
-    for (const Row& row : rows) {
+    const std::tuple<const char*, const char*, int, int> rows[] = {
+        {"a/b/c", "a", 1, 2}, {"a/b/c", "a/b/c", 1, 0}, {"a/bc", "a/b", 0, 0}, {"a", "a/b", 0, 0},
+        {"a/b", "A", 0, 0},   {"a/b", "", 1, 0},        {"", "", 1, 0},        {"", "a", 0, 0},
+        {"/x", "/", 0, 0},    {"//host/x", "/", 1, 2},  {"C:/a/b", "C:", 1, 2}};
+    for (const auto& [name, dir, result, expectedLevel] : rows) {
         int level = -1;
-        EXPECT_EQ(TAFileName(row.name).IsUnderDirectory(row.dir, level), row.result) << row.name << ' ' << row.dir;
-        EXPECT_EQ(level, row.level) << row.name << ' ' << row.dir;
-        EXPECT_EQ(TAFileName(row.name).IsUnderDirectory(row.dir), row.result);
+        EXPECT_EQ(TAFileName(name).IsUnderDirectory(dir, level), result) << name << ' ' << dir;
+        EXPECT_EQ(level, expectedLevel) << name << ' ' << dir;
+        EXPECT_EQ(TAFileName(name).IsUnderDirectory(dir), result);
     }
 }
 
@@ -158,9 +139,7 @@ TEST(TAFileName, FilesAndDirectoriesComeAndGo) {
     EXPECT_EQ(deep.Delete(), 1);  // a directory
 
     const TAFileName file = deep + "file";
-    std::FILE* const stream = std::fopen(file.GetNativeName(), "w");
-    ASSERT_NE(stream, nullptr);
-    std::fclose(stream);
+    WriteBytes(file.GetNativeName().CastToCharPtr(), "");
     EXPECT_TRUE(file.IsFile() == 1 && file.IsDirectory() == 0);
     EXPECT_EQ((file + "below").CreateRecursiveDirectory(), 1);
     EXPECT_EQ(file.CreateNotExistingDirectory(), 1);  // something else has the name
@@ -179,18 +158,16 @@ TEST(TAFileName, FilesAndDirectoriesComeAndGo) {
 TEST(TAFileName, TemporaryNamesAreNobodyElses) {
     std::set<std::string> names;
     std::mutex lock;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 64; ++i) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 64; ++i)
         threads.emplace_back([&] {
             for (int round = 0; round < 4; ++round) {
                 TAFileName name = TAFileName::GetTemporaryFileName();
                 const std::lock_guard guard(lock);
-                EXPECT_TRUE(name.IsFile());
-                EXPECT_TRUE(names.insert(Text(name)).second) << Text(name);
+                EXPECT_TRUE(name.IsFile() && names.insert(Text(name)).second) << Text(name);
             }
         });
-    }
-    for (std::thread& thread : threads) thread.join();
+    threads.clear();
     EXPECT_EQ(names.size(), 256u);
     for (const std::string& name : names) EXPECT_EQ(TAFileName(name.c_str()).Delete(), 0);
 }

@@ -1,13 +1,7 @@
 #include "TAHtmlBanner.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <set>
-#include <string>
-
 #include "TAEnvironment.h"
-#include "support/files.h"
+#include "support/testing.h"
 
 namespace {
 
@@ -20,8 +14,7 @@ std::set<std::string> FilesBelow(const std::filesystem::path& folder) {
     return files;
 }
 
-class Style : public testing::Test {
-protected:
+struct Style : testing::Test {
     int CopyFrom(const std::string& roots) {
         const TAEnvVariable variable("RkrkROOT_PATH", 4000);
         variable.PutEnvironmentValue(roots.c_str());

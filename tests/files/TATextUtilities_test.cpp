@@ -1,30 +1,16 @@
 #include "TATextUtilities.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "support/files.h"
+#include "support/testing.h"
 
 TEST(QStrstr, FindsOnOneLineWithinTheLimitWithoutGoingBack) {
-    const struct {
-        const char* text;
-        const char* pattern;
-        int limit;
-        int expected;  // -1: null
-    } rows[] = {
+    const std::tuple<const char*, const char*, int, int> rows[] = {
+        // the last: where it is found, -1 for nowhere
         {"abc", "bc", 9, 1},    {"abc", "bc", 3, 1},   {"abc", "bc", 2, -1},    {"a\nbc", "bc", 9, -1},
         {"aaab", "aab", 9, -1}, {"aabab", "ab", 9, 1}, {"ababc", "abc", 9, 2},  {"abc", "abcd", 9, -1},
         {"", "", 0, 0},         {"a", "", 9, -1},      {"", "a", 9, -1},        {"abc", "a", 0, -1},
         {"abc", "a", -1, -1},   {"abc", "a", 1, 0},    {"a\nb", "a\nb", 9, -1},
     };
-    for (const auto& row : rows) {
-        const char* const found = Q_strstr(row.text, row.pattern, row.limit);
-        EXPECT_EQ(found, row.expected < 0 ? nullptr : row.text + row.expected) << row.text << " " << row.pattern;
-    }
+    for (const auto& [text, pattern, limit, at] : rows)
+        EXPECT_EQ(Q_strstr(text, pattern, limit), at < 0 ? nullptr : text + at) << text << " " << pattern;
     EXPECT_EQ(Q_strstr(nullptr, "a", 1), nullptr);
     EXPECT_EQ(Q_strstr("a", nullptr, 1), nullptr);
     // Nothing behind the limit is read: the text has no terminator.
@@ -39,9 +25,7 @@ TEST(SortedLists, StaySortedAndAreSearchedForBeginnings) {
         ZELListValZELString list;
         std::vector<ZELString> model;
         for (int i = 0; i < 20; ++i) {
-            std::string text(random() % 4, ' ');
-            for (char& c : text) c = "ab\xC3"[random() % 3];
-            ZELString entry(text.c_str());
+            ZELString entry(RandomText(random, "ab\xC3", 3).c_str());
             InsertInList(entry, list);
             if (std::find(model.begin(), model.end(), entry) == model.end()) model.push_back(entry);
         }

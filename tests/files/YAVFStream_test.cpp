@@ -6,13 +6,10 @@
 #include "ZELFilePrepro.h"
 #include "ZELQMAStream.h"
 #include "foundations/allocation.h"
-#include "support/files.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 
 namespace {
-
-const bool textMode = std::filesystem::path::preferred_separator == '\\';
 
 // What a reading stream owes, one byte after the other.
 class Model {
@@ -98,8 +95,7 @@ void Compare(YAVIFStream& stream, std::FILE* other, Model model, std::mt19937& r
     }
 }
 
-class Streams : public testing::Test {
-protected:
+struct Streams : testing::Test {
     const TemporaryFolder folder;
     const std::string file = folder / "text";
 };
@@ -141,7 +137,7 @@ TEST_F(Streams, AFileThatGrowsIsReadOnAndTextModeTranslates) {
     EXPECT_EQ(in.getline(line, '\n', 1), 1);  // the end lasts
     EXPECT_EQ(in.read(bytes, 5), 5u);
     EXPECT_STREQ(bytes, "more\n");
-    EXPECT_EQ(Bytes(out, file), textMode ? "one\r\n\r\n2more\r\n" : "one\n\n2more\n");
+    EXPECT_EQ(Bytes(out, file), onWindows ? "one\r\n\r\n2more\r\n" : "one\n\n2more\n");
 }
 
 TEST_F(Streams, ModeBitsChooseTextAndAppending) {
@@ -150,7 +146,7 @@ TEST_F(Streams, ModeBitsChooseTextAndAppending) {
         YAVOFStream out;
         EXPECT_EQ(out.open(file.c_str(), mode), 0);
         out << "\n" << flush;
-        const std::string lineFeed = (mode & 8) != 0 && textMode ? "\r\n" : "\n";
+        const std::string lineFeed = (mode & 8) != 0 && onWindows ? "\r\n" : "\n";
         EXPECT_EQ(Bytes(out, file), ((mode & 2) != 0 ? "old" : "") + lineFeed) << mode;
     }
 }

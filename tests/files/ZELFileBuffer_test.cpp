@@ -1,10 +1,5 @@
-#include <functional>
-#include <memory>
-#include <tuple>
-
 #include "ZELFileBufferPool.h"
 #include "files/load_queue.h"
-#include "support/files.h"
 #include "support/gate.h"
 #include "support/programs.h"
 #include "support/testing.h"
@@ -28,8 +23,7 @@ void End(ZELFileBuffer* buffer, bool isDestroyed) {
     isDestroyed ? buffer->destroy() : static_cast<void>(buffer->Release());
 }
 
-class FileBuffers : public testing::Test {
-protected:
+struct FileBuffers : testing::Test {
     FileBuffers() {
         WriteBytes(folder / "empty", "");
         WriteBytes(folder / "text", "text");

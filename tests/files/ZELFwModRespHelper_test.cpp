@@ -1,16 +1,14 @@
 #include "ZELFwModRespHelper.h"
 
 #include <regex>
-#include <set>
 
 #include "foundations/allocation.h"
-#include "support/files.h"
 #include "support/testing.h"
 
 namespace {
 
 std::string Upper(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
     return text;
 }
 
@@ -78,8 +76,7 @@ TEST(ZELFwModRespHelper, AgreesWithTheModelOnRandomFiles) {
         Model model{folder / "organisation", folder / "components", {}, {}, {}, {}};
         std::string organisation, components;
         for (int i = 0; i < 60; ++i) {
-            std::string line(random() % 14, ' ');
-            for (char& c : line) c = "ab.. "[random() % 5];
+            std::string line = RandomText(random, "ab.. ", 13);
             if (random() % 2) line += AnyOf(random, {"..a.", ".ab.", ".aB.", ".jsm.", ".abcd.", ".", "Name A.jsm."});
             model.Person(line);
             organisation += line + '\n';

@@ -1,44 +1,30 @@
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <random>
-#include <set>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "TAFileUtilities.h"
 #include "platform/tree_cursor.h"
-#include "support/files.h"
 #include "support/test_system.h"
+#include "support/testing.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using Names = std::multiset<std::string>;
 
-const bool slashSystem = fs::path::preferred_separator == '/';
-
 std::string PathValue(std::string path) {
-    for (char& c : path)
-        if (c == '/') c = '\\';
+    std::replace(path.begin(), path.end(), '/', '\\');
     return path;
 }
 
 Names FilesOf(const std::string& directory) {
     ZELListValZELString list;
     ReadRecursiveDirectory(directory.c_str(), list);
-    Names names;
-    for (const ZELString& name : list) names.emplace(name.View());
-    return names;
+    const auto names = Texts(list);
+    return {names.begin(), names.end()};
 }
 
 int Clean(const std::string& directory) {
     return TACleanDirectory(directory.c_str());
 }
 
-class Trees : public testing::Test {
-protected:
+struct Trees : testing::Test {
     Trees() { fs::create_directory(tree); }
 
     // Makes `count` files and directories at random places, some of them read-only. Returns the paths of the files.
@@ -101,7 +87,7 @@ TEST_F(Trees, DepthTakesNeitherStackNorDescriptors) {
 }
 
 TEST_F(Trees, LinksAndNamesWithSeparatorsLeadNowhere) {
-    if (!slashSystem) GTEST_SKIP() << "needs the right to make links, and names of Windows hold no backslash";
+    if (onWindows) GTEST_SKIP() << "needs the right to make links, and names of Windows hold no backslash";
     const std::string outside = folder / "outside";
     fs::create_directory(outside);
     WriteBytes(outside + "/keep", "x");
@@ -153,9 +139,8 @@ TEST_F(Trees, AFileThatStaysIsToldAndDoesNotKeepTheOthers) {
     const std::ifstream held(sub + "/held");
     WriteBytes(sub + "/a", "x");
     WriteBytes(sub + "/z", "x");
-    testing::internal::CaptureStdout();
-    const int result = Clean(tree);
-    const std::string told = WithoutReturns(testing::internal::GetCapturedStdout());
+    int result = 0;
+    const std::string told = Printed([&] { result = Clean(tree); });
     if (!fs::exists(sub + "/held")) GTEST_SKIP() << "needs a file of another user";
     EXPECT_EQ(result, 1);
     EXPECT_EQ(told,
@@ -178,7 +163,7 @@ TEST_F(Trees, CannotBeRacedOutOfTheTree) {
         }
     });
     testing::internal::CaptureStdout();
-    const int rounds = slashSystem ? 300 : 20;
+    const int rounds = onWindows ? 20 : 300;
     for (int round = 0; round < rounds; ++round) {
         std::error_code ignored;
         fs::create_directories(tree + "/d/e", ignored);

@@ -1,24 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "TAFileUtilities.h"
-#include "support/files.h"
+#include "support/testing.h"
 
 namespace {
 
 using Paths = std::vector<std::string>;
-
-const bool slashSystem = std::filesystem::path::preferred_separator == '/';
-
-template <class List>
-Paths Texts(const List& list) {
-    Paths texts;
-    for (const auto& text : list) texts.emplace_back(text.View());
-    return texts;
-}
 
 Paths Select(const std::string& pattern) {
     ZELListValZELString names;
@@ -26,8 +11,7 @@ Paths Select(const std::string& pattern) {
     return Texts(names);
 }
 
-class SelectedPaths : public testing::Test {
-protected:
+struct SelectedPaths : testing::Test {
     SelectedPaths() {
         for (const char* const directory : {"a/sub", "b", "Empty"})
             std::filesystem::create_directories(folder / directory);
@@ -45,10 +29,7 @@ protected:
 }  // namespace
 
 TEST_F(SelectedPaths, OfEveryFormOfPattern) {
-    const struct {
-        const char* pattern;
-        Paths selected;
-    } rows[] = {
+    const std::pair<const char*, Paths> rows[] = {
         {"", {}},
         {"*", {"Empty", "a", "b", "c.txt"}},
         {"*.txt", {"c.txt"}},
@@ -70,22 +51,18 @@ TEST_F(SelectedPaths, OfEveryFormOfPattern) {
         {"Empty\\*", {}},
         {"*mp*\\", {"Empty"}},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Select(row.pattern), row.selected) << row.pattern;
-        const std::string absolute = folder.Path() + "/" + row.pattern;
-        Paths full;
-        std::string prefix = folder.Path();
-        std::replace(prefix.begin(), prefix.end(), '/', '\\');
-        for (const std::string& path : row.selected) full.push_back(prefix + "\\" + path);
-        if (*row.pattern != '\0') {
-            EXPECT_EQ(Select(absolute), full) << absolute;
-        }
-        if (slashSystem && *row.pattern != '\0') {
-            for (std::string& path : full) path = "C:" + path;
-            EXPECT_EQ(Select("C:" + absolute), full) << absolute;
+    std::string prefix = folder.Path();
+    std::replace(prefix.begin(), prefix.end(), '/', '\\');
+    for (const auto& [pattern, selected] : rows) {
+        EXPECT_EQ(Select(pattern), selected) << pattern;
+        for (const char* const drive : {"", "C:"}) {
+            if (*pattern == '\0' || (onWindows && *drive != '\0')) continue;  // there the folder names its drive
+            Paths full;
+            for (const std::string& path : selected) full.push_back(drive + prefix + "\\" + path);
+            EXPECT_EQ(Select(drive + folder.Path() + "/" + pattern), full) << drive << pattern;
         }
     }
-    EXPECT_EQ(Select("A\\*.c").size() + Select("A\\x.txt").size(), slashSystem ? 0u : 1u);
+    EXPECT_EQ(Select("A\\*.c").size() + Select("A\\x.txt").size(), onWindows ? 1u : 0u);
     EXPECT_EQ(Select("\\"), Paths{"\\"});
     EXPECT_EQ(Select("//no such host/*"), Paths());
 }
@@ -111,7 +88,7 @@ TEST_F(SelectedPaths, AreAppendedInEveryForm) {
 }
 
 TEST_F(SelectedPaths, FollowLinksAndNeverReadANameAsAPath) {
-    if (!slashSystem) GTEST_SKIP() << "names of Windows hold no backslash";
+    if (onWindows) GTEST_SKIP() << "names of Windows hold no backslash";
     std::filesystem::create_directory_symlink(folder / "a", folder / "link");
     std::filesystem::create_symlink(folder / "c.txt", folder / "b/file link");
     std::filesystem::create_symlink("nowhere", folder / "b/dead");

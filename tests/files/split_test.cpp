@@ -1,12 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <set>
-#include <string>
-#include <vector>
-
 #include "TATextUtilities.h"
+#include "support/testing.h"
 
 namespace {
 
@@ -28,13 +21,7 @@ Fields SplitByRules(const std::string& line, const std::string& separator, int n
     return fields;
 }
 
-Fields FieldsOf(const ZELListValZELString& list) {
-    Fields fields;
-    for (const ZELString& field : list) fields.emplace_back(field.View());
-    return fields;
-}
-
-Fields FieldsOf(const TAIndex& index) {
+Fields Texts(const TAIndex& index) {
     Fields fields;
     for (int i = 0; i < index.Size(); ++i) {
         fields.emplace_back(index[i]);
@@ -55,8 +42,7 @@ TEST(Split, FollowsTheRulesInAllFormsWhateverTheListHeld) {
     ZELListValZELString list;
     TAIndex index;
     for (int round = 0; round < 30000; ++round) {
-        std::string text(random() % 14, ' ');
-        for (char& c : text) c = "  ::ab"[random() % 6];
+        std::string text = RandomText(random, "  ::ab", 13);
         if (round % 50 == 0) text += std::string(40, 'x') + ":" + std::string(50, 'y');
         const std::string separator = std::vector<std::string>{"", " ", ":", "::", ":::", "a:"}[random() % 6];
         const int n = static_cast<int>(random() % 7);
@@ -65,8 +51,8 @@ TEST(Split, FollowsTheRulesInAllFormsWhateverTheListHeld) {
         SCOPED_TRACE(text + "|" + separator + "|" + std::to_string(n));
 
         const auto expect = [&](Fields fields, int result, int indexResult) {
-            ASSERT_EQ(FieldsOf(list), fields);
-            ASSERT_EQ(FieldsOf(index), Sorted(fields));
+            ASSERT_EQ(Texts(list), fields);
+            ASSERT_EQ(Texts(index), Sorted(fields));
             ASSERT_EQ(result, list.Size());
             ASSERT_EQ(indexResult, index.Size());
         };
@@ -79,9 +65,9 @@ TEST(Split, FollowsTheRulesInAllFormsWhateverTheListHeld) {
         if (static_cast<int>(filledKeys.size()) < n) filledKeys.insert(filledKeys.begin(), "");
         filled.resize(std::max(filled.size(), static_cast<std::size_t>(n)));
         ASSERT_EQ(Split(line, list, n), static_cast<int>(filled.size()));
-        ASSERT_EQ(FieldsOf(list), filled);
+        ASSERT_EQ(Texts(list), filled);
         ASSERT_EQ(Split(line, index, n), static_cast<int>(filledKeys.size()));
-        ASSERT_EQ(FieldsOf(index), filledKeys);
+        ASSERT_EQ(Texts(index), filledKeys);
     }
 }
 
@@ -89,19 +75,19 @@ TEST(Split, KeepsTheExamplesOfTheContract) {
     ZELListValZELString fields;
     ZELString blanks("  a  b ");
     EXPECT_EQ(Split(blanks, fields, 4), 4);
-    EXPECT_EQ(FieldsOf(fields), (Fields{"a", "b", "", ""}));
+    EXPECT_EQ(Texts(fields), (Fields{"a", "b", "", ""}));
     ZELString colons("a::b::c");
     EXPECT_EQ(Split(colons, fields, "::", 3), 3);
-    EXPECT_EQ(FieldsOf(fields), (Fields{"a", ":b", ":c"}));
+    EXPECT_EQ(Texts(fields), (Fields{"a", ":b", ":c"}));
     EXPECT_EQ(Split(blanks, fields, -5), 1);
-    EXPECT_EQ(FieldsOf(fields), (Fields{"  a  b "}));
+    EXPECT_EQ(Texts(fields), (Fields{"  a  b "}));
 
     // The line may be an element of the list.
     for (const char* text : {"x y z", "a line that does not fit into the object itself"}) {
         fields.Append(text);
         const int last = fields.Size();
         Split(fields[last], fields);
-        EXPECT_EQ(FieldsOf(fields), SplitByRules(text, " ", NoLimit));
+        EXPECT_EQ(Texts(fields), SplitByRules(text, " ", NoLimit));
         Split(fields[1], fields);
         EXPECT_EQ(fields.Size(), 1);
     }

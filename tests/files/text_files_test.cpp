@@ -1,19 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <random>
-#include <set>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "TAFileUtilities.h"
-#include "support/files.h"
 #include "support/test_system.h"
+#include "support/testing.h"
 
 namespace {
-
-const bool textMode = std::filesystem::path::preferred_separator == '\\';
 
 // What ReadFile owes, the slow way: the lines and the result.
 struct Expected {
@@ -33,23 +22,13 @@ Expected Model(const std::string& bytes, std::size_t longest) {
     };
     for (const char c : bytes) {
         if (c != '\n') line += c;
-        if (c == '\n' && !finish()) {
-            expected.result = 1;
-            return expected;
-        }
+        if (c == '\n' && !finish()) break;  // too long, and still there
     }
-    if (!line.empty() && !finish()) expected.result = 1;
+    expected.result = !line.empty() && !finish() ? 1 : 0;
     return expected;
 }
 
-std::vector<std::string> Texts(const ZELListValZELString& list) {
-    std::vector<std::string> texts;
-    for (const ZELString& text : list) texts.emplace_back(text.View());
-    return texts;
-}
-
-class TextFiles : public testing::Test {
-protected:
+struct TextFiles : testing::Test {
     // Reads `bytes` by every form that has the same length of lines.
     void Check(const std::string& bytes, int bufferSize) {
         WriteBytes(file, bytes);
@@ -71,9 +50,7 @@ protected:
             const std::set<std::string> distinct(expected.lines.begin(), expected.lines.end());
             ASSERT_EQ(index.Size(), static_cast<int>(distinct.size()));
         }
-        std::string warnings;
-        for (int i = 0; i < result; ++i) warnings += warning;
-        ASSERT_EQ(WithoutReturns(testing::internal::GetCapturedStdout()), warnings);
+        ASSERT_EQ(WithoutReturns(testing::internal::GetCapturedStdout()), Repeat(warning, result));
     }
 
     const TemporaryFolder folder;
@@ -85,7 +62,7 @@ protected:
 TEST_F(TextFiles, LinesAreCutCleanedAndLimited) {
     std::string everyByte;
     for (int c = 0; c < 256; ++c)
-        if (!textMode || (c != '\r' && c != 0x1A)) everyByte += static_cast<char>(c);
+        if (!onWindows || (c != '\r' && c != 0x1A)) everyByte += static_cast<char>(c);
     for (const std::string& bytes : {std::string(), std::string("\n"), std::string("a"), std::string("a\n\nb\n\n"),
                                      everyByte, everyByte + "\n" + everyByte + "\nend"})
         ASSERT_NO_FATAL_FAILURE(Check(bytes, 4096));
@@ -114,12 +91,10 @@ TEST_F(TextFiles, RandomTextsOfManyBlocksAgreeWithTheModel) {
 }
 
 TEST_F(TextFiles, WindowsEndsOfLinesAndOfTexts) {
-    WriteBytes(file,
-               "a\r\n\x1A"
-               "b\n");
+    WriteBytes(file, "a\r\n\x1A" + std::string("b\n"));
     ZELListValZELString lines;
     EXPECT_EQ(ReadFile(file.c_str(), lines), 0);
-    EXPECT_EQ(Texts(lines), textMode ? std::vector<std::string>{"a"} : (std::vector<std::string>{"a ", " b"}));
+    EXPECT_EQ(Texts(lines), onWindows ? std::vector<std::string>{"a"} : (std::vector<std::string>{"a ", " b"}));
 }
 
 TEST_F(TextFiles, WhatIsNoFileOrNeverEnds) {
@@ -133,7 +108,7 @@ TEST_F(TextFiles, WhatIsNoFileOrNeverEnds) {
         EXPECT_EQ(ReadFile(path.c_str(), index), 1) << path;
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    if (!textMode) {
+    if (!onWindows) {
         EXPECT_EQ(ReadFile(EndlessDevice.c_str(), lines), 1);
     }
     EXPECT_EQ(lines.Size(), 0);
@@ -151,17 +126,15 @@ TEST_F(TextFiles, WrittenListsComeBackAndFailuresAreTold) {
     }
     EXPECT_EQ(WriteFile(file.c_str(), lines), 0);
     EXPECT_EQ(WithoutReturns(ReadBytes(file)), bytes);
-    const std::string newLine = textMode ? "\r\n" : "\n";
+    const std::string newLine = onWindows ? "\r\n" : "\n";
     EXPECT_EQ(ReadBytes(file).substr(0, newLine.size()), newLine);
     ZELListValZELString again;
     EXPECT_EQ(ReadFile(file.c_str(), again, INT_MAX), 0);
     EXPECT_TRUE(again == lines);
 
     for (const std::string& path : {folder.Path(), folder / "missing/text", std::string(), FullDevice}) {
-        if (path.empty() && textMode) continue;
-        testing::internal::CaptureStdout();
-        EXPECT_EQ(WriteFile(path.c_str(), lines), 1) << path;
-        EXPECT_EQ(WithoutReturns(testing::internal::GetCapturedStdout()),
+        if (path.empty() && onWindows) continue;
+        EXPECT_EQ(Printed([&] { EXPECT_EQ(WriteFile(path.c_str(), lines), 1) << path; }),
                   "   WARNING : WriteFile aborted on line 1 : file.good() is false\n");
     }
 }

@@ -1,12 +1,7 @@
 #include "files/wildcard.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-#include <vector>
-
 #include "TATextUtilities.h"
+#include "support/testing.h"
 
 namespace {
 
@@ -67,23 +62,12 @@ bool EvaluateByRules(const std::string& text, std::string formula) {
     return MatchByRules(text, formula) != isNegated;
 }
 
-std::string RandomText(std::mt19937& random, const std::string& letters, std::size_t longest) {
-    std::string text(random() % (longest + 1), ' ');
-    for (char& c : text) c = letters[random() % letters.size()];
-    return text;
-}
-
 int Match(const std::string& text, const std::string& pattern) {
     return TestMatch(ZELString(std::string_view(text)), ZELString(std::string_view(pattern)));
 }
-int Holds(const std::string& formula, const char* text) {
+int HoldsOn(const char* text, const std::string& formula) {
     ZELString subject(text);
     return TestMatchWithLogExp(subject, ZELString(std::string_view(formula)));
-}
-std::string Repeat(const std::string& text, int count) {
-    std::string repeated;
-    for (int i = 0; i < count; ++i) repeated += text;
-    return repeated;
 }
 
 }  // namespace
@@ -102,18 +86,13 @@ TEST(TestMatch, FollowsTheRulesOnRandomTexts) {
 }
 
 TEST(TestMatch, KeepsItsEdges) {
-    const struct {
-        const char* text;
-        const char* pattern;
-        int expected;
-    } rows[] = {
+    const std::tuple<const char*, const char*, int> rows[] = {
         {"abc", "a*c", 1}, {"abc", "*", 1},  {"abc", "abc", 1},   {"abc", "*b*", 1},    {"abc", "**", 0},
         {"**", "**", 1},   {"abc", "b*", 0}, {"ab", "ab*ab", 1},  {"aba", "a", 1},      {"", "", 1},
         {"a", "", 0},      {"", "*", 1},     {"", "a*", 0},       {"abab", "*b*ab", 1}, {"a?c", "a?c", 1},
         {"abc", "a?c", 0}, {"ABC", "a*", 0}, {"xyz", "x***z", 1},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(Match(row.text, row.pattern), row.expected) << row.text << " " << row.pattern;
+    for (const auto& [text, pattern, expected] : rows) EXPECT_EQ(Match(text, pattern), expected) << text << pattern;
     EXPECT_EQ(TestMatchNoCase("Name.CPP", "*.cpp") + TestMatchNoCase("\xC3\xA4", "\xC3\x84"), 1);
 }
 
@@ -143,32 +122,27 @@ TEST(TestMatchWithLogExp, FollowsTheRulesOnRandomFormulas) {
         }
         const std::string text = RandomText(random, "ab", 3);
         const int expected = EvaluateByRules(text, formula);
-        ASSERT_EQ(Holds(formula, text.c_str()), expected) << text << " " << formula;
+        ASSERT_EQ(HoldsOn(text.c_str(), formula), expected) << text << " " << formula;
         holding += expected;
     }
     EXPECT_GT(holding, 20000);
 }
 
 TEST(TestMatchWithLogExp, KeepsItsEdges) {
-    const struct {
-        const char* formula;
-        int expected;  // on the text "a"
-    } rows[] = {
+    const std::pair<const char*, int> rows[] = {
+        // formulas, and whether they hold on the text "a"
         {"(a)||(b)", 0}, {"!(a)||(b)", 1}, {"(a||b)", 1}, {"((a))", 1}, {"&&", 1},      {"||", 0},
         {"(a", 0},       {"!!(a)", 0},     {"!()", 0},    {"()", 0},    {"a&&b||a", 0}, {"(a||b)&&!(c*)", 1},
         {"a&&", 1},      {"!b", 1},        {" a", 0},
     };
-    for (const auto& row : rows) EXPECT_EQ(Holds(row.formula, "a"), row.expected) << row.formula;
-    EXPECT_EQ(Holds("a*&&*c", "abc"), 1);
-    EXPECT_EQ(Holds("!(x*)", "abc"), 1);
+    for (const auto& [formula, expected] : rows) EXPECT_EQ(HoldsOn("a", formula), expected) << formula;
+    EXPECT_EQ(HoldsOn("abc", "a*&&*c"), 1);
+    EXPECT_EQ(HoldsOn("abc", "!(x*)"), 1);
 }
 
 TEST(TestMatchWithLogExp, TakesNoTimeOrStackForDepth) {
     constexpr int Depth = 100000;
-    const struct {
-        std::string formula;
-        int expected;
-    } rows[] = {
+    const std::pair<std::string, int> rows[] = {
         {Repeat("(", Depth) + "a" + Repeat(")", Depth), 1},
         {Repeat("!(", Depth) + "a" + Repeat(")", Depth), 1},
         {Repeat("a&&(", Depth) + "a" + Repeat(")", Depth), 1},
@@ -179,5 +153,5 @@ TEST(TestMatchWithLogExp, TakesNoTimeOrStackForDepth) {
         {Repeat("a&&", Depth) + "a", 1},
         {Repeat("(", Depth) + "a", 0},
     };
-    for (const auto& row : rows) EXPECT_EQ(Holds(row.formula, "a"), row.expected) << row.formula.substr(0, 20);
+    for (const auto& [formula, expected] : rows) EXPECT_EQ(HoldsOn("a", formula), expected) << formula.substr(0, 20);
 }

@@ -2,7 +2,6 @@
 
 #include "ZELStackTrace.h"
 #include "platform/system.h"
-#include "support/files.h"
 #include "support/programs.h"
 #include "support/test_system.h"
 #include "support/testing.h"

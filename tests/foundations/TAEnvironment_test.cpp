@@ -18,19 +18,16 @@ std::string Written(std::time_t moment, const char* format) {
 }  // namespace
 
 TEST(TAEnvironment, DatesHaveTheirLayouts) {
-    const struct {
-        platform::LocalTime time;
-        const char *day, *shortDate, *sortDate;
-    } rows[] = {
+    const std::tuple<platform::LocalTime, const char*, const char*, const char*> rows[] = {
         {{2024, 3, 5, 7, 8, 9}, "05/03/2024", "03-05.07:08", "2024-03-05-07-08-09"},
         {{1999, 12, 31, 23, 59, 60}, "31/12/1999", "12-31.23:59", "1999-12-31-23-59-60"},
         {{12345, 1, 1, 0, 0, 0}, "01/01/12345", "01-01.00:00", "12345-01-01-00-00-00"},
         {{-2147483647, 10, 10, 10, 10, 10}, "10/10/-2147483647", "10-10.10:10", "-2147483647-10-10-10-10-10"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(FormatDay(row.time), row.day);
-        EXPECT_EQ(FormatShortDate(row.time), row.shortDate);
-        EXPECT_EQ(FormatSortDate(row.time), row.sortDate);
+    for (const auto& [time, day, shortDate, sortDate] : rows) {
+        EXPECT_EQ(FormatDay(time), day);
+        EXPECT_EQ(FormatShortDate(time), shortDate);
+        EXPECT_EQ(FormatSortDate(time), sortDate);
     }
     // Two thousand moments, among them the ends of years and of months.
     for (int step = 0; step < 2000; ++step) {

@@ -1,6 +1,5 @@
 #include "ZELDirectory.h"
 
-#include "support/files.h"
 #include "support/testing.h"
 
 TEST(ZELDirectory, ListsOpensAndClosesAsItsResultsTell) {

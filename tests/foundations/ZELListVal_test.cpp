@@ -50,8 +50,7 @@ struct Tree {
 };
 
 // Every test ends with as many values as it began with.
-class ZELListValTest : public testing::Test {
-protected:
+struct ZELListValTest : testing::Test {
     ~ZELListValTest() override { EXPECT_EQ(Counted::alive, _fresh); }
 
 private:
@@ -65,8 +64,8 @@ static_assert(std::is_nothrow_move_constructible_v<ZELListValZELString>);
 
 TEST_F(ZELListValTest, InsertsAndRemovesByPosition) {
     const int positions[] = {INT_MIN, -1, 0, 1, 2, 3, 4, 5, 6, INT_MAX};
-    for (const int position : positions) {
-        for (const int remove : positions) {
+    for (const int position : positions)
+        for (const int remove : positions)
             for (const unsigned int count : {0u, 1u, 2u, UINT_MAX}) {
                 List list = MakeList(3);
                 std::vector<int> model = {1, 2, 3};
@@ -81,8 +80,6 @@ TEST_F(ZELListValTest, InsertsAndRemovesByPosition) {
                 model.erase(first, last);
                 EXPECT_TRUE(std::equal(list.begin(), list.end(), model.begin(), model.end())) << Text(list);
             }
-        }
-    }
 }
 
 TEST_F(ZELListValTest, DeletesFromTheLastToTheFirst) {
@@ -131,9 +128,7 @@ TEST_F(ZELListValTest, StaysAsItWasWithoutMemory) {
         for (int allocations = 0; result != 0; ++allocations) {
             List list = MakeList(3);
             Counted::allocationsLeft = allocations;
-            testing::internal::CaptureStdout();
-            result = operation(list, other);
-            const std::string printed = testing::internal::GetCapturedStdout();
+            const std::string printed = Printed([&] { result = operation(list, other); });
             Counted::allocationsLeft = INT_MAX;
             EXPECT_TRUE(allocations > 0 || result != 0);
             EXPECT_EQ(printed.rfind("# Alloc failed in ZELListVal", 0), result != 0 ? 0 : std::string::npos);

@@ -41,6 +41,34 @@ void Step(std::mt19937& random, ZELListPtr<int>& list, std::vector<int*>& model)
     }
 }
 
+struct Element {
+    int key, place;
+    auto operator<=>(const Element&) const = default;
+};
+
+// Sorts `count` elements with and without memory for the buffer.
+template <class Key>
+void SortAndCheck(int count, Key key) {
+    std::vector<Element> elements;
+    for (int i = 0; i < count; ++i) elements.push_back({key(i), i});
+    int levels = 1;
+    while ((1 << levels) < count) ++levels;
+    for (const bool buffered : {true, false}) {
+        std::vector<Element*> sorted, buffer(count / 2 + 1);
+        for (Element& element : elements) sorted.push_back(&element);
+        long compared = 0;
+        const auto compare = [&compared](const Element* left, const Element* right) {
+            ++compared;
+            return left->key < right->key ? -1 : left->key > right->key;
+        };
+        ZELMergeSort<Element*, decltype(compare)>(compare, buffered ? buffer.data() : nullptr)
+            .Sort(sorted.data(), count);
+        ASSERT_TRUE(std::ranges::is_sorted(sorted, {}, [](Element* element) { return *element; })) << count;
+        // Runs of twelve are sorted with up to 66 comparisons; without a buffer each level costs a logarithm.
+        EXPECT_LE(compared, (buffered ? 1L : levels) * count * (levels + 6)) << count;
+    }
+}
+
 }  // namespace
 
 TEST(ZELRawColl, DoesWhatAVectorDoes) {
@@ -78,38 +106,6 @@ TEST(ZELRawColl, CapacitiesAreHints) {
         ASSERT_TRUE(moved != integers);
     }
 }
-
-namespace {
-
-struct Element {
-    int key, place;
-    auto operator<=>(const Element&) const = default;
-};
-
-// Sorts `count` elements with and without memory for the buffer.
-template <class Key>
-void SortAndCheck(int count, Key key) {
-    std::vector<Element> elements;
-    for (int i = 0; i < count; ++i) elements.push_back({key(i), i});
-    int levels = 1;
-    while ((1 << levels) < count) ++levels;
-    for (const bool buffered : {true, false}) {
-        std::vector<Element*> sorted, buffer(count / 2 + 1);
-        for (Element& element : elements) sorted.push_back(&element);
-        long compared = 0;
-        const auto compare = [&compared](const Element* left, const Element* right) {
-            ++compared;
-            return left->key < right->key ? -1 : left->key > right->key;
-        };
-        ZELMergeSort<Element*, decltype(compare)>(compare, buffered ? buffer.data() : nullptr)
-            .Sort(sorted.data(), count);
-        ASSERT_TRUE(std::ranges::is_sorted(sorted, {}, [](Element* element) { return *element; })) << count;
-        // Runs of twelve are sorted with up to 66 comparisons; without a buffer each level costs a logarithm.
-        EXPECT_LE(compared, (buffered ? 1L : levels) * count * (levels + 6)) << count;
-    }
-}
-
-}  // namespace
 
 TEST(ZELRawCollSort, IsStableAndNeverQuadratic) {
     std::mt19937 random(2);

@@ -89,11 +89,7 @@ TEST(ZELThreads, AnObjectMayBeDeletedByItsOwnThread) {
 }
 
 TEST(ZELThreads, SlotsStandInTheirOrder) {
-    const std::vector<std::size_t> slots{SlotOf(&Worker::Run),         SlotOf(&Worker::Execute),
-                                         SlotOf(&Worker::SetFunction), SlotOf(&Worker::Join),
-                                         SlotOf(&Worker::End),         SlotOf(&Worker::Kill),
-                                         SlotOf(&Worker::IsRunning),   SlotOf(&Worker::GetStatus),
-                                         SlotOf(&Worker::GetThreadId), SlotOf(&Worker::GetThreadReturnCode),
-                                         SlotOf(&Worker::EmitTrace)};
-    for (std::size_t i = 0; i < slots.size(); ++i) EXPECT_EQ(slots[i], i);
+    ExpectSlots(0, &Worker::Run, &Worker::Execute, &Worker::SetFunction, &Worker::Join, &Worker::End, &Worker::Kill,
+                &Worker::IsRunning, &Worker::GetStatus, &Worker::GetThreadId, &Worker::GetThreadReturnCode,
+                &Worker::EmitTrace);
 }

@@ -6,8 +6,7 @@ TEST(ZELToken, CutsLikeTheModelWhateverTheSeparators) {
     std::mt19937 random(1);
     const char* const separators[] = {";", "\\", ";\\", "", "xyz", ";;;\\:"};
     for (int round = 0; round < 5000; ++round) {
-        std::string rest;
-        for (auto length = random() % 20; length > 0; --length) rest += "ab;\\:x"[random() % 6];
+        std::string rest = RandomText(random, "ab;\\:x", 19);
         ZELToken tokens{ZELUnicodeString(rest.c_str())};
         for (int call = 0; call < 12; ++call) {
             const char* const now = separators[random() % std::size(separators)];

@@ -1,6 +1,5 @@
 #include "ZELTrace.h"
 
-#include "support/files.h"
 #include "support/programs.h"
 #include "support/testing.h"
 

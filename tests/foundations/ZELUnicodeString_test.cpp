@@ -1,7 +1,5 @@
 #include "ZELUnicodeString.h"
 
-#include <cstdio>
-
 #include "support/testing.h"
 #include "support/utf8.h"
 
@@ -100,7 +98,7 @@ TEST(ZELUnicodeString, ReadsNumbersLikeScanf) {
                                  "n 3", "\t\n9", "1234567", "-0x10", "4294967295"};
     const char* const formats[] = {"%d",  "%i",  "%u",   "%x",   "%X",    "%o",  "%3d",
                                    "%4i", " %d", "n=%d", "n %d", "%% %d", "%d%%"};
-    for (const char* const format : formats) {
+    for (const char* const format : formats)
         for (const char* const text : texts) {
             // What is too large for its type is undefined there.
             if (std::strlen(text) >= 10 && (std::strpbrk(format, "xX") || text[0] == '4')) continue;
@@ -110,7 +108,6 @@ TEST(ZELUnicodeString, ReadsNumbersLikeScanf) {
             EXPECT_EQ(ZELUnicodeString(text).ConvertToNum(&found, format), count == 1 ? 1 : 0) << text << format;
             EXPECT_EQ(found, static_cast<int>(expected)) << text << " by " << format;
         }
-    }
 }
 
 TEST(ZELUnicodeString, RefusesFormatsAndClampsNumbers) {
@@ -120,18 +117,15 @@ TEST(ZELUnicodeString, RefusesFormatsAndClampsNumbers) {
         EXPECT_EQ(ZELUnicodeString("5 5").ConvertToNum(&found, format), 0) << (format ? format : "null");
     EXPECT_EQ(ZELUnicodeString("0x").ConvertToNum(&found, "%i") + ZELUnicodeString("5").ConvertToNum(nullptr, "%d"), 0);
     EXPECT_EQ(found, 99);
-    const struct {
-        const char *text, *format;
-        int number;
-    } rows[] = {{"2147483648", "%d", INT_MAX},
-                {"-99999999999999999999999", "%i", INT_MIN},
-                {"-1", "%u", -1},
-                {"99999999999999999999999", "%u", -1},
-                {"FFFFFFFFFFFFF", "%x", -1},
-                {"123", "%99999999999999999999d", 123}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(ZELUnicodeString(row.text).ConvertToNum(&found, row.format), 1);
-        EXPECT_EQ(found, row.number) << row.text;
+    const std::tuple<const char*, const char*, int> rows[] = {{"2147483648", "%d", INT_MAX},
+                                                              {"-99999999999999999999999", "%i", INT_MIN},
+                                                              {"-1", "%u", -1},
+                                                              {"99999999999999999999999", "%u", -1},
+                                                              {"FFFFFFFFFFFFF", "%x", -1},
+                                                              {"123", "%99999999999999999999d", 123}};
+    for (const auto& [text, format, number] : rows) {
+        EXPECT_EQ(ZELUnicodeString(text).ConvertToNum(&found, format), 1);
+        EXPECT_EQ(found, number) << text;
     }
 }
 

@@ -1,7 +1,5 @@
 #include "ZELXMLNode.h"
 
-#include <sstream>
-
 #include "support/testing.h"
 #include "support/utf8.h"
 
@@ -69,14 +67,14 @@ TEST(ZELXMLNode, WritesWhatAParserReadsBack) {
 }
 
 TEST(ZELXMLNode, MakesNamesOfAnything) {
-    const char* const rows[][2] = {{"a-1.b:c_", "a-1.b:c_"},
-                                   {nullptr, "_"},
-                                   {"a b<c>", "a_b_c_"},
-                                   {"\xC3\xA9\xC3\x97", "\xC3\xA9_"},
-                                   {"a\xFF\xC2\xB7", "a_\xC2\xB7"},
-                                   {"\xC2\xB7", "_"},
-                                   {"\xF0\x90\x80\x80", "\xF0\x90\x80\x80"},
-                                   {"\xEF\xBF\xBE", "_"}};
+    const std::pair<const char*, const char*> rows[] = {{"a-1.b:c_", "a-1.b:c_"},
+                                                        {nullptr, "_"},
+                                                        {"a b<c>", "a_b_c_"},
+                                                        {"\xC3\xA9\xC3\x97", "\xC3\xA9_"},
+                                                        {"a\xFF\xC2\xB7", "a_\xC2\xB7"},
+                                                        {"\xC2\xB7", "_"},
+                                                        {"\xF0\x90\x80\x80", "\xF0\x90\x80\x80"},
+                                                        {"\xEF\xBF\xBE", "_"}};
     for (const auto& [text, name] : rows) EXPECT_STREQ(ZELXMLNode(text).GetTag(), name);
 
     std::mt19937 random(1);

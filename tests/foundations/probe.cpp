@@ -79,9 +79,5 @@ int main(int count, char** arguments) {
         TAUUIDGenerator generator;
         for (long left = std::strtol(arguments[2], nullptr, 10); left > 0; --left) std::puts(generator.Get());
     }
-    if (verb == "env") {
-        const char* const value = std::getenv(arguments[2]);
-        std::printf(value != nullptr ? "[%s]\n" : "unset\n", value);
-    }
     return 0;
 }

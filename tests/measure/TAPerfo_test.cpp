@@ -1,7 +1,5 @@
 #include "TAPerfo.h"
 
-#include <sstream>
-
 #include "measure/amount_text.h"
 #include "measure/whole_seconds.h"
 #include "support/slots.h"
@@ -10,8 +8,7 @@
 namespace {
 
 // The time stands still, and tests move it.
-class Counters : public testing::Test {
-protected:
+struct Counters : testing::Test {
     void SetUp() override { Pass(0); }
     void TearDown() override { HoldTime(-1); }
     void Pass(std::int64_t seconds) { HoldTime(_now += seconds); }
@@ -216,7 +213,6 @@ static const bool wasEntered = TAPerfo::globalList.Size() > 0;
 
 TEST(Counter, ServesStaticsAndOldPrograms) {
     EXPECT_TRUE(wasEntered && TAPerfo::globalList[1] == &early);
-    EXPECT_TRUE(SlotOf(&TAPerfo::Reset) == 0 && SlotOf(&TAPerfo::Count) == 1);
-    EXPECT_EQ(SlotOf(static_cast<void (TAPerfo::*)(std::ostream&)>(&TAPerfo::Report)), 2U);
-    EXPECT_EQ(SlotOf(static_cast<ZELString (TAPerfo::*)()>(&TAPerfo::Report)), 3U);
+    ExpectSlots(0, &TAPerfo::Reset, &TAPerfo::Count, static_cast<void (TAPerfo::*)(std::ostream&)>(&TAPerfo::Report),
+                static_cast<ZELString (TAPerfo::*)()>(&TAPerfo::Report));
 }

@@ -1,8 +1,6 @@
 #include "TAUUIDGenerator.h"
 
 #include <ctime>
-#include <set>
-#include <sstream>
 
 #include "support/programs.h"
 #include "support/test_system.h"
@@ -20,8 +18,7 @@ struct Opened : TAUUIDGenerator {
 };
 
 // Each test begins like a process of its own.
-class Identifiers : public testing::Test {
-protected:
+struct Identifiers : testing::Test {
     void SetUp() override { Opened::init_done = 0; }
 };
 
@@ -59,20 +56,15 @@ Fields Expected(std::int64_t seconds) {
 
 TEST_F(Identifiers, EncodesTimeMachineProcessAndCount) {
     const std::int64_t before = std::time(nullptr);
-    Fields drawn = Drawn();
+    const Fields drawn = Drawn();
     const std::int64_t after = Opened::GetTime();
     EXPECT_TRUE(drawn.seconds >= before && drawn.seconds <= after) << drawn.seconds;
     EXPECT_EQ(Opened::machine_ident, Opened::GetMachineIdent());
     EXPECT_NE(Opened::process_ident, 0);
     EXPECT_EQ(Opened::GetProcessIdent(), Opened::process_ident);
-    for (const short count : {-32768, -2, -1, 0, 1000, 32767}) {
-        Opened::counter = count;
-        const Fields expected = Expected(0);
-        drawn = Drawn();
-        drawn.seconds = 0;
-        EXPECT_EQ(drawn, expected) << count;
-        EXPECT_EQ(Opened::counter, static_cast<short>(count + 1));
-    }
+    Opened::counter = 32767;
+    EXPECT_EQ(Drawn().count, 32767);
+    EXPECT_EQ(Opened::counter, -32768);
 }
 
 TEST_F(Identifiers, FollowsItsMembers) {

@@ -1,9 +1,6 @@
 #include "platform/file_copy.h"
 
-#include <atomic>
-
 #include "platform/files.h"
-#include "support/files.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 
@@ -18,8 +15,7 @@ std::string Pattern(std::size_t size) {
 }
 
 // A folder with a source, in which no temporary file may be left.
-class FileCopy : public testing::Test {
-protected:
+struct FileCopy : testing::Test {
     FileCopy() { WriteBytes(source, "new contents"); }
     ~FileCopy() {
         for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
@@ -104,11 +100,7 @@ TEST_F(FileCopy, ATargetThatIsALinkStaysOne) {
 
 TEST_F(FileCopy, FailuresAreToldApartAndLeaveNothing) {
     std::filesystem::create_directory(folder / "sub");
-    struct Row {
-        std::string from, to;
-        ZELCopyStatus expected;
-    };
-    std::vector<Row> rows = {
+    std::vector<std::tuple<std::string, std::string, ZELCopyStatus>> rows = {
         {"", target, ZELCopyNullArgument},
         {source, "", ZELCopyNullArgument},
         {folder / "missing", target, ZELCopySourceUnreadable},
@@ -129,7 +121,7 @@ TEST_F(FileCopy, FailuresAreToldApartAndLeaveNothing) {
         rows.push_back({folder / "pipe", target, ZELCopySourceNotRegular});
         rows.push_back({source, folder / "pipe", ZELCopyTargetUnwritable});
     }
-    for (const Row& row : rows) EXPECT_EQ(Copy(row.from, row.to), row.expected) << row.from << " -> " << row.to;
+    for (const auto& [from, to, expected] : rows) EXPECT_EQ(Copy(from, to), expected) << from << " -> " << to;
     EXPECT_EQ(platform::CopyWholeFile(nullptr, "x", true), ZELCopyNullArgument);
     EXPECT_EQ(platform::CopyWholeFile("x", nullptr, true), ZELCopyNullArgument);
     EXPECT_FALSE(std::filesystem::exists(target));
@@ -171,16 +163,13 @@ TEST_F(FileCopy, ReadersAlwaysSeeOneWholeTarget) {
     EXPECT_GT(done, 0);
 }
 
-TEST_F(FileCopy, StreamsAppendOrEmptyAndReportFailure) {
+TEST_F(FileCopy, StreamsAppendOrEmptyAndAreUnbuffered) {
     for (const char* const expected : {"ab", "abab", "ab"}) {
-        const bool append = std::strlen(expected) > 2;
-        std::FILE* const stream = platform::OpenTextForWriting(target.c_str(), append);
+        std::FILE* const stream = platform::OpenTextForWriting(target.c_str(), std::strlen(expected) > 2);
         ASSERT_NE(stream, nullptr);
         std::fputs("ab", stream);
-        EXPECT_EQ(ReadBytes(target), expected);  // unbuffered
+        EXPECT_EQ(ReadBytes(target), expected);
         std::fclose(stream);
     }
-    for (const std::string& refused : {folder / "missing/x", folder.Path()})
-        EXPECT_EQ(platform::OpenTextForWriting(refused.c_str(), true), nullptr);
     EXPECT_EQ(platform::OpenTextForWriting(nullptr, true), nullptr);
 }

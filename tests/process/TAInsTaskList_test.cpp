@@ -1,7 +1,5 @@
 #include "TAInsTaskList.h"
 
-#include <filesystem>
-
 #include "process/processes.h"
 
 namespace fs = std::filesystem;
@@ -44,9 +42,7 @@ TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
     tasks.TAInsGetListTask(&names, &count);
     const std::string found = std::string("   ") + names[0] + "\n   " + names[1] + "\n";
     const auto killed = [&](unsigned char listOnly) {
-        testing::internal::CaptureStdout();
-        KillProcessInConcat((directory + ";nothing").c_str(), listOnly);
-        return WithoutReturns(testing::internal::GetCapturedStdout());
+        return Printed([&] { KillProcessInConcat((directory + ";nothing").c_str(), listOnly); });
     };
     EXPECT_EQ(killed(1), "   Looking for processes running in directory " + directory +
                              "\n   Processes listed below will be killed:\n" + found +
@@ -55,12 +51,11 @@ TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
     EXPECT_TRUE(IsRunning(tool.GetprocessID()));
     EXPECT_NE(killed(0).find(found), std::string::npos);
     tasks.TAInsKillTask();  // nobody is left
-    int exitCode = -1;
-    EXPECT_TRUE(tool.Wait(exitCode) == 0 && exitCode == 0);
-    EXPECT_TRUE(other.Wait(exitCode) == 0 && exitCode == 0);
+    EXPECT_EQ(CodeOf(tool), 0);
+    EXPECT_EQ(CodeOf(other), 0);
     if (extension.empty()) {
         EXPECT_TRUE(IsRunning(stranger.GetprocessID()));
         stranger.Kill();
-        stranger.Wait(exitCode);
+        EXPECT_EQ(CodeOf(stranger), 99);
     }
 }

@@ -1,8 +1,5 @@
 #include "TAMutex.h"
 
-#include <filesystem>
-
-#include "support/files.h"
 #include "support/programs.h"
 #include "support/slots.h"
 #include "support/test_system.h"
@@ -140,6 +137,5 @@ TEST(TAMutex, FilesThatAreLeftOverOrForeignNeitherHangNorAdmitTwo) {
 }
 
 TEST(TAMutex, SlotsStandInTheirOrder) {
-    EXPECT_EQ(SlotOf(&TAMutex::Lock), 2u);  // behind the two of the destructor
-    EXPECT_EQ(SlotOf(&TAMutex::Unlock), 3u);
+    ExpectSlots(2, &TAMutex::Lock, &TAMutex::Unlock);  // behind the two of the destructor
 }

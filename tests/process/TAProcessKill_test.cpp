@@ -1,7 +1,6 @@
 #include "TAProcessKill.h"
 
 #include <ctime>
-#include <filesystem>
 
 #include "platform/process_kill.h"
 #include "process/process_tree.h"
@@ -96,29 +95,27 @@ TEST(Kill, SparesWhoGotTheNumberLater) {
     TAProcess found(pid);
     EXPECT_TRUE(IsRunning(pid) && found.Kill() == 0);
     int status = 0;
-    EXPECT_TRUE(process.Wait(status) == 0 && status == 99);
+    EXPECT_EQ(CodeOf(process), 99);
     EXPECT_EQ(found.Kill() + process.Check(status), 2);
     EXPECT_EQ(found.KillTree(), 1);
 }
 
 TEST(Kill, AsksPolitelyAndThenForces) {
     const TemporaryFolder folder;
-    const struct {
-        const char* verb;
-        int code;
-        std::chrono::seconds least;
-    } rows[] = {{"polite 60000", CanAskPrograms() ? 7 : 999, std::chrono::seconds(0)},
-                {"stubborn 60000", 999, std::chrono::seconds(CanAskPrograms() ? 5 : 0)}};
-    for (const auto& row : rows) {
+    using std::chrono::seconds;
+    const std::tuple<const char*, int, seconds> rows[] = {
+        {"polite 60000", CanAskPrograms() ? 7 : 999, seconds(0)},
+        {"stubborn 60000", 999, seconds(CanAskPrograms() ? 5 : 0)},
+    };
+    for (const auto& [verb, code, least] : rows) {
         TAProcess process;
-        StartAndRead(process, ChildCommand(row.verb), folder / "out", 1);
+        StartAndRead(process, ChildCommand(verb), folder / "out", 1);
         const auto begin = std::chrono::steady_clock::now();
         EXPECT_EQ(KillBaseProcessTree(static_cast<unsigned long>(process.GetprocessID()), 0), 0);
         const auto taken = std::chrono::steady_clock::now() - begin;
-        EXPECT_TRUE(taken >= row.least && taken < row.least + std::chrono::seconds(5))
-            << row.verb << ' ' << std::chrono::duration<double>(taken).count();
-        int status = 0;
-        EXPECT_TRUE(process.Wait(status) == 0 && status == row.code) << row.verb << ' ' << status;
+        EXPECT_TRUE(taken >= least && taken < least + seconds(5))
+            << verb << std::chrono::duration<double>(taken).count();
+        EXPECT_EQ(CodeOf(process), code) << verb;
     }
 }
 

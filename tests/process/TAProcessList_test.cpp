@@ -102,14 +102,12 @@ TEST(TAProcessList, WhatCannotStartIsDoneButNeverCut) {
     batch.SetDebugMode();
     batch.Start("no_such_tool 1", 0, -1);
     batch.Start(ChildCommand("exit 4"), 0, -1);
-    testing::internal::CaptureStdout();
-    const std::vector<int> cut = Finish(batch);
-    const std::string said = testing::internal::GetCapturedStdout();
+    std::vector<int> cut;
+    const std::string said = Printed([&] { cut = Finish(batch); });
     EXPECT_EQ(cut, std::vector<int>{2});
     EXPECT_TRUE(batch.GetStatus(1) == 2 && batch.GetReturnCode(1) == 203 && batch.GetReturnCode(2) == 4);
-    EXPECT_NE(said.find("   ERROR launching no_such_tool 1: "), std::string::npos) << said;
-    EXPECT_NE(said.find("   RUNNING COMMANDS: \"" + std::string(ChildCommand("exit 4")) + "\"; "), std::string::npos)
-        << said;
+    EXPECT_TRUE(Holds(said, "   ERROR launching no_such_tool 1: ")) << said;
+    EXPECT_TRUE(Holds(said, "   RUNNING COMMANDS: \"" + std::string(ChildCommand("exit 4")) + "\"; ")) << said;
 }
 
 TEST(TAProcessList, KillingEndsWhatRuns) {

@@ -1,8 +1,5 @@
 #include "TAThreadLock.h"
 
-#include <atomic>
-#include <memory>
-
 #include "support/gate.h"
 #include "support/slots.h"
 #include "support/testing.h"
@@ -69,8 +66,8 @@ TEST(TAThreadLock, TheFirstCopyToEndLetsTheOthersThrough) {
 }
 
 TEST(TAThreadLock, SlotsStandInTheirOrder) {
-    EXPECT_EQ(SlotOf(&TAThreadLock::GetLock), 0u);
-    EXPECT_EQ(SlotOf(&TAThreadLongLock::ReleaseLock), 1u);
-    EXPECT_EQ(SlotOf(&TAThreadRWLock::GetWriteLock), 4u);  // behind the two of the destructor
-    EXPECT_EQ(SlotOf(&TAThreadRWLock::ReleaseWriteLock), 5u);
+    ExpectSlots(0, &TAThreadLock::GetLock, &TAThreadLock::ReleaseLock);
+    ExpectSlots(0, &TAThreadLongLock::GetLock, &TAThreadLongLock::ReleaseLock);
+    // Behind the two of the destructor.
+    ExpectSlots(4, &TAThreadRWLock::GetWriteLock, &TAThreadRWLock::ReleaseWriteLock);
 }

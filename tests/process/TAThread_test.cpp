@@ -1,8 +1,5 @@
 #include "TAThread.h"
 
-#include <atomic>
-#include <memory>
-
 #include "support/gate.h"
 #include "support/programs.h"
 #include "support/slots.h"

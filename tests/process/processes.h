@@ -3,13 +3,10 @@
 #define TESTS_PROCESS_PROCESSES_H
 
 #include <chrono>
-#include <set>
-#include <sstream>
 
 #include "TAProcess.h"
 #include "TAProcessKill.h"
 #include "platform/process_table.h"
-#include "support/files.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 
@@ -17,9 +14,14 @@ inline ZELString ChildCommand(const std::string& verb, const std::string& progra
     return ('"' + ProgramPath(program) + "\" " + verb).c_str();
 }
 
-inline int RunToEnd(TAProcess& process, const ZELString& command) {
+// The exit code that Wait gives, -1 when it fails.
+inline int CodeOf(TAProcess& process) {
     int exitCode = -1;
-    return process.Start(command, 0) == 0 && process.Wait(exitCode) == 0 ? exitCode : -1;
+    return process.Wait(exitCode) == 0 ? exitCode : -1;
+}
+
+inline int RunToEnd(TAProcess& process, const ZELString& command) {
+    return process.Start(command, 0) == 0 ? CodeOf(process) : -1;
 }
 
 inline bool IsRunning(int pid) {

@@ -1,11 +1,7 @@
 // Matching against a slow model, on small texts completely and on long ones at random; and on what is meant to hurt.
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-#include <vector>
 
 #include "TAUnicodeRegularExpression.h"
+#include "support/testing.h"
 
 namespace {
 
@@ -191,12 +187,6 @@ std::u32string RandomMatch(std::mt19937& random, const Elements& elements) {
     return text;
 }
 
-std::string Repeat(const std::string& text, int count) {
-    std::string repeated;
-    for (int i = 0; i < count; ++i) repeated += text;
-    return repeated;
-}
-
 }  // namespace
 
 TEST(FilterMatch, DecidesWhatTryingEveryWayWould) {
@@ -230,11 +220,7 @@ TEST(FilterMatch, CarriesPositionsThroughLongTexts) {
 TEST(FilterMatch, BearsWhatIsMeantToHurt) {
     constexpr int Size = 1 << 20;
     const std::string many(Size, 'a');
-    const struct {
-        std::string filter;
-        std::string candidate;
-        int expected;
-    } rows[] = {
+    const std::tuple<std::string, std::string, int> rows[] = {
         {Repeat("[a-z]*", 32) + "1", std::string(1000, 'a'), 0},
         {Repeat("[a-z]*", 32) + "1", std::string(1000, 'a') + "1", 1},
         {Repeat("[a-z]*", 32) + "1*", many, 0},
@@ -251,9 +237,9 @@ TEST(FilterMatch, BearsWhatIsMeantToHurt) {
         {Repeat("[a]", 1000) + "*", many, 1},
         {Repeat("*.", 1000), many, 1},
     };
-    for (const auto& row : rows) {
+    for (const auto& [text, candidate, expected] : rows) {
         TAUnicodeRegularExpression filter;
-        ASSERT_EQ(filter.SetFilter(row.filter.c_str(), URE_NotMemoised), 0);
-        EXPECT_EQ(filter.CheckFromFilter(row.candidate.c_str()), row.expected) << row.filter.substr(0, 40);
+        ASSERT_EQ(filter.SetFilter(text.c_str(), URE_NotMemoised), 0);
+        EXPECT_EQ(filter.CheckFromFilter(candidate.c_str()), expected) << text.substr(0, 40);
     }
 }

@@ -1,21 +1,13 @@
 // What filters mean, what is refused, how they are compiled, and what they remember.
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "TAUnicodeRegularExpression.h"
 #include "foundations/allocation.h"
-#include "support/files.h"
+#include "support/testing.h"
 
 class FilterInspector {
 public:
     static std::string Print(const TAUnicodeRegularExpression& filter) {
-        testing::internal::CaptureStdout();
-        filter._print();
-        return WithoutReturns(testing::internal::GetCapturedStdout());
+        return Printed([&] { filter._print(); });
     }
 };
 
@@ -30,11 +22,8 @@ int Match(const char* text, const ZELUnicodeString& candidate) {
 }  // namespace
 
 TEST(FilterSyntax, MeansWhatTheDocumentTells) {
-    const struct {
-        const char* filter;
-        std::vector<const char*> matches;
-        std::vector<const char*> fails;
-    } rows[] = {
+    // Filters, what they match, and what they do not.
+    const std::tuple<const char*, std::vector<const char*>, std::vector<const char*>> rows[] = {
         // The table of docs/filters.md.
         {"*.txt", {"x.txt", "xtxt", ".txt"}, {"txt", "x.txt2"}},
         {"a*", {"a", "abc"}, {"ba", ""}},
@@ -78,11 +67,9 @@ TEST(FilterSyntax, MeansWhatTheDocumentTells) {
         {"[a]**b", {"b", "aab", "aaxb"}, {"a"}},
         {"a\\*", {"a\\", "a\\b"}, {"a*"}},
     };
-    for (const auto& row : rows) {
-        for (const char* candidate : row.matches)
-            EXPECT_EQ(Match(row.filter, candidate), 1) << row.filter << " on " << candidate;
-        for (const char* candidate : row.fails)
-            EXPECT_EQ(Match(row.filter, candidate), 0) << row.filter << " on " << candidate;
+    for (const auto& [filter, matches, fails] : rows) {
+        for (const char* text : matches) EXPECT_EQ(Match(filter, text), 1) << filter << " on " << text;
+        for (const char* text : fails) EXPECT_EQ(Match(filter, text), 0) << filter << " on " << text;
     }
 }
 
@@ -100,10 +87,7 @@ TEST(FilterSyntax, RefusesUnknownClassesAndBadCounts) {
 }
 
 TEST(FilterSyntax, AsksTheClassesAndRangesOfEveryCharacter) {
-    const struct {
-        const char* name;
-        int (ZELUnicodeChar::*holds)() const noexcept;
-    } rows[] = {
+    const std::pair<const char*, int (ZELUnicodeChar::*)() const noexcept> rows[] = {
         {"alnum", &ZELUnicodeChar::IsAlnum}, {"alpha", &ZELUnicodeChar::IsAlpha}, {"cntrl", &ZELUnicodeChar::IsCntrl},
         {"digit", &ZELUnicodeChar::IsDigit}, {"graph", &ZELUnicodeChar::IsGraph}, {"lower", &ZELUnicodeChar::IsLower},
         {"print", &ZELUnicodeChar::IsPrint}, {"punct", &ZELUnicodeChar::IsPunct}, {"space", &ZELUnicodeChar::IsSpace},
@@ -123,8 +107,7 @@ TEST(FilterSyntax, AsksTheClassesAndRangesOfEveryCharacter) {
         }
     };
     for (const auto& row : rows)
-        expectEverywhere(ZELUnicodeString(":") + row.name + ":",
-                         [&](ZELUnicodeChar c) { return (c.*row.holds)() != 0; });
+        expectEverywhere(ZELUnicodeString(":") + row.first + ":", [&](auto c) { return (c.*row.second)() != 0; });
     std::mt19937 random(3);
     for (int round = 0; round < 300; ++round) {
         const ZELUnicodeChar first(static_cast<char32_t>('a' + random() % (round % 2 ? 0x20 : 0x140)));
@@ -188,8 +171,8 @@ TEST(FilterMemory, GivesTheSameAnswersAgain) {
         {U"a" + many, 1},
         {U"a" + many + U"b", 0},
     };
-    std::string text = "a[\xEF\xBF\xBD\xC3\xA4]*";
-    for (int i = 0; i < 40; ++i) text += "[x]*";  // nothing is remembered of simple filters
+    // Nothing is remembered of simple filters.
+    const std::string text = "a[\xEF\xBF\xBD\xC3\xA4]*" + Repeat("[x]*", 40);
     TAUnicodeRegularExpression filter;
     for (const char* other : {"b", "", "[:foo:]", "*", "\xC3"}) {
         EXPECT_EQ(filter.SetFilter(text.c_str(), URE_Memoised), 0);
@@ -223,12 +206,8 @@ TEST(FilterMemory, LetsANullFilterBecomeAStar) {
 
 TEST(FilterMemory, BearsThatAnyAllocationFails) {
     // Needs every kind of memory: many records, borders, bits for many positions, maps, keys longer than a buffer.
-    std::string text = "*b[a]*a[a]*[a]*[a]*aaaaaaaaaaaaaaaaaaaaaaaa*";
-    for (int i = 0; i < 40; ++i) text += "[b-c].*";
-    std::string candidate;
-    for (int i = 0; i < 1500; ++i) candidate += "baa";
-    candidate += std::string(30, 'a');
-    for (int i = 0; i < 40; ++i) candidate += "bx";
+    const std::string text = "*b[a]*a[a]*[a]*[a]*aaaaaaaaaaaaaaaaaaaaaaaa*" + Repeat("[b-c].*", 40);
+    const std::string candidate = Repeat("baa", 1500) + std::string(30, 'a') + Repeat("bx", 40);
     int failures = 0;
     for (bool isDue = false; !isDue; ++failures) {
         TAUnicodeRegularExpression filter;

@@ -8,6 +8,9 @@
 #include <random>
 #include <string>
 
+// Whether this is the target with drives, backslashes, and text files whose lines end in "\r\n".
+inline const bool onWindows = std::filesystem::path::preferred_separator == '\\';
+
 inline std::string ReadBytes(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

@@ -63,8 +63,7 @@ bool MakeNamedPipe(const std::string& path) {
 }
 
 bool StaysLoaded(const std::string& name, const char* function, const std::function<void*(void*)>& use) {
-    const auto path = std::filesystem::read_symlink("/proc/self/exe").parent_path() / (name + ".so");
-    void* const library = dlopen(path.c_str(), RTLD_NOW);
+    void* const library = dlopen((ProgramPath(name) + ".so").c_str(), RTLD_NOW);
     const void* const code = use(dlsym(library, function));
     dlclose(library);
     Dl_info found;

@@ -1,4 +1,4 @@
-// Command lines as the C runtime of the started program takes them apart.
+// The programs of a test, and the texts that start them.
 #ifndef TESTS_SUPPORT_WINDOWS_COMMAND_LINE_H
 #define TESTS_SUPPORT_WINDOWS_COMMAND_LINE_H
 
@@ -6,17 +6,7 @@
 
 #include <string>
 
-inline std::string Quoted(const std::string& argument) {
-    std::string quoted = "\"";
-    std::size_t backslashes = 0;
-    for (const char c : argument) {
-        // Backslashes count twice in front of a quote, which needs one of its own.
-        if (c == '"') quoted.append(backslashes + 1, '\\');
-        backslashes = c == '\\' ? backslashes + 1 : 0;
-        quoted += c;
-    }
-    return quoted.append(backslashes, '\\') + '"';
-}
+#include "support/quoted.h"
 
 // Ends with a separator.
 inline std::string FolderOfThisProgram() {
