@@ -14,10 +14,6 @@ struct ReportRun : testing::Test {
     const std::string report = folder / "report", record = folder / "record", scan = folder / "scan";
 };
 
-bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 // The lines of one kind, without its name.
 std::string LinesOf(const std::string& path, const std::string& kind) {
     std::istringstream lines(WithoutReturns(ReadBytes(path)));
