@@ -48,12 +48,13 @@ bool TakeLogs(Run& run, const TAFileName& directory) {
             const Place log = LookBehind(command.log);
             if (log.kind != Place::Kind::File || log.size == 0) continue;
             const ZELString link = folder + "/" + toString(command.line) + ".log";
-            const bool wasCopied =
-                (directory + folder).CreateRecursiveDirectory() == 0 && CopyFileW(command.log, directory + link) == 0;
-            if (wasCopied) command.link = link;
-            if (!wasCopied) TraceErr(ZELString("cannot copy ") + command.log);
-            wereAllCopied = wereAllCopied && wasCopied;
-            copied.Count(static_cast<int>(log.size));
+            if ((directory + folder).CreateRecursiveDirectory() == 0 && CopyFileW(command.log, directory + link) == 0) {
+                command.link = link;
+                copied.Count(static_cast<int>(log.size));
+            } else {
+                wereAllCopied = false;
+                TraceErr(ZELString("cannot copy ") + command.log);
+            }
         }
     }
     run.counters.Append(copied.Report());

@@ -36,7 +36,7 @@ bool IsDevice(std::string_view part) {
 
 const char* PartProblem(std::string_view part) {
     if (part.empty()) return "begins or ends with a separator, or has an empty part";
-    if (part == "." || part == "..") return "has the part . or ..";
+    if (part == "." || part == "..") return "leads through . or ..";
     if (part.size() > LongestPart) return "has a part of more than 255 bytes";
     if (part.ends_with('.') || part.ends_with(' ')) return "has a part that ends with a dot or a blank";
     return IsDevice(part) ? "has a part that is the name of a device" : "";

@@ -4,8 +4,8 @@
 #include "serve.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <string_view>
 #include <thread>
 
@@ -16,6 +16,7 @@
 #include "inbox.h"
 #include "names.h"
 #include "support/interruption.h"
+#include "support/numbers.h"
 #include "support/progress.h"
 
 namespace {
@@ -69,12 +70,11 @@ private:
 
     // `text` is the size, a blank and the name.
     bool TakeFile(std::string_view text) {
-        const ZELString digits(text.substr(0, text.find(' ')));
-        char* end = nullptr;
-        const long long size = std::strtoll(digits, &end, 10);
-        if (digits.Length() == 0 || *end != '\0' || size < 0 || digits.View().size() == text.size())
+        const std::size_t blank = text.find(' ');
+        long long size = 0;
+        if (blank == text.npos || !ReadNumber(text.substr(0, blank), 0LL, std::numeric_limits<long long>::max(), size))
             return HangUp("a request without a size");
-        const std::string_view name = text.substr(digits.View().size() + 1);
+        const std::string_view name = text.substr(blank + 1);
 
         Arrival arrival;
         ZELString path;

@@ -297,7 +297,7 @@ TEST(Courier, TellsWhenItCannotWrite) {
     const ProgramResult result = server.Take({server.folder / "file"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_TRUE(Holds(result.out, "not sent file: it cannot be written: ")) << result.out;
-    if (onWindows) return;
+    if (onWindows) return;  // no limit of file sizes there
     // As on a full disk: no file may grow beyond 100 blocks.
     const std::string log = server.folder / "log of the full";
     WriteBytes(server.folder / "full", "trap '' XFSZ\nulimit -f 100\nexec '" + ProgramPath("courier") + "' serve '" +
