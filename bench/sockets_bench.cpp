@@ -25,7 +25,7 @@
 
 namespace {
 
-constexpr std::size_t FileSize = std::size_t{256} << 20;
+constexpr std::size_t FileSize = std::size_t{1} << 30;
 const char* const source = "/dev/shm/zel_bench_source";
 const char* const target = "/dev/shm/zel_bench_target";
 const char* const nowhere = "/dev/null";
@@ -216,7 +216,7 @@ void Register(const std::string& name, Run run) {
 
 void RegisterTransfers(const std::string& operation, const char* path) {
     const auto add = [&](const char* contender, auto run) {
-        Register(operation + '/' + contender + "/256MiB", [=](benchmark::State& state) { run(state, path); });
+        Register(operation + '/' + contender + "/1GiB", [=](benchmark::State& state) { run(state, path); });
     };
     add("ours", OurTransfer);
     add("sendfile", [](auto& state, auto to) { RawTransfer<SendBySendfile>(state, to, 256 << 10); });

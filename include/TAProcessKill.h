@@ -41,7 +41,8 @@ ZEL_API int CloseOrKillPid(unsigned long pid) noexcept;
 ZEL_API int KillBaseProcess(unsigned long pid, const int& forceOnly) noexcept;
 
 // Ends a process and its descendants, parents before children, politely unless `forceOnly` is not 0. 0 when every kill
-// succeeded, 1 when one did not or there is no such process, -1 when `pid` is 0.
+// succeeded, 1 when one did not or there is no such process, -1 when `pid` is 0. By force, a descendant that ended by
+// itself before its turn counts as killed.
 ZEL_API int KillBaseProcessTree(unsigned long pid, const int& forceOnly) noexcept;
 
 // Switches one privilege, named in UTF-16, of an open access token on or off: 1 on success. The token stays the

@@ -90,9 +90,7 @@ private:
     void KillWaiting() noexcept {
         while (_next < _waiting.Size()) Kill(_waiting[_next++]);
     }
-    void Kill(const ProcessEntry& entry) noexcept {
-        if (End(entry.self, _forceOnly)) ++_killed;
-    }
+    void Kill(const ProcessEntry& entry) noexcept;
 
     const bool _forceOnly;
     const int _caller = platform::GetOwnProcessId();
@@ -102,6 +100,14 @@ private:
     int _killed = 0;
     ProcessEntry::Activity _activity = ProcessEntry::IsStopped;  // of the busiest that is held, at the latest look
 };
+
+// Who is killed as soon as he comes to sight may be in the midst of his own start, and end by himself since his parent
+// was killed: by force, a descendant that is gone counts as killed.
+void ProcessTree::Kill(const ProcessEntry& entry) noexcept {
+    const bool isKilled = End(entry.self, _forceOnly);
+    const bool isRoot = entry.self.pid == _members[0].self.pid;
+    if (isKilled || (_forceOnly && !isRoot && platform::AwaitProcessEnd(entry.self, 0))) ++_killed;
+}
 
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
     if (!_members.Append(entry) || entry.self.pid == _caller) return;

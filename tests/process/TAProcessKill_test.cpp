@@ -7,6 +7,8 @@
 #include "process/processes.h"
 #include "support/programs.h"
 
+using platform::ProcessEntry;
+
 namespace {
 
 std::set<int> Numbers(const ZELListValZELString& list) {
@@ -66,23 +68,31 @@ TEST(Kill, EndsATreeThatKeepsGrowing) {
     ASSERT_EQ(process.Start(ChildCommand("breed 2"), 0), 0);
     ZELListValZELString list;
     while (list.Size() < 6) process.GetProcessTree(list);
+    ProcessEntries tree;
+    for (const int pid : Numbers(list)) {
+        ProcessEntry entry;
+        if (platform::ReadProcess(pid, entry)) tree.Append(entry);
+    }
     EXPECT_EQ(process.KillTree(), 0);
-    for (const int pid : Numbers(list)) EXPECT_FALSE(IsRunning(pid));
+    for (const ProcessEntry& entry : tree) EXPECT_TRUE(platform::AwaitProcessEnd(entry.self, 0));
     int status = 0;
     EXPECT_TRUE(process.Check(status) == 1 && status == 999);
-    // Nobody was started unseen: somebody would go on breeding.
+    // Nobody was started unseen: somebody would go on breeding. (A parent that runs is another test's, with a number
+    // that was given again.)
     ProcessEntries all;
     EXPECT_TRUE(ListProcesses(all));
-    int breeding = 0;
-    for (const platform::ProcessEntry& entry : all) breeding += Numbers(list).count(entry.parent) != 0 ? 1 : 0;
-    EXPECT_EQ(breeding, 0);
+    const std::set<int> killed = Numbers(list);
+    const auto isLeft = [&](const ProcessEntry& entry) {
+        return killed.count(entry.parent) != 0 && !IsRunning(entry.parent);
+    };
+    EXPECT_EQ(std::count_if(all.begin(), all.end(), isLeft), 0);
 }
 
 TEST(Kill, SparesWhoGotTheNumberLater) {
     TAProcess process;
     ASSERT_EQ(process.Start(ChildCommand("sleep 60000"), 0), 0);
     int pid = process.GetprocessID();
-    platform::ProcessEntry entry;
+    ProcessEntry entry;
     ASSERT_TRUE(platform::ReadProcess(pid, entry));
     EXPECT_EQ(entry.parent, TAProcess::Getpid());
     for (const std::int64_t born : {entry.self.born - 1, entry.self.born + 1}) {
