@@ -5,6 +5,7 @@
 //             if (strcmp(event->GetEventName(), "EventBufferDeletion") == 0) Forget(publisher);
 //         }
 //     };
+//     Loader loader;
 //     buffer.AddSubscriber(&loader);
 //
 // Neither class locks: who publishes and subscribes from several threads brings a lock. Subscribers belong to their

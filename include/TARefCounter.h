@@ -1,6 +1,6 @@
 // An intrusive reference count: the object deletes itself when its last reference goes.
 //
-//     class Picture : public TARefCounter { ... };
+//     class Picture : public TARefCounter {};
 //     Picture* const picture = new Picture;  // the creator holds the first reference
 //     picture->AddRef();                     // and somebody else one more
 //     picture->Release();

@@ -2,9 +2,10 @@
 //
 //     void Compile(int count, const char** files) { for (int i = 0; i < count; ++i) CompileOne(files[i]); }
 //
+//     char first[] = "scan.cpp", second[] = "report.cpp";
 //     TAThread worker;
 //     worker.SetArgs(Compile, first, second, nullptr);
-//     if (worker.Start() != 0) Compile(2, files);  // the system gives no thread
+//     if (worker.Start() != 0) TraceErr("the system gives no thread");
 //     TAThread::WaitForAll();
 //
 // For work that needs an object and a body of its own use ZELThreads; where nobody waits for all, std::thread does.

@@ -3,7 +3,8 @@
 //     ZELFilePrepro source("main.cpp");
 //     char* words = nullptr;
 //     if (source.preprocess(ZELFilePrepro::REMOVE_SLCOMMENTS | ZELFilePrepro::REMOVE_MLCOMMENTS, words) != 1)
-//     Scan(words); free(words);
+//         Scan(words);
+//     free(words);
 //
 // For languages that look like C, to scan text for words without being misled by comments and strings. It strips and
 // does not interpret: directives are not followed, and digraphs, raw strings, digit separators and backslashes at the

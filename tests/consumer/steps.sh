@@ -15,6 +15,17 @@ consume_by_cmake() { # LIBRARY BUILD
     expect env RkrkROOT_PATH="$1/share/ZELToolsInfrastructure" "$2/consumer"
 }
 
+consume_as_readme_says() { # LIBRARY PROJECT: with the program and the lines of CMake that README.md shows
+    mkdir -p "$2"
+    sed -n '/^```cmake$/,/^```$/{/^```/!p}' README.md >"$2/CMakeLists.txt"
+    sed -n '/^```cpp$/,/^```$/{/^```/!p}' README.md >"$2/main.cpp"
+    cmake -S "$2" -B "$2/build" -G Ninja -DCMAKE_PREFIX_PATH="$1"
+    cmake --build "$2/build"
+    echo "+ $2/build/tool"
+    "$2/build/tool" | tee "$2/output"
+    grep -qx '   main.cpp: 120' "$2/output"
+}
+
 consume_by_pkg_config() { # LIBRARY PROGRAM
     local libraries
     libraries=$(dirname "$(find "$1" -name 'libZELToolsInfrastructure.so' -print -quit)")
