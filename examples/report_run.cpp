@@ -2,7 +2,7 @@
 //
 //     scan_sources --record scan.txt ../project
 //     run_batch --record batch.txt commands.txt
-//     report_run report scan.txt batch.txt
+//     report_run --note "nightly build" report scan.txt batch.txt
 //
 // The directory "report" stands alone: it may be sent or packed as it is. In it are
 //
@@ -76,9 +76,11 @@ bool WriteReport(Run& run, const ZELString& name) {
 
 int Usage(std::FILE* stream, int result) {
     std::fputs(
-        "usage: report_run DIRECTORY RECORD...\n"
+        "usage: report_run [--note TEXT] DIRECTORY RECORD...\n"
         "\n"
-        "Writes index.html and all that it needs into DIRECTORY, from records that scan_sources and run_batch leave.\n",
+        "Writes index.html and all that it needs into DIRECTORY, from records that scan_sources and run_batch leave.\n"
+        "\n"
+        "  --note TEXT   what the reader should know of the run; stands on top\n",
         stream);
     return result;
 }
@@ -87,18 +89,21 @@ int Usage(std::FILE* stream, int result) {
 
 int main(int argc, char** argv) {
     if (argc == 2 && std::string_view(argv[1]) == "--help") return Usage(stdout, 0);
-    for (int i = 1; i < argc; ++i)
+    const bool hasNote = argc > 2 && std::string_view(argv[1]) == "--note";
+    const int first = hasNote ? 3 : 1;
+    for (int i = first; i < argc; ++i)
         if (*argv[i] == '-' || *argv[i] == '\0') return Usage(stderr, 2);
-    if (argc < 3) return Usage(stderr, 2);
-    Run run{TAUUIDGenerator().Get(), GetDate(), GetHostName(), {}, {}, {}};
-    for (int i = 2; i < argc; ++i)
+    if (argc < first + 2) return Usage(stderr, 2);
+    Run run{TAUUIDGenerator().Get(), GetDate(), GetHostName(), hasNote ? argv[2] : "", {}, {}, {}};
+    for (int i = first + 1; i < argc; ++i)
         if (!ReadRecord(argv[i], run)) return 2;
 
-    Trace(ZELString("report_run ") + argv[1], 1);
-    if (!WriteReport(run, argv[1])) {
-        TraceStdErr(ZELString("report_run: not all could be written into ") + argv[1]);
+    const char* const directory = argv[first];
+    Trace(ZELString("report_run ") + directory, 1);
+    if (!WriteReport(run, directory)) {
+        TraceStdErr(ZELString("report_run: not all could be written into ") + directory);
         return 1;
     }
-    Trace(ZELString("run ") + run.identifier + " stands in " + argv[1] + "/index.html", 0);
+    Trace(ZELString("run ") + run.identifier + " stands in " + directory + "/index.html", 0);
     return 0;
 }

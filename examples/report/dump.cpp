@@ -66,6 +66,7 @@ bool DumpRun(const Run& run, const TAFileName& directory) {
     if (directory.CreateRecursiveDirectory() != 0) return false;
     Node root;
     root.Set("identifier", run.identifier).Set("date", run.date).Set("host", run.host);
+    if (run.note.Length() > 0) root.Set("note", run.note);
     for (const Scan& scan : run.scans) AddScan(scan, root);
     for (const Batch& batch : run.batches) AddBatch(batch, root);
     ZELListValTAPAttr counters;

@@ -51,6 +51,7 @@ void Page::Head(const ZELString& styleSheet) {
 void Page::Totals() {
     Add("<h1 id=\"totals\">Run <code>" + Escaped(_run.identifier) + "</code></h1>");
     Add("<p>" + Escaped(_run.date) + ", on " + Escaped(_run.host) + "</p>");
+    if (_run.note.Length() > 0) Add("<p>" + Escaped(_run.note) + "</p>");
     for (const Batch& batch : _run.batches) {
         const int failed = batch.Failed();
         Add("<h3>Commands of " + Escaped(batch.file) + "</h3><ul class=\"figures\">");

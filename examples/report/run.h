@@ -41,6 +41,7 @@ struct Batch {
 
 struct Run {
     ZELString identifier, date, host;
+    ZELString note;  // empty for none
     std::vector<Scan> scans;
     std::vector<Batch> batches;
     ZELListValZELString counters;

@@ -50,15 +50,15 @@ TEST_F(ReportRun, TellsWhatTheToolsRecorded) {
         EXPECT_EQ(std::filesystem::path(log), std::filesystem::path(logs) / (line + ".log"));
     }
 
-    const ProgramResult result = RunProgram("report_run", {report, record, scan});
+    const ProgramResult result = RunProgram("report_run", {"--note", "a < b", report, record, scan});
     EXPECT_EQ(result.exitCode, 0) << result.out << result.err;
     EXPECT_EQ(ReadBytes(report + "/logs/1/1.log"), "abcde");
     EXPECT_FALSE(std::filesystem::exists(report + "/logs/1/2.log")) << "it wrote nothing";
     const std::string page = ReadBytes(report + "/index.html"), texts = ReadBytes(report + "/dump/AttrString.txt");
-    for (const char* part : {"<b>4</b> commands", "<span class=\"failed\">3</span>", "not found", "50.00 %",
-                             "<li>bytes scanned 18 in ", "<li>bytes of logs copied 1"})
+    for (const char* part : {"<p>a &lt; b</p>", "<b>4</b> commands", "<span class=\"failed\">3</span>", "not found",
+                             "50.00 %", "<li>bytes scanned 18 in ", "<li>bytes of logs copied 1"})
         EXPECT_TRUE(Holds(page, part)) << part << page;
-    for (const char* part : {":killed", ":no_such_program x", ":one", ":bytes scanned 18 in "})
+    for (const char* part : {":a < b", ":killed", ":no_such_program x", ":one", ":bytes scanned 18 in "})
         EXPECT_TRUE(Holds(texts, part)) << part << texts;
 }
 
@@ -84,7 +84,8 @@ TEST_F(ReportRun, RefusesWhatIsNoRecord) {
         EXPECT_EQ(RunProgram("report_run", {report, record}).exitCode, 2) << "of nothing: " << early;
     }
     EXPECT_EQ(RunProgram("report_run", {report, folder / "missing"}).exitCode, 2);
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{}, {"d"}, {"--bad", "r"}, {"", "r"}})
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{}, {"d"}, {"--bad", "r"}, {"", "r"}, {"--note", "n", "d"}})
         EXPECT_EQ(RunProgram("report_run", arguments).exitCode, 2);
 }
 
