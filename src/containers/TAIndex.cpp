@@ -9,6 +9,10 @@
 
 #include "TAIndex.h"
 
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
 #include "containers/index_search.h"
 #include "containers/sorted_arrays.h"
 #include "foundations/console.h"

@@ -9,7 +9,8 @@
 #include "TAIndexB.h"
 
 #include <cstdint>
-#include <utility>
+#include <cstdlib>
+#include <cstring>
 
 #include "containers/sorted_arrays.h"
 #include "foundations/console.h"

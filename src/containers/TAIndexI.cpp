@@ -6,6 +6,8 @@
 
 #include "TAIndexI.h"
 
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "containers/sorted_arrays.h"

@@ -1,6 +1,7 @@
 #include "ZELFileBufferPool.h"
 
 #include <atomic>
+#include <cstdint>
 #include <new>
 
 #include "files/load_queue.h"

@@ -6,6 +6,8 @@
 
 #include "network/checksum.h"
 
+#include <cstring>
+
 #include "TARunLength.h"
 #include "network/checksum_units.h"
 

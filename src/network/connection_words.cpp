@@ -8,8 +8,11 @@
 // the text that is rebuilt is bounded by what a sender may put into a block.
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
+#include <utility>
 
 #include "foundations/allocation.h"
 #include "foundations/console.h"

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <new>
+#include <string_view>
 
 #include "foundations/console.h"
 #include "platform/named_mutex.h"

@@ -1,7 +1,6 @@
 #include "regex/memo_key.h"
 
 #include <cstdlib>
-#include <utility>
 
 #include "foundations/allocation.h"
 #include "foundations/console.h"

@@ -2,6 +2,9 @@
 
 #include "platform/process_kill.h"
 
+#include <cstdint>
+#include <utility>
+
 #include <windows.h>
 
 #include "platform/windows/handle.h"

@@ -10,6 +10,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <utility>
 
 #include "foundations/console.h"
 #include "platform/windows/handle.h"

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <filesystem>
 
 #include "support/windows/command_line.h"
 
