@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr std::size_t StoredSize = 8;  // of each integer of a key
+
 std::int32_t Element(const void* key, int position) noexcept {
     std::int32_t value;
     std::memcpy(&value, static_cast<const char*>(key) + std::size_t{sizeof value} * static_cast<std::size_t>(position),
@@ -28,7 +30,7 @@ std::int32_t Element(const void* key, int position) noexcept {
 
 TAIndexB::TAIndexB(int sizeofkey) noexcept : _sizeofkey(sizeofkey) {
     FATAL(sizeofkey < 1, "Unable to create TAIndexB with sizeofkey < 0 ");
-    if (AllocateArrays("TAIndexB", _keys, _values, 1000)) _allocated = 1000;
+    if (AllocateArrays("TAIndexB", _keys, _values, FirstCapacity)) _allocated = FirstCapacity;
 }
 
 TAIndexB::TAIndexB(const TAIndexB& other) noexcept : _sizeofkey(other._sizeofkey), _increment(other._increment) {
@@ -86,7 +88,7 @@ bool TAIndexB::BecomeOwner() noexcept {
 }
 
 void* TAIndexB::CopyKey(const void* key) const noexcept {
-    const std::size_t size = static_cast<std::size_t>(_sizeofkey) * 8;
+    const std::size_t size = static_cast<std::size_t>(_sizeofkey) * StoredSize;
     void* const copy = std::malloc(size);
     if (copy == nullptr) {
         ReportAllocFailure("TAIndexB", size);
