@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-
 #include "support/windows/command_line.h"
 
 const std::string FullDevice;
