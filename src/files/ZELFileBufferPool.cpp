@@ -1,3 +1,5 @@
+// A pool is a thread or none; load_queue.h has the work.
+
 #include "ZELFileBufferPool.h"
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// A mutex of the seam, shared by count; the mark that it is closed is what makes all copies end together.
+
 #include "TAMutex.h"
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// UTF-8 inside the object where it surely fits, else in a block.
+
 #include "regex/memo_key.h"
 
 #include <cstdlib>
