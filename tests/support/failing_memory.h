@@ -8,7 +8,7 @@
 // One round of FailEachAllocation: what is allocated between Begin and End counts.
 class FailingMemory {
 public:
-    explicit FailingMemory(int number) : _number(number) {}
+    FailingMemory(int number, bool isTold) : _number(number), _isTold(isTold) {}
     ~FailingMemory() { End(); }
 
     void Begin() {
@@ -16,19 +16,20 @@ public:
         FailAllocation(_number);
         _isBetween = true;
     }
-    // Whether an allocation failed. The library must have said so, or nothing.
+    // Whether an allocation failed, which the library must have told.
     bool End() {
         if (!std::exchange(_isBetween, false)) return _hasFailed;
         _hasFailed = !IsAllocationFailureDue();
         FailAllocation(0);
         _said = WithoutReturns(testing::internal::GetCapturedStdout());
-        EXPECT_EQ(Holds(_said, "# Alloc failed in "), _hasFailed) << "allocation " << _number << ": " << _said;
+        EXPECT_TRUE(!_isTold || Holds(_said, "# Alloc failed in ") == _hasFailed) << _said;
         return _hasFailed;
     }
     const std::string& Said() const { return _said; }
 
 private:
     const int _number;
+    const bool _isTold;
     bool _isBetween = false;
     bool _hasFailed = false;
     std::string _said;
@@ -39,13 +40,14 @@ struct AllocationFailures {
     std::string said;  // in all rounds
 };
 
-// Calls `round(memory)` for the first allocation, the second and so on, up to a round in which none fails.
+// Calls `round(memory)` for the first allocation, the second and so on, up to a round in which none fails. `isTold`:
+// each failure is told on standard output.
 template <class Round>
-AllocationFailures FailEachAllocation(Round round) {
+AllocationFailures FailEachAllocation(Round round, bool isTold = true) {
     AllocationFailures failures;
     for (;; ++failures.count) {
         SCOPED_TRACE("allocation " + std::to_string(failures.count + 1));
-        FailingMemory memory(failures.count + 1);
+        FailingMemory memory(failures.count + 1, isTold);
         round(memory);
         const bool hasFailed = memory.End();
         failures.said += memory.Said();
