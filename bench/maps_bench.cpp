@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -71,10 +72,6 @@ struct Peer {
     void ForEach(Visit visit) {
         for (const auto& [key, value] : map) visit(key.c_str(), value);
     }
-    template <class Visit>
-    void Walk(Visit visit) {
-        ForEach(visit);
-    }
 };
 
 template <class Allocator>
@@ -86,10 +83,6 @@ struct LlvmMap {
     template <class Visit>
     void ForEach(Visit visit) {
         for (const auto& entry : map) visit(entry.getKeyData(), entry.getValue());
-    }
-    template <class Visit>
-    void Walk(Visit visit) {
-        ForEach(visit);
     }
 };
 
@@ -134,17 +127,35 @@ void AddAll(Container& container, std::vector<std::string>& keys) {
 }
 
 template <class Container>
-void Insert(benchmark::State& state, Size size) {
-    std::vector<std::string> keys = RandomKeys(size, 1);
-    const int batch = std::max(1, 10000 / size.count);
+std::vector<Container> Filled(std::size_t count, std::vector<std::string>& keys) {
+    std::vector<Container> containers(count);
+    for (Container& container : containers) AddAll(container, keys);
+    return containers;
+}
+
+// Times `work` on as many containers as it takes to be measured. What `prepare` makes of them, and their end, is not
+// timed.
+template <class Container, class Prepare, class Work>
+void TimeBatches(benchmark::State& state, Size size, Prepare prepare, Work work) {
+    const auto batch = static_cast<std::size_t>(std::max(1, 10000 / size.count));
     for (auto _ : state) {
-        std::vector<Container> containers(static_cast<std::size_t>(batch));
-        for (Container& container : containers) AddAll(container, keys);
+        state.PauseTiming();
+        std::vector<Container> containers = prepare(batch);
+        state.ResumeTiming();
+        work(containers, batch);
         state.PauseTiming();
         containers.clear();
         state.ResumeTiming();
     }
-    state.SetItemsProcessed(state.iterations() * batch * size.count);
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(batch) * size.count);
+}
+
+template <class Container>
+void Insert(benchmark::State& state, Size size) {
+    std::vector<std::string> keys = RandomKeys(size, 1);
+    TimeBatches<Container>(
+        state, size, [](std::size_t) { return std::vector<Container>(); },
+        [&](std::vector<Container>& containers, std::size_t count) { containers = Filled<Container>(count, keys); });
 }
 
 template <class Container>
@@ -161,18 +172,11 @@ template <class Container>
 void Erase(benchmark::State& state, Size size) {
     std::vector<std::string> keys = RandomKeys(size, 1);
     const Queries sought(keys);
-    const int batch = std::max(1, 10000 / size.count);
-    for (auto _ : state) {
-        state.PauseTiming();
-        std::vector<Container> containers(static_cast<std::size_t>(batch));
-        for (Container& container : containers) AddAll(container, keys);
-        state.ResumeTiming();
-        for (Container& container : containers) sought.ForEach([&](const char* key) { container.Erase(key); });
-        state.PauseTiming();
-        containers.clear();
-        state.ResumeTiming();
-    }
-    state.SetItemsProcessed(state.iterations() * batch * size.count);
+    TimeBatches<Container>(
+        state, size, [&](std::size_t count) { return Filled<Container>(count, keys); },
+        [&](std::vector<Container>& containers, std::size_t) {
+            for (Container& container : containers) sought.ForEach([&](const char* key) { container.Erase(key); });
+        });
 }
 
 template <class Container>
@@ -185,7 +189,10 @@ void Iterate(benchmark::State& state, Size size, bool isWalk) {
         const auto visit = [&sum](const char* key, void* value) {
             sum += reinterpret_cast<std::size_t>(key) ^ reinterpret_cast<std::size_t>(value);
         };
-        isWalk ? container.Walk(visit) : container.ForEach(visit);
+        if constexpr (requires { container.Walk(visit); })
+            isWalk ? container.Walk(visit) : container.ForEach(visit);
+        else
+            container.ForEach(visit);
         benchmark::DoNotOptimize(sum);
     }
     state.SetItemsProcessed(state.iterations() * size.count);

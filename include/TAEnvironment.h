@@ -34,8 +34,7 @@ ZEL_API int SetWorkDir(ZELString dir) noexcept;
 
 // Fills `info`, its size field included. 1 on success; otherwise prints "   ERROR GetOSVersionInfo: Unable to get
 // version" on standard output and returns 0. On Linux, major, minor and build are the first three numbers of the
-// kernel's release
-// ("6.1.38-13" gives 6, 1, 38), and every other field is 0.
+// kernel's release ("6.1.38-13" gives 6, 1, 38), and every other field is 0.
 ZEL_API int GetOSVersionInfo(OSVERSIONINFOEXW& info) noexcept;
 
 // At least 1.

@@ -62,6 +62,8 @@ protected:
     int increaseAllocSize() noexcept;
 
 private:
+    static constexpr int FirstCapacity = 1000;
+
     bool Holds(int position) const noexcept { return static_cast<unsigned>(position) < static_cast<unsigned>(_count); }
     // 1 when `b` is the greater key, -1 when it is the smaller, 0 when they are equal.
     int compare(const void* a, const void* b) const noexcept;
@@ -76,7 +78,7 @@ private:
     int _sizeofkey;
     int _count = 0;
     int _allocated = 0;  // slots of both arrays; 0 while there are none
-    int _increment = 1000;
+    int _increment = FirstCapacity;
     bool _isView = false;  // the arrays and the keys belong to another index
 };
 

@@ -51,13 +51,15 @@ protected:
     int increaseAllocSize() noexcept;
 
 private:
+    static constexpr int FirstCapacity = 10;
+
     bool Holds(int position) const noexcept { return static_cast<unsigned>(position) < static_cast<unsigned>(_count); }
 
     int* _keys = nullptr;
     void** _values = nullptr;
     int _count = 0;
     int _allocated = 0;  // slots of both arrays; 0 while there are none
-    int _increment = 10;
+    int _increment = FirstCapacity;
 };
 
 #endif

@@ -65,7 +65,6 @@ private:
     struct Node;
 
     static Node* NewNode(Node* parent, TAPName* name) noexcept;
-    void Drop() noexcept;
 
     Node* _last;  // counted; the last name, which leads to those in front of it; null without names
 };

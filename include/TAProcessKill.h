@@ -20,8 +20,6 @@
 #ifndef TAPROCESSKILL_H
 #define TAPROCESSKILL_H
 
-#include <cstdint>
-
 #include "ZELExport.h"
 #include "ZELPlatformTypes.h"
 #include "ZELUnicodeString.h"

@@ -36,8 +36,6 @@ public:
 private:
     struct Shared;
 
-    void Drop() noexcept;
-
     Shared* _shared;  // counted; null without memory
 };
 

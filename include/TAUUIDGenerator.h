@@ -23,8 +23,6 @@
 #ifndef TAUUIDGENERATOR_H
 #define TAUUIDGENERATOR_H
 
-#include <cstdint>
-
 #include "ZELExport.h"
 #include "ZELPlatformTypes.h"
 

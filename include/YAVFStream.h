@@ -70,7 +70,6 @@ private:
     struct Shared;
 
     bool MakeShared(std::FILE* own) noexcept;
-    void Drop() noexcept;
 
     int _lastError = InvalidArgument;
     Standard _standard = Standard::None;  // a borrowed stream of the process, which is no constant

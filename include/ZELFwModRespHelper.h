@@ -47,7 +47,6 @@ private:
 
     int parseQNOrgFile(const char* path) noexcept;
     int parseADLFile(const char* path) noexcept;
-    void Drop() noexcept;
 
     Shared* _shared;  // counted; null without memory
 };

@@ -19,7 +19,8 @@
 // Without a pool the map keeps its keys itself, and a stored key stays where it is until its entry is removed. With a
 // ZELStringPool, which the caller owns and which must outlive the map, keys go there, and each growth leaves a second
 // copy of every key in it: the result of an insertion that made the map grow is then a copy that the map no longer
-// uses. Memory of removed entries and keys serves later ones of every map of the process; it is not given back.
+// uses. Memory of removed entries and keys serves later ones of every map of the process; it is not given back, but for
+// that of very long keys.
 //
 // A copied map, constructed or assigned, is a view: it shares the table and the entries of the original, owns nothing,
 // and must not be used after the original has changed or ended. Changing a view first gives it entries of its own; the

@@ -40,8 +40,6 @@ public:
 private:
     class Reader;
 
-    void Drop() noexcept;
-
     Reader* _reader = nullptr;  // counted; null before the first fopen
 };
 

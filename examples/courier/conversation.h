@@ -2,7 +2,6 @@
 #ifndef EXAMPLES_COURIER_CONVERSATION_H
 #define EXAMPLES_COURIER_CONVERSATION_H
 
-#include <cstddef>
 #include <cstdlib>
 #include <memory>
 

@@ -2,6 +2,7 @@
 #ifndef EXAMPLES_COURIER_NAMES_H
 #define EXAMPLES_COURIER_NAMES_H
 
+#include <cstddef>
 #include <string_view>
 
 #include "ZELString.h"

@@ -4,6 +4,7 @@
 #include "parcel.h"
 
 #include <cstring>
+#include <string_view>
 
 #include "TADiagnostics.h"
 #include "TAFileName.h"

@@ -4,6 +4,7 @@
 #include "send.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <vector>
 
 #include "TADiagnostics.h"

@@ -2,12 +2,16 @@
 // TAIndexSearch beside the arrays makes it fast. Without one (small, or no memory for it) the index is the plain thing:
 // binary search with string comparisons, and insertion that moves the tails of both arrays.
 //
-// Invariants: _count counts all entries, the arrays hold _count - staged of them, in order; _settled is 0
-// while some are staged, else _count; _count < _allocated always, so that there is room to settle. A view is always
-// settled. Cost: 16 bytes moved for each entry behind an inserted or removed one while the index is small. Danger: a
-// view shares everything with its source. Whatever writes or frees must ask _isView first.
+// Invariants: _count counts all entries, the arrays hold _count - staged of them, in order; _settled is 0 while some
+// are staged, else _count; _count < _allocated always, so that there is room to settle. A view is always settled. Cost:
+// 16 bytes moved for each entry behind an inserted or removed one while the index is small. Danger: a view shares
+// everything with its source. Whatever writes or frees must ask _isView first.
 
 #include "TAIndex.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
 
 #include "containers/index_search.h"
 #include "containers/sorted_arrays.h"

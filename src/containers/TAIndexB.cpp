@@ -9,12 +9,15 @@
 #include "TAIndexB.h"
 
 #include <cstdint>
-#include <utility>
+#include <cstdlib>
+#include <cstring>
 
 #include "containers/sorted_arrays.h"
 #include "foundations/console.h"
 
 namespace {
+
+constexpr std::size_t StoredSize = 8;  // of each integer of a key
 
 std::int32_t Element(const void* key, int position) noexcept {
     std::int32_t value;
@@ -27,7 +30,7 @@ std::int32_t Element(const void* key, int position) noexcept {
 
 TAIndexB::TAIndexB(int sizeofkey) noexcept : _sizeofkey(sizeofkey) {
     FATAL(sizeofkey < 1, "Unable to create TAIndexB with sizeofkey < 0 ");
-    if (AllocateArrays("TAIndexB", _keys, _values, 1000)) _allocated = 1000;
+    if (AllocateArrays("TAIndexB", _keys, _values, FirstCapacity)) _allocated = FirstCapacity;
 }
 
 TAIndexB::TAIndexB(const TAIndexB& other) noexcept : _sizeofkey(other._sizeofkey), _increment(other._increment) {
@@ -85,7 +88,7 @@ bool TAIndexB::BecomeOwner() noexcept {
 }
 
 void* TAIndexB::CopyKey(const void* key) const noexcept {
-    const std::size_t size = static_cast<std::size_t>(_sizeofkey) * 8;
+    const std::size_t size = static_cast<std::size_t>(_sizeofkey) * StoredSize;
     void* const copy = std::malloc(size);
     if (copy == nullptr) {
         ReportAllocFailure("TAIndexB", size);

@@ -6,12 +6,14 @@
 
 #include "TAIndexI.h"
 
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "containers/sorted_arrays.h"
 
 TAIndexI::TAIndexI() noexcept {
-    if (AllocateArrays("TAIndexI", _keys, _values, 10)) _allocated = 10;
+    if (AllocateArrays("TAIndexI", _keys, _values, FirstCapacity)) _allocated = FirstCapacity;
 }
 
 TAIndexI::TAIndexI(const TAIndexI& other) noexcept : _increment(other._increment) {

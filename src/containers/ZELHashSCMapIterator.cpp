@@ -3,10 +3,11 @@
 // Invariants: both arrays have _size places, or are null and _size is 0; 0 <= _filled <= _size; -1 <= _current <=
 // _size. Danger: keys are the map's, and a view's arrays are another iterator's: only an owner frees them.
 
+#include "ZELHashSCMap.h"
+
 #include <cstdio>
 #include <cstdlib>
 
-#include "ZELHashSCMap.h"
 #include "foundations/allocation.h"
 #include "foundations/console.h"
 

@@ -16,6 +16,9 @@
 #include "containers/index_search.h"
 
 #include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {

@@ -14,9 +14,11 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
+#include "files/path_names.h"
 #include "files/path_normalise.h"
 #include "foundations/console.h"
 #include "platform/file_actions.h"
@@ -33,8 +35,7 @@ unsigned char FoldCase(char character) noexcept {
 }
 
 bool IsAbsolute(std::string_view path) noexcept {
-    const bool drive = path.size() >= 2 && path[1] == ':' && FoldCase(path[0]) >= 'a' && FoldCase(path[0]) <= 'z';
-    return drive || path.starts_with(Separator);
+    return IsDrive(path.substr(0, 2)) || path.starts_with(Separator);
 }
 
 }  // namespace

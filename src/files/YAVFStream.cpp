@@ -19,6 +19,7 @@
 #include "files/input_block.h"
 #include "foundations/allocation.h"
 #include "foundations/console.h"
+#include "foundations/shared_body.h"
 #include "platform/streams.h"
 
 struct YAVFStream::Shared {
@@ -38,9 +39,7 @@ YAVFStream::YAVFStream(std::FILE* file) noexcept : _lastError(file != nullptr ? 
 
 YAVFStream::YAVFStream(const YAVFStream& other) noexcept
     : _lastError(other._lastError), _standard(other._standard), _borrowed(other._borrowed) {
-    if (other._shared == nullptr || !other._shared->isOwner) return;
-    _shared = other._shared;
-    ++_shared->owners;
+    if (other._shared != nullptr && other._shared->isOwner) _shared = KeepShare(other._shared);
 }
 
 YAVFStream& YAVFStream::operator=(const YAVFStream& other) noexcept {
@@ -53,14 +52,9 @@ YAVFStream& YAVFStream::operator=(const YAVFStream& other) noexcept {
     return *this;
 }
 
+// The last one closes an own file.
 YAVFStream::~YAVFStream() {
-    Drop();
-}
-
-// Gives the share back; the last one closes an own file.
-void YAVFStream::Drop() noexcept {
-    Shared* const shared = std::exchange(_shared, nullptr);
-    if (shared != nullptr && --shared->owners == 0) delete shared;
+    DropShare(_shared);
 }
 
 bool YAVFStream::MakeShared(std::FILE* own) noexcept {
@@ -97,7 +91,7 @@ int YAVFStream::_Open(const char* name, const char* mode) noexcept {
     errno = 0;
     std::FILE* const file = platform::OpenStream(name, mode);
     if (file == nullptr) return Fail();
-    Drop();
+    DropShare(_shared);
     if (!MakeShared(file)) {
         std::fclose(file);
         return Fail(ENOMEM);

@@ -1,6 +1,9 @@
+// A pool is a thread or none; load_queue.h has the work.
+
 #include "ZELFileBufferPool.h"
 
 #include <atomic>
+#include <cstdint>
 #include <new>
 
 #include "files/load_queue.h"

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -19,6 +20,7 @@
 #include "ZELString.h"
 #include "foundations/allocation.h"
 #include "foundations/console.h"
+#include "foundations/shared_body.h"
 
 namespace {
 
@@ -212,24 +214,15 @@ ZELFwModRespHelper::ZELFwModRespHelper() noexcept : _shared(NewObject<Shared>())
     if (_shared == nullptr) ReportAllocFailure("ZELFwModRespHelper", sizeof(Shared));
 }
 
-ZELFwModRespHelper::ZELFwModRespHelper(const ZELFwModRespHelper& other) noexcept : _shared(other._shared) {
-    if (_shared != nullptr) ++_shared->owners;
-}
+ZELFwModRespHelper::ZELFwModRespHelper(const ZELFwModRespHelper& other) noexcept : _shared(KeepShare(other._shared)) {}
 
 ZELFwModRespHelper& ZELFwModRespHelper::operator=(const ZELFwModRespHelper& other) noexcept {
-    if (other._shared != nullptr) ++other._shared->owners;
-    Drop();
-    _shared = other._shared;
+    AssignShare(_shared, other._shared);
     return *this;
 }
 
 ZELFwModRespHelper::~ZELFwModRespHelper() {
-    Drop();
-}
-
-void ZELFwModRespHelper::Drop() noexcept {
-    if (_shared != nullptr && --_shared->owners == 0) delete _shared;
-    _shared = nullptr;
+    DropShare(_shared);
 }
 
 int ZELFwModRespHelper::parseFiles(const char* orgFile, const char* componentFile) noexcept {

@@ -21,6 +21,7 @@
 
 #include "foundations/allocation.h"
 #include "foundations/console.h"
+#include "foundations/shared_body.h"
 #include "platform/streams.h"
 
 namespace {
@@ -136,24 +137,15 @@ bool ZELQMAStream::Reader::MoveRest() noexcept {
     return true;
 }
 
-ZELQMAStream::ZELQMAStream(const ZELQMAStream& other) noexcept : _reader(other._reader) {
-    if (_reader != nullptr) ++_reader->owners;
-}
+ZELQMAStream::ZELQMAStream(const ZELQMAStream& other) noexcept : _reader(KeepShare(other._reader)) {}
 
 ZELQMAStream& ZELQMAStream::operator=(const ZELQMAStream& other) noexcept {
-    if (other._reader != nullptr) ++other._reader->owners;
-    Drop();
-    _reader = other._reader;
+    AssignShare(_reader, other._reader);
     return *this;
 }
 
 ZELQMAStream::~ZELQMAStream() {
-    Drop();
-}
-
-void ZELQMAStream::Drop() noexcept {
-    if (_reader != nullptr && --_reader->owners == 0) delete _reader;
-    _reader = nullptr;
+    DropShare(_reader);
 }
 
 std::FILE* ZELQMAStream::fopen(const char* name, const char* mode) noexcept {

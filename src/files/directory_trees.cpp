@@ -1,7 +1,7 @@
 // Listing and removing whole trees: two kinds of walk. See tree_walk.h, and platform/tree_cursor.h for why neither
 // leaves its tree.
 
-#include <cstring>
+#include <string_view>
 
 #include "TADiagnostics.h"
 #include "TAFileUtilities.h"

@@ -15,7 +15,6 @@
 namespace {
 
 constexpr std::size_t BlockSize = std::size_t{1} << 16;
-constexpr std::size_t MostAtOnce = std::size_t{1} << 30;
 
 }  // namespace
 
@@ -50,7 +49,8 @@ std::size_t InputBlock::Read(std::FILE* file, char* bytes, std::size_t size) noe
         const std::size_t left = size - done;
         if (_begin == _end && left >= BlockSize) {
             if (_atEnd) break;
-            const std::size_t count = Arrived(platform::ReadArrived(file, bytes + done, std::min(left, MostAtOnce)));
+            const std::size_t count =
+                Arrived(platform::ReadArrived(file, bytes + done, std::min(left, platform::MostToArrive)));
             if (count == 0) break;
             done += count;
             continue;

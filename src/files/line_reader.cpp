@@ -9,6 +9,7 @@
 
 #include <emmintrin.h>  // SSE2 is part of every x86-64
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -16,7 +17,6 @@ namespace {
 
 constexpr std::size_t Step16 = 16;
 constexpr std::size_t FirstBlock = (std::size_t{1} << 16) - Step16;
-constexpr std::size_t MostAtOnce = std::size_t{1} << 30;
 
 // Turns bytes that are negative or below the blank into blanks, up to the first end of line from `from` on. Returns its
 // position, or `end`.
@@ -51,8 +51,7 @@ LineReader::Step LineReader::Fill() noexcept {
     const std::size_t capacity = _block.Capacity();
     if ((capacity == 0 || left + Step16 > capacity / 2) && !_block.Reserve(capacity == 0 ? FirstBlock : capacity * 2))
         return Step::MemoryRanOut;
-    std::size_t room = _block.Capacity() - Step16 - left;
-    if (room > MostAtOnce) room = MostAtOnce;
+    const std::size_t room = std::min(_block.Capacity() - Step16 - left, platform::TextReader::MostAtOnce);
     const std::ptrdiff_t count = _reader.Read(_block.Data() + left, room);
     if (count < 0) return Step::Failure;
     _end += static_cast<std::size_t>(count);

@@ -3,7 +3,6 @@
 #define FILES_LIST_TEXT_H
 
 #include <string_view>
-#include <utility>
 
 #include "ZELListValZELString.h"
 

@@ -3,6 +3,8 @@
 // it selects in there. The order of listing is kept by that, and nothing recurses.
 
 #include <cstring>
+#include <string_view>
+#include <utility>
 
 #include "TAFileUtilities.h"
 #include "TATextUtilities.h"

@@ -53,5 +53,5 @@ int CompareTAStrings(ZELString* left, ZELString* right) noexcept {
 }
 
 int CompareTAStrings(TAFileName* left, TAFileName* right) noexcept {
-    return Sign(left != nullptr ? left->View() : "", right != nullptr ? right->View() : "");
+    return TAFileName::Compare(left, right);
 }

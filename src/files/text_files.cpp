@@ -1,6 +1,7 @@
 // Text files as lists of lines, and back. See line_reader.h for how lines are found.
 
 #include <cstdio>
+#include <string_view>
 #include <utility>
 
 #include "TADiagnostics.h"

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr std::size_t MostAtOnce = std::size_t{1} << 30;
 constexpr std::size_t UnknownSizeBlock = 4096;
 constexpr std::size_t Extra = 2;  // the NUL, and the byte that shows the end
 
@@ -47,7 +46,7 @@ std::size_t ReadAll(platform::TextReader& reader, const WholeFileRules& rules, W
             file.text = static_cast<char*>(grown);
             capacity = wanted;
         }
-        const std::size_t asked = std::min({capacity - 1 - size, rules.most - size, MostAtOnce});
+        const std::size_t asked = std::min({capacity - 1 - size, rules.most - size, platform::TextReader::MostAtOnce});
         const std::ptrdiff_t count = reader.Read(file.text + size, asked);
         if (count <= 0) break;
         size += static_cast<std::size_t>(count);

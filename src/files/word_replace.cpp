@@ -2,8 +2,8 @@
 //
 // The work goes on in a copy with a gap: in front of the gap stands what the search has left behind, and behind it what
 // it has still to look at, which begins with the text that was inserted last (that is searched again together with what
-// follows). So a replacement moves the bytes that were passed and no others. The caller's block is exchanged
-// at the end, which leaves it alone when memory runs out, and a search that finds nothing takes no memory.
+// follows). So a replacement moves the bytes that were passed and no others. The caller's block is exchanged at the
+// end, which leaves it alone when memory runs out, and a search that finds nothing takes no memory.
 // Whether an opening text follows anywhere is asked at each word: one that was found far behind answers until it is
 // passed. The cost is linear in text and insertions, except that a word of several parts is compared where it begins.
 // The dangerous case is a replacement that holds the word: each replacement must use up some of the text behind the one

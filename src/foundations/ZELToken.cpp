@@ -4,6 +4,7 @@
 #include "ZELToken.h"
 
 #include <algorithm>
+#include <string_view>
 
 ZELToken::ZELToken(const ZELUnicodeString& text) noexcept : _text(text) {}
 

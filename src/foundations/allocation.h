@@ -5,6 +5,7 @@
 #define FOUNDATIONS_ALLOCATION_H
 
 #include <cstddef>
+#include <cstdlib>
 #include <new>
 #include <utility>
 
@@ -12,6 +13,11 @@
 void* Allocate(std::size_t size) noexcept;
 // The same, filled with zeros.
 void* AllocateZeroed(std::size_t size) noexcept;
+
+// For a std::unique_ptr to a block of the C heap.
+struct FreeBlock {
+    void operator()(void* block) const noexcept { std::free(block); }
+};
 
 // For tests: the `number`th allocation from now on fails (1: the next), those after it succeed again. 0: none fails.
 void FailAllocation(int number) noexcept;

@@ -1,3 +1,6 @@
+// One compare and exchange each way while nobody waits. The dangerous case is a word that ends as soon as it is free:
+// whoever takes it may destroy it, so nothing but its address is used behind a release.
+
 #include "foundations/binary_semaphore.h"
 
 #include "platform/waiting.h"

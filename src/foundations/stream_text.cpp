@@ -1,3 +1,5 @@
+// The line is composed here and reaches the stream's buffer as one run of bytes.
+
 #include "foundations/stream_text.h"
 
 #include "ZELString.h"

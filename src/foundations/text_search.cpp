@@ -10,13 +10,16 @@
 #include <cstdlib>
 #include <memory>
 
+#include "foundations/allocation.h"
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-struct FreeBlock {
-    void operator()(void* block) const noexcept { std::free(block); }
-};
+// Characters that may be compared in vain: from the beginning, and for each one that was passed.
+constexpr std::size_t FirstBudget = 65536;
+constexpr std::size_t BudgetForCharacter = 32;
+
 using BorderTable = std::unique_ptr<std::uint32_t[], FreeBlock>;
 
 // borders[i]: the length of the longest proper prefix of `what` that ends what[0..i] as well.
@@ -55,7 +58,7 @@ std::size_t FindLongText(std::string_view text, std::string_view what, std::size
     for (std::size_t at = from; (at = FindShortText(heads, head, at)) != npos; ++at) {
         if (std::memcmp(text.data() + at + SearchHeadSize, rest.data(), rest.size()) == 0) return at;
         compared += rest.size();
-        if (compared > 32 * (at - from) + 65536) {
+        if (compared > FirstBudget + (at - from) * BudgetForCharacter) {
             const BorderTable borders = MakeBorders(what);
             if (borders) return FindByBorders(text, what, at + 1, borders.get());
             compared = 0;

@@ -10,7 +10,9 @@
 
 #include "TAUUIDGenerator.h"
 
+#include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 

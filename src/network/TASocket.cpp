@@ -6,8 +6,10 @@
 #include "TASocket.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "foundations/allocation.h"
 #include "foundations/console.h"

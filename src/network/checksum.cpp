@@ -1,10 +1,11 @@
 // The checksum of a text and a number, in forms that anything can run, and the choice among them and the wide ones.
 //
 // A text is taken in pieces: its end is sought in one piece, and the piece is summed up while it is near. Short pieces
-// go 8 bytes at a time, without a full reduction in between. Long ones are
-// divided by whole units (checksum_units.h).
+// go 8 bytes at a time, without a full reduction in between. Long ones are divided by whole units (checksum_units.h).
 
 #include "network/checksum.h"
+
+#include <cstring>
 
 #include "TARunLength.h"
 #include "network/checksum_units.h"
@@ -14,8 +15,8 @@ namespace {
 constexpr std::size_t Piece = std::size_t{1} << 16;
 // Where each form overtakes the one before, measured.
 constexpr std::size_t ProductsFrom = 32;
-constexpr std::size_t WideUnitsFrom = 16384;
 constexpr std::size_t UnitsFrom = 1024;
+constexpr std::size_t WideUnitsFrom = 16384;
 
 constexpr std::size_t UnitWords = 2;
 constexpr std::size_t UnitBlock = UnitCount * UnitWords * sizeof(std::uint64_t);

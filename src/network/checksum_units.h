@@ -6,6 +6,8 @@
 #ifndef NETWORK_CHECKSUM_UNITS_H
 #define NETWORK_CHECKSUM_UNITS_H
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "network/checksum.h"

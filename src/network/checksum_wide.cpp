@@ -9,6 +9,8 @@
 // A function compiled for wide registers must clear their upper halves before it leaves: code that uses the lower
 // halves alone runs at a third of its speed otherwise, and the compiler does not do it before every call.
 
+#include <cstdint>
+
 #include <immintrin.h>
 
 #include "network/checksum_units.h"

@@ -8,8 +8,10 @@
 // the text that is rebuilt is bounded by what a sender may put into a block.
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstdint>
 #include <memory>
+#include <string_view>
+#include <utility>
 
 #include "foundations/allocation.h"
 #include "foundations/console.h"
@@ -75,8 +77,8 @@ int TASocketConnection::PutCompressedText(std::string_view text) noexcept {
         if (tooLong >= 0) return _owner.RefuseItem(tooLong);
     }
     const auto count = static_cast<int>(std::count_if(text.begin(), text.end(), Cuts)) + 1;
-    const std::unique_ptr<int, decltype(&std::free)> numbers(
-        static_cast<int*>(Allocate(static_cast<std::size_t>(count) * sizeof(int))), std::free);
+    const std::unique_ptr<int, FreeBlock> numbers(
+        static_cast<int*>(Allocate(static_cast<std::size_t>(count) * sizeof(int))));
     if (numbers == nullptr) {
         ReportAllocFailure("TASocket", static_cast<std::size_t>(count) * sizeof(int));
         return _owner.RefuseItem(length);

@@ -14,6 +14,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 
 #include "TARunLength.h"

@@ -9,6 +9,7 @@
 #include "network/socket_setup.h"
 
 #include <cstring>
+#include <utility>
 
 #include "platform/deadline.h"
 

@@ -1,7 +1,7 @@
 // A component is a name beside a map on the heap, which its copies share.
 //
-// Invariants: _map is null when it got no memory; only a component that is no view deletes it. Danger: a
-// view whose original has ended. Nothing here can tell, so the header forbids it.
+// Invariants: _map is null when it got no memory; only a component that is no view deletes it. Danger: a view whose
+// original has ended. Nothing here can tell, so the header forbids it.
 
 #include "TAComponent.h"
 
@@ -16,10 +16,11 @@
 namespace {
 
 constexpr int FirstBuckets = 30;
+constexpr float LoadFactor = 0.75F;
 
 }  // namespace
 
-TAComponent::TAComponent() noexcept : _map(NewObject<ZELHashRWMap>(FirstBuckets, 0.75F)) {
+TAComponent::TAComponent() noexcept : _map(NewObject<ZELHashRWMap>(FirstBuckets, LoadFactor)) {
     if (_map == nullptr) ReportAllocFailure("TAComponent", sizeof(ZELHashRWMap));
 }
 

@@ -9,7 +9,7 @@
 #include "TAPAttr.h"
 
 #include <functional>
-#include <string_view>
+#include <new>
 #include <utility>
 
 #include "TADiagnostics.h"

@@ -3,6 +3,8 @@
 
 #include "objects/dump_file.h"
 
+#include <cstdlib>
+
 #include "foundations/allocation.h"
 #include "foundations/console.h"
 #include "platform/streams.h"

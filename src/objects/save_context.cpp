@@ -7,6 +7,8 @@
 
 #include "objects/save_context.h"
 
+#include <string_view>
+
 #include "TADiagnostics.h"
 #include "containers/prefetch.h"
 #include "foundations/console.h"

@@ -2,6 +2,8 @@
 #ifndef OBJECTS_SAVE_CONTEXT_H
 #define OBJECTS_SAVE_CONTEXT_H
 
+#include <cstddef>
+
 #include "TAFileName.h"
 #include "TAPAttr.h"
 #include "TAPObject.h"

@@ -17,6 +17,8 @@ std::FILE* OpenTextForWriting(const char* path, bool append) noexcept;
 // Owns a file that is open for reading as text: on Windows CR LF arrives as LF, and a byte 0x1A ends the text.
 class TextReader {
 public:
+    static constexpr std::size_t MostAtOnce = std::size_t{1} << 30;  // systems count what is read with 32 bits
+
     TextReader() noexcept = default;
     TextReader(TextReader&& other) noexcept { *this = std::move(other); }
     TextReader& operator=(TextReader&& other) noexcept {
@@ -32,8 +34,8 @@ public:
     // What the system said at the opening, in bytes before any translation. A hint: files change, and a pipe or a file
     // of the system's own says 0 or anything.
     std::int64_t Size() const noexcept { return _size; }
-    // Reads up to `size` bytes, at most 1 GiB; fewer do not mean the end. Interruptions are retried. 0 at the end, -1
-    // when the system failed or nothing is open.
+    // Reads up to `size` bytes, at most MostAtOnce; fewer do not mean the end. Interruptions are retried. 0 at the end,
+    // -1 when the system failed or nothing is open.
     std::ptrdiff_t Read(char* bytes, std::size_t size) noexcept;
 
 private:

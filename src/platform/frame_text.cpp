@@ -5,9 +5,9 @@
 
 #include <cxxabi.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 void platform::SetModule(FrameName& name, const char* path, std::uintptr_t offset) noexcept {

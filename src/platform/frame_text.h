@@ -2,6 +2,8 @@
 #ifndef PLATFORM_FRAME_TEXT_H
 #define PLATFORM_FRAME_TEXT_H
 
+#include <cstdint>
+
 #include "platform/stack.h"
 
 namespace platform {

@@ -6,8 +6,6 @@
 #ifndef PLATFORM_PATHS_H
 #define PLATFORM_PATHS_H
 
-#include <cstddef>
-
 namespace platform {
 
 // The form of one path that the system's calls take. Keeps the caller's text where nothing has to change in it, so the

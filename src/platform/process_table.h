@@ -2,6 +2,7 @@
 #ifndef PLATFORM_PROCESS_TABLE_H
 #define PLATFORM_PROCESS_TABLE_H
 
+#include <climits>
 #include <cstdint>
 
 namespace platform {
@@ -13,6 +14,11 @@ struct ProcessIdentity {
     // unknown: whoever has the number.
     std::int64_t born;
 };
+
+// Whoever has the number; 0 for numbers that no process can have, which nothing here takes.
+constexpr ProcessIdentity Anybody(unsigned long pid) noexcept {
+    return {pid <= INT_MAX ? static_cast<int>(pid) : 0, 0};
+}
 
 struct ProcessEntry {
     // Whether it could start others at this moment: not when it is stopped; when it is blocked in the system, not soon.

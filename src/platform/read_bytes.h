@@ -2,6 +2,10 @@
 #ifndef PLATFORM_READ_BYTES_H
 #define PLATFORM_READ_BYTES_H
 
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+
 #include "platform/streams.h"
 
 namespace platform {

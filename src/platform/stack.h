@@ -2,7 +2,6 @@
 #ifndef PLATFORM_STACK_H
 #define PLATFORM_STACK_H
 
-#include <cstddef>
 #include <cstdint>
 
 namespace platform {

@@ -13,9 +13,10 @@ namespace platform {
 // inherit the file.
 std::FILE* OpenStream(const char* path, const char* mode) noexcept;
 
-// Reads what has arrived behind the position of the descriptor, up to `size` bytes (at most 1 GiB): waits for the first
-// byte alone. 0 at the end; -1, with errno set, on failure. Interruptions are retried. In text mode Windows gives CR LF
-// as LF. For streams that are read in no other way, since their own buffer is passed by.
+// Reads what has arrived behind the position of the descriptor, up to `size` bytes (at most MostToArrive): waits for
+// the first byte alone. 0 at the end; -1, with errno set, on failure. Interruptions are retried. In text mode Windows
+// gives CR LF as LF. For streams that are read in no other way, since their own buffer is passed by.
+inline constexpr std::size_t MostToArrive = std::size_t{1} << 30;  // systems count what is read with 32 bits
 std::ptrdiff_t ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept;
 
 // Writes up to MostPieces pieces behind what the stream holds: in one call of the system's where it has one for that.

@@ -11,9 +11,9 @@ unsigned int CurrentThreadId() noexcept;
 // that has no names for threads changes nothing.
 void NameCurrentThread(const char* name) noexcept;
 
-// Calls `body(argument)` on a new thread that nobody waits for. False when the system gives
-// none. (A std::thread that is detached does not serve: with mingw-w64 12, some of many that start and are detached at
-// the same time find their function lost.)
+// Calls `body(argument)` on a new thread that nobody waits for. False when the system gives none. (A std::thread that
+// is detached does not serve: with mingw-w64 12, some of many that start and are detached at the same time find their
+// function lost.)
 bool StartThread(void (*body)(void* argument), void* argument) noexcept;
 
 // Keeps the library's code in the process to its end, whoever unloads it: for threads that run its code and that an

@@ -6,8 +6,6 @@
 #ifndef PLATFORM_TREE_CURSOR_H
 #define PLATFORM_TREE_CURSOR_H
 
-#include <utility>
-
 #include "platform/directories.h"
 
 namespace platform {

@@ -5,7 +5,11 @@
 #include <cstddef>
 #include <string_view>
 
-// The rules of platform::ToUtf16, for UTF-8.
+namespace platform {
+
+// The rules of ToUtf16, for UTF-8.
 std::size_t Utf8ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept;
+
+}  // namespace platform
 
 #endif

@@ -1,3 +1,6 @@
+// Publishers share a list by count. A call goes by positions and holds the list, since subscribers may change it or end
+// the publisher.
+
 #include "TACallback.h"
 
 #include <new>

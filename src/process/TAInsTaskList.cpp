@@ -11,6 +11,7 @@
 #include "TAFileName.h"
 #include "ZELString.h"
 #include "files/path_names.h"
+#include "foundations/allocation.h"
 #include "foundations/console.h"
 #include "platform/process_image.h"
 #include "platform/process_table.h"
@@ -20,9 +21,6 @@ namespace {
 
 constexpr int MostProcesses = 1000;
 
-struct FreeBlock {
-    void operator()(void* block) const noexcept { std::free(block); }
-};
 using Text = std::unique_ptr<char, FreeBlock>;
 
 struct Task {

@@ -1,7 +1,10 @@
+// A mutex of the seam, shared by count; the mark that it is closed is what makes all copies end together.
+
 #include "TAMutex.h"
 
 #include <atomic>
 #include <new>
+#include <string_view>
 
 #include "foundations/console.h"
 #include "platform/named_mutex.h"

@@ -7,6 +7,7 @@
 #include "TAProcess.h"
 
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include "TADiagnostics.h"

@@ -1,66 +1,19 @@
-// Thin functions over the ledger, the tree and the seam. A polite end goes through the enumeration of windows, whose
-// visitor is public and takes a number only: what it found, and for whom certainly, is kept for each thread.
+// Thin functions over the ledger, the tree and the seam.
 
 #include "TAProcessKill.h"
-
-#include <climits>
 
 #include "TADiagnostics.h"
 #include "TAInsTaskList.h"
 #include "ZELToken.h"
 #include "platform/process_kill.h"
 #include "process/child_ledger.h"
+#include "process/polite_end.h"
 #include "process/process_tree.h"
 
-namespace {
-
-using platform::ProcessIdentity;
-
-// Numbers that no process can have become 0, which no function below takes.
-ProcessIdentity Anybody(unsigned long pid) {
-    return {pid <= INT_MAX ? static_cast<int>(pid) : 0, 0};
-}
-
-struct PoliteEnd {
-    ProcessIdentity process;
-    bool isFound;
-    int result;
-};
-
-thread_local PoliteEnd polite = {};
-
-int Force(const ProcessIdentity& process) {
-    return KillAndNote(process, ForcedExitCode) ? 1 : 0;
-}
-
-}  // namespace
+using platform::Anybody;
 
 int KillPid(unsigned long pid, unsigned int exitCode) noexcept {
     return KillAndNote(Anybody(pid), exitCode) ? 1 : 0;
-}
-
-int EnumWindowsProc(HWND window, unsigned long pid) noexcept {
-    ProcessIdentity process = Anybody(pid);
-    if (process.pid == polite.process.pid) process = polite.process;
-    if (process.pid == 0) return 1;
-    const platform::Answer answer = platform::AskToEnd(window, process);
-    if (answer == platform::Answer::NotIts) return 1;
-    polite.isFound = true;
-    if (answer == platform::Answer::Ended)
-        polite.result = 1;
-    else
-        polite.result = answer == platform::Answer::Unknown ? 0 : Force(process);
-    return 0;
-}
-
-int EndPolitely(const ProcessIdentity& process) noexcept {
-    if (process.pid <= 0) return 0;
-    NoteRequest(process);
-    polite = {process, false, 0};
-    platform::VisitWindows(EnumWindowsProc, static_cast<unsigned long>(process.pid));
-    const PoliteEnd outcome = polite;
-    polite = {};
-    return outcome.isFound ? outcome.result : Force(process);
 }
 
 int CloseOrKillPid(unsigned long pid) noexcept {
@@ -76,7 +29,7 @@ int KillBaseProcess(unsigned long pid, const int& forceOnly) noexcept {
 
 int KillBaseProcessTree(unsigned long pid, const int& forceOnly) noexcept {
     if (pid == 0) return -1;
-    const ProcessIdentity root = Anybody(pid);
+    const platform::ProcessIdentity root = Anybody(pid);
     if (root.pid == 0) return 1;
     const platform::DebugPrivilege privilege;
     return KillProcessTree(root, forceOnly != 0);

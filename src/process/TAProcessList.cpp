@@ -7,7 +7,6 @@
 #include "TAProcessList.h"
 
 #include <algorithm>
-#include <bit>
 #include <chrono>
 #include <ctime>
 #include <new>

@@ -1,3 +1,5 @@
+// A plain count with two checks that end the process: a release too many, and an end while others have references.
+
 #include "TARefCounter.h"
 
 #include "TADiagnostics.h"

@@ -12,6 +12,7 @@
 #include "TAThread.h"
 
 #include <cstdarg>
+#include <cstdio>
 #include <new>
 #include <utility>
 

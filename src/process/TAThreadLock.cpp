@@ -9,6 +9,7 @@
 
 #include "foundations/binary_semaphore.h"
 #include "foundations/console.h"
+#include "foundations/shared_body.h"
 
 struct TAThreadLock::Shared {
     std::atomic<std::uint32_t> word{0};
@@ -19,25 +20,16 @@ TAThreadLock::TAThreadLock() noexcept : _shared(new (std::nothrow) Shared) {
     if (_shared == nullptr) ReportAllocFailure("TAThreadLock", sizeof(Shared));
 }
 
-TAThreadLock::TAThreadLock(const TAThreadLock& other) noexcept : _shared(other._shared) {
-    if (_shared != nullptr) ++_shared->owners;
-}
+TAThreadLock::TAThreadLock(const TAThreadLock& other) noexcept : _shared(KeepShare(other._shared)) {}
 
 TAThreadLock& TAThreadLock::operator=(const TAThreadLock& other) noexcept {
-    if (_shared == other._shared) return *this;
-    Drop();
-    _shared = other._shared;
-    if (_shared != nullptr) ++_shared->owners;
+    AssignShare(_shared, other._shared);
     return *this;
 }
 
 TAThreadLock::~TAThreadLock() {
     if (_shared != nullptr) CloseSemaphore(_shared->word);
-    Drop();
-}
-
-void TAThreadLock::Drop() noexcept {
-    if (_shared != nullptr && --_shared->owners == 0) delete _shared;
+    DropShare(_shared);
 }
 
 int TAThreadLock::GetLock() {

@@ -16,9 +16,11 @@
 #include <thread>
 
 #include "foundations/console.h"
+#include "platform/deadline.h"
 #include "platform/process_kill.h"
 #include "platform/system.h"
 #include "process/child_ledger.h"
+#include "process/polite_end.h"
 
 using platform::ProcessEntry;
 
@@ -155,12 +157,10 @@ bool ProcessTree::KillOthers() noexcept {
 }
 
 void ProcessTree::AwaitEnds() const noexcept {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point end = Clock::now() + std::chrono::seconds(2);
-    for (const ProcessEntry& member : _members) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (member.self.pid != _caller) platform::AwaitProcessEnd(member.self, left > 0 ? static_cast<int>(left) : 0);
-    }
+    constexpr int LongestWait = 2000;
+    const platform::Deadline deadline(LongestWait);
+    for (const ProcessEntry& member : _members)
+        if (member.self.pid != _caller) platform::AwaitProcessEnd(member.self, deadline.Left());
 }
 
 void ProcessTree::KillCaller() noexcept {

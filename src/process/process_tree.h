@@ -43,7 +43,4 @@ int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexc
 // Ends several trees by force, together: most of the cost is in looking at all processes.
 void KillProcessTrees(const ProcessEntries& roots) noexcept;
 
-// Ends one process politely; as CloseOrKillPid of TAProcessKill.h.
-int EndPolitely(const platform::ProcessIdentity& process) noexcept;
-
 #endif

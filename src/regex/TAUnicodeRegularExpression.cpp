@@ -7,6 +7,7 @@
 #include "TAUnicodeRegularExpression.h"
 
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include "ZELHashSCMap.h"

@@ -1,8 +1,6 @@
 // What matching wants to know beside the lexemes: the set of each block, the borders of long literals, and the tail of
 // lexemes whose sizes are all fixed.
 
-#include <algorithm>
-
 #include "TAUnicodeRegularExpression.h"
 #include "regex/block_set.h"
 #include "regex/literal_search.h"

@@ -1,3 +1,5 @@
+// The Knuth-Morris-Pratt search, kept between calls, so that what was read once is not read again.
+
 #include "regex/literal_search.h"
 
 void FindBorders(std::u32string_view literal, int* borders) noexcept {

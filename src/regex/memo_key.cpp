@@ -1,7 +1,8 @@
+// UTF-8 inside the object where it surely fits, else in a block.
+
 #include "regex/memo_key.h"
 
 #include <cstdlib>
-#include <utility>
 
 #include "foundations/allocation.h"
 #include "foundations/console.h"

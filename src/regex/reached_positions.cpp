@@ -1,3 +1,5 @@
+// The set once it has gaps: finding, adding and dropping single bits.
+
 #include "regex/reached_positions.h"
 
 #include <algorithm>

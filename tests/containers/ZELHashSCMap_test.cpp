@@ -7,6 +7,7 @@
 #include "containers/map_model.h"
 #include "containers/text_hash.h"
 #include "foundations/allocation.h"
+#include "support/failing_memory.h"
 #include "support/slots.h"
 
 namespace {
@@ -170,32 +171,27 @@ TEST(ZELHashSCMap, CopiesAreViewsUntilTheyAreChanged) {
 // Each allocation fails once, for all of them: the map loses nothing but the one entry, and takes it the next time.
 TEST(ZELHashSCMap, SurvivesEachFailedAllocation) {
     std::vector<std::unique_ptr<ZELHashSCMap>> maps;  // they keep their nodes, so that each round needs new ones
-    std::string told;
-    bool failed = true;
-    for (int number = 1; failed; ++number) {
-        testing::internal::CaptureStdout();
-        FailAllocation(number);
+    const AllocationFailures failures = FailEachAllocation([&](FailingMemory& memory) {
+        const bool hasTable = !maps.empty();
+        memory.Begin();
         ZELHashSCMap& map = *maps.emplace_back(std::make_unique<ZELHashSCMap>());
-        const bool hasTable = number > 1;
         for (int i = 0; i < 25000; ++i) {
             // The last one is too long for the block of its entry.
             const std::string key = "key" + std::to_string(i) + std::string(i == 24999 ? 2000 : 0, 'x');
             if (map.insert(key.c_str(), Value(i)) != nullptr) continue;
             ASSERT_EQ(map.insert(key.c_str(), Value(i)) != nullptr, hasTable);
         }
-        failed = !IsAllocationFailureDue();
+        memory.End();
         ASSERT_EQ(map.size(), hasTable ? 25000 : 0);
         ASSERT_EQ(std::distance(map.begin(), map.end()), map.size());
         ASSERT_EQ(map.contains("key24998"), hasTable);
         map.remove("no key");
-        told += WithoutReturns(testing::internal::GetCapturedStdout());
-    }
-    FailAllocation(0);
+    });
     for (const char* const line :
          {"ZELHashSCMap: unable to malloc(_maxSize * sizeof(link)) : 64\n",
           "insert: unable to malloc(_maxSize * sizeof(link)) : 256\n", "createNode: unable to strdup()\n",
           "createBlocOfFreeNode: unable to create new node[20000]\n"})
-        EXPECT_NE(told.find(std::string("# Alloc failed in ZELHashSCMap::") + line), std::string::npos) << line;
+        EXPECT_TRUE(Holds(failures.said, std::string("# Alloc failed in ZELHashSCMap::") + line)) << line;
 }
 
 TEST(ZELHashSCMap, ViewsAndIteratorsSurviveEachFailedAllocation) {
@@ -204,22 +200,18 @@ TEST(ZELHashSCMap, ViewsAndIteratorsSurviveEachFailedAllocation) {
     const std::string filler(60000, 'f');   // each copy needs a block of the pool
     for (char c = 'a'; c < 'e'; ++c) original.insert((filler + c).c_str(), Value(c));
     const Entries held = Rest(std::unique_ptr<ZELMapIterator>(original.getIterator()).get());
-    testing::internal::CaptureStdout();
-    bool failed = true;
-    for (int number = 1; failed; ++number) {
+    FailEachAllocation([&](FailingMemory& memory) {
         ZELHashSCMap view(original), cleared(original);
-        FailAllocation(number);
+        memory.Begin();
         const int inserted = view.insert("new", nullptr) != nullptr ? 1 : 0;
         cleared.clear();
         const std::unique_ptr<ZELMapIterator> iterator(original.getIterator());
-        failed = !IsAllocationFailureDue();
-        FailAllocation(0);
+        const bool failed = memory.End();
         EXPECT_GE(inserted + (cleared.size() == 0 ? 1 : 0) + (iterator != nullptr ? 1 : 0), failed ? 2 : 3);
         EXPECT_EQ(view.size(), 4 + inserted);
         for (const auto& [key, value] : held) EXPECT_TRUE(view.contains(key));
         ExpectHolds(original, held);
-    }
-    testing::internal::GetCapturedStdout();
+    });
 }
 
 TEST(ZELHashSCMap, ServesNewEntriesFromRemovedOnes) {

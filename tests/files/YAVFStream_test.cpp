@@ -5,7 +5,7 @@
 
 #include "ZELFilePrepro.h"
 #include "ZELQMAStream.h"
-#include "foundations/allocation.h"
+#include "support/failing_memory.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 
@@ -252,11 +252,9 @@ TEST_F(Streams, ALineIsGivenAsSoonAsItIsThere) {
 TEST_F(Streams, EachFailedAllocationIsAFailureAndNoMore) {
     WriteBytes(file, "line\n");
     std::FILE* const lent = std::fopen(file.c_str(), "rb");
-    bool failed = true;
-    for (int number = 1; failed; ++number) {
+    FailEachAllocation([&](FailingMemory& memory) {
         std::rewind(lent);
-        testing::internal::CaptureStdout();
-        FailAllocation(number);
+        memory.Begin();
         ZELString line;
         char* text = nullptr;
         YAVIFStream own(file.c_str(), 0), borrowed(lent);
@@ -264,12 +262,9 @@ TEST_F(Streams, EachFailedAllocationIsAFailureAndNoMore) {
         const int failures = own.getline(line, '\n', 0) + borrowed.getline(line, '\n', 0) +
                              (reader.fopen(file.c_str(), "r") == nullptr || reader.getline(text) == 0 ? 1 : 0) +
                              (ZELFilePrepro(file.c_str()).preprocess(0, text) != 0 ? 1 : (std::free(text), 0));
-        failed = !IsAllocationFailureDue();
-        FailAllocation(0);
+        EXPECT_EQ(failures, memory.End() ? 1 : 0);
         reader.fclose();
-        EXPECT_EQ(testing::internal::GetCapturedStdout().find("# Alloc failed in "), failed ? 0 : std::string::npos);
-        EXPECT_EQ(failures, failed ? 1 : 0) << number;
-    }
+    });
     EXPECT_EQ(std::fclose(lent), 0);
 }
 

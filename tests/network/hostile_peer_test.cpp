@@ -1,8 +1,8 @@
 // Peers that break off, lie, dawdle and vanish. Whatever they do, a call ends with its message and nothing is lost.
 #include <chrono>
 
-#include "foundations/allocation.h"
 #include "network/peer.h"
+#include "support/failing_memory.h"
 #include "support/files.h"
 #include "support/test_system.h"
 
@@ -266,26 +266,20 @@ TEST(HostilePeer, WithoutMemory) {
     const TemporaryFolder folder;
     WriteBytes(folder / "in", "contents");
     const Variable compress("TASocketCompress", "1");
-    int failed = 0;
-    for (int number = 1;; ++number) {
+    const auto talk = [&](FailingMemory& memory) {
         Listener listener;
         Peer peer(listener.port);
         peer.Send(Block("query") + Block("bytes") + Block("12345") + "    " + Block("5"));
-        testing::internal::CaptureStdout();
         TASocket socket;
         ZELString query;
-        FailAllocation(number);
+        memory.Begin();
         const bool isRefused = listener.server.GetQuery(10, query, socket) != 0 || GetBytes(socket) != 0 ||
                                GetFile(socket) != 0 || socket.PutBlock("some words") != 0 ||
                                socket.PutFile((folder / "in").c_str()) != 0;
-        const bool isOver = IsAllocationFailureDue();
-        FailAllocation(0);
-        const std::string said = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(isRefused, !isOver) << number;
-        if (isOver) break;
-        ++failed;
-    }
-    EXPECT_GE(failed, 6);
+        EXPECT_EQ(isRefused, memory.End());
+    };
+    // A binary block that finds no memory is told by its message alone.
+    EXPECT_GE(FailEachAllocation(talk, false).count, 6);
 }
 
 // Many clients at once, each faulty in its own way, again and again.

@@ -1,7 +1,7 @@
 #include "TAPObject.h"
 
 #include "counted.h"
-#include "foundations/allocation.h"
+#include "support/failing_memory.h"
 #include "support/files.h"
 #include "support/test_system.h"
 #include "support/testing.h"
@@ -210,17 +210,14 @@ TEST(TAPObject, TreesEndInOrderAndDoNotNeedStack) {
 
 TEST(TAPObject, MissingMemoryChangesNothingAndLeaksNothing) {
     const TemporaryFolder folder;
-    testing::internal::CaptureStdout();
     TAPAttr lists{ZELListValTAPAttr()};
     for (int i = 0; i < 3; ++i) lists.GetList().Append(lists.GetList());
     lists.GetList()[3].GetList().Append(TAFileName("file"));
     const TAPAttr fresh("new"), tail(" tail");
-    std::string faults;
-    int failures = 0;
-    for (bool isDue = false; !isDue; ++failures) {
+    const AllocationFailures failures = FailEachAllocation([&](FailingMemory& memory) {
         TAPObject child, object;
         object.SetAttribute("text", "old");
-        FailAllocation(failures + 1);
+        memory.Begin();
         object.SetAttribute("child", &child);
         object.SetAttribute("text", fresh);
         const int appended = object.AppendToAttribute("text", tail) + object.AppendToAttribute("list", &child);
@@ -230,16 +227,13 @@ TEST(TAPObject, MissingMemoryChangesNothingAndLeaksNothing) {
         TAPAttr assigned;
         assigned = copiedLists;
         object.SaveToFile(folder.Path().c_str());
-        isDue = IsAllocationFailureDue();
-        FailAllocation(0);
+        memory.End();
         const bool hasAll = object.GetAttribute("text").GetString().Length() == 8 && object.HasAttribute("list") == 1;
         const bool isCopy = copy.HasAttribute("text") == 0 || copy.GetAttribute("text") == object.GetAttribute("text");
         const bool isList = copiedLists == lists || (copiedLists == TAPAttr() && assigned == TAPAttr());
-        if ((appended == 0) != hasAll || !isCopy || !isList) faults += std::to_string(failures) + " ";
-    }
-    const std::string said = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(faults, "");
-    EXPECT_GT(failures, 15) << said;
+        EXPECT_TRUE((appended == 0) == hasAll && isCopy && isList);
+    });
+    EXPECT_GE(failures.count, 15) << failures.said;
     for (const char* who : {"TAPAttr", "TAPObject", "TAPPath", "TAPObjectSaveContext"})
-        EXPECT_NE(said.find(std::string("# Alloc failed in ") + who), std::string::npos) << said;
+        EXPECT_TRUE(Holds(failures.said, std::string("# Alloc failed in ") + who)) << failures.said;
 }

@@ -14,7 +14,8 @@
 #include <limits.h>
 #include <sys/stat.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <cstdio>  // renameat2
 #include <cstring>
 
 #include "platform/posix/descriptor.h"

@@ -1,3 +1,5 @@
+// /proc names the program of a process; programs are named by plain paths, so a directory needs no more than its form.
+
 #include "platform/process_image.h"
 
 #include <unistd.h>

@@ -14,6 +14,7 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/deadline.h"
 #include "platform/posix/descriptor.h"
 
 namespace {
@@ -57,12 +58,11 @@ bool HoldProcess(const ProcessIdentity& process) noexcept {
 
 // Looks again and again, more rarely as time goes by: needs no descriptor and bears a process of any parent.
 bool AwaitProcessEnd(const ProcessIdentity& process, int milliseconds) noexcept {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    const Deadline deadline(milliseconds);
     std::chrono::microseconds pause(50);
     constexpr std::chrono::microseconds LongestPause(10000);
     while (IsAlive(process)) {
-        if (Clock::now() >= end) return false;
+        if (deadline.Left() == 0) return false;
         std::this_thread::sleep_for(pause);
         pause = std::min(2 * pause, LongestPause);
     }

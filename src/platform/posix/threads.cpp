@@ -1,3 +1,5 @@
+// Threads by the C library's own calls. What a new thread is to call travels in a block that the thread frees.
+
 #include "platform/threads.h"
 
 #include <dlfcn.h>

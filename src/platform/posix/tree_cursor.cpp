@@ -12,9 +12,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <new>
+#include <utility>
 
 #include "foundations/console.h"
 #include "platform/paths.h"

@@ -10,6 +10,7 @@
 
 #include "foundations/console.h"
 #include "platform/paths.h"
+#include "platform/windows/file_look.h"
 
 namespace {
 
@@ -31,8 +32,7 @@ platform::EntryKind KindOfEntry(const WIN32_FIND_DATAA& found) {
 
 // The pattern for everything in `path`; false for what is no directory, so that patterns in `path` itself find nothing.
 bool MakePattern(const char* path, char (&pattern)[MAX_PATH + 2]) {
-    const DWORD attributes = GetFileAttributesA(path);
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return false;
+    if (!platform::HasAttributes(path, FILE_ATTRIBUTE_DIRECTORY)) return false;
     const std::size_t length = std::strlen(path);
     if (length == 0 || length >= MAX_PATH) return false;
     const bool separated = path[length - 1] == '\\' || path[length - 1] == '/';

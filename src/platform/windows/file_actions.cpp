@@ -5,9 +5,6 @@
 #include <direct.h>
 #include <windows.h>
 
-#include <cstdlib>
-#include <cstring>
-
 #include "platform/paths.h"
 
 platform::PathKind platform::KindOf(const char* path) noexcept {

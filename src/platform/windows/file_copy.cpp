@@ -12,29 +12,17 @@
 #include <cstdio>
 #include <cstring>
 
+#include "platform/windows/file_look.h"
+
 namespace {
 
-class FileHandle {
-public:
-    FileHandle(const char* path, DWORD access) noexcept
-        : _handle(CreateFileA(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)) {}
-    FileHandle(const FileHandle&) = delete;
-    FileHandle& operator=(const FileHandle&) = delete;
-    ~FileHandle() {
-        if (IsOpen()) CloseHandle(_handle);
-    }
-    HANDLE Handle() const noexcept { return _handle; }
-    bool IsOpen() const noexcept { return _handle != INVALID_HANDLE_VALUE; }
-    // Whether it is a file with contents; `about` is filled then.
-    bool IsRegular(BY_HANDLE_FILE_INFORMATION& about) const noexcept {
-        return GetFileType(_handle) == FILE_TYPE_DISK && GetFileInformationByHandle(_handle, &about) &&
-               (about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-    }
+using platform::Handle;
 
-private:
-    HANDLE _handle;
-};
+// Whether it is a file with contents; `about` is filled then.
+bool IsRegular(const Handle& file, BY_HANDLE_FILE_INFORMATION& about) {
+    return GetFileType(file.Get()) == FILE_TYPE_DISK && GetFileInformationByHandle(file.Get(), &about) &&
+           (about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
 
 bool IsSameFile(const BY_HANDLE_FILE_INFORMATION& left, const BY_HANDLE_FILE_INFORMATION& right) {
     return left.dwVolumeSerialNumber == right.dwVolumeSerialNumber && left.nFileIndexHigh == right.nFileIndexHigh &&
@@ -42,11 +30,10 @@ bool IsSameFile(const BY_HANDLE_FILE_INFORMATION& left, const BY_HANDLE_FILE_INF
 }
 
 // Replaces the name of a link by the name of the file it leads to.
-bool FollowLink(const FileHandle& file, char (&path)[MAX_PATH]) {
-    const DWORD attributes = GetFileAttributesA(path);
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return true;
+bool FollowLink(const Handle& file, char (&path)[MAX_PATH]) {
+    if (!platform::HasAttributes(path, FILE_ATTRIBUTE_REPARSE_POINT)) return true;
     char target[MAX_PATH + 4];
-    const DWORD length = GetFinalPathNameByHandleA(file.Handle(), target, sizeof target, FILE_NAME_NORMALIZED);
+    const DWORD length = GetFinalPathNameByHandleA(file.Get(), target, sizeof target, FILE_NAME_NORMALIZED);
     if (length == 0 || length >= sizeof target) return false;
     const bool prefixed = std::strncmp(target, "\\\\?\\", 4) == 0 && std::strncmp(target + 4, "UNC\\", 4) != 0;
     std::strcpy(path, target + (prefixed ? 4 : 0));
@@ -56,14 +43,14 @@ bool FollowLink(const FileHandle& file, char (&path)[MAX_PATH]) {
 // Looks at the target and replaces its name if it is a link. ZELCopyDone: the way is free, or `sameFile` is set.
 ZELCopyStatus CheckTarget(char (&path)[MAX_PATH], const BY_HANDLE_FILE_INFORMATION& source, bool replaceExisting,
                           bool& sameFile) {
-    const FileHandle target(path, 0);
+    const Handle target = platform::OpenToLook(path, 0);
     if (!target.IsOpen()) {
         // A link that leads nowhere exists, while its file does not.
         const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
         return missing && GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES ? ZELCopyDone : ZELCopyTargetUnwritable;
     }
     BY_HANDLE_FILE_INFORMATION about;
-    const bool regular = target.IsRegular(about);
+    const bool regular = IsRegular(target, about);
     sameFile = regular && IsSameFile(source, about);
     if (sameFile) return ZELCopyDone;
     if (!replaceExisting) return ZELCopyTargetExists;
@@ -96,7 +83,7 @@ ZELCopyStatus CopyBeside(const char* source, const char* target, char (&temporar
         if (error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS) continue;
         // The system does not say which side failed. Nothing of that name was there before, so what is there is ours.
         RemoveTemporary(temporary);
-        return FileHandle(source, GENERIC_READ).IsOpen() ? ZELCopyTargetUnwritable : ZELCopySourceUnreadable;
+        return platform::OpenToLook(source, GENERIC_READ).IsOpen() ? ZELCopyTargetUnwritable : ZELCopySourceUnreadable;
     }
     return ZELCopyTargetUnwritable;
 }
@@ -106,9 +93,9 @@ ZELCopyStatus CopyBeside(const char* source, const char* target, char (&temporar
 ZELCopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     BY_HANDLE_FILE_INFORMATION source;
     {
-        const FileHandle file(from, 0);
+        const Handle file = OpenToLook(from, 0);
         if (!file.IsOpen()) return ZELCopySourceUnreadable;
-        if (!file.IsRegular(source)) return ZELCopySourceNotRegular;
+        if (!IsRegular(file, source)) return ZELCopySourceNotRegular;
     }
     char target[MAX_PATH];
     if (std::strlen(to) >= sizeof target) return ZELCopyTargetUnwritable;

@@ -5,15 +5,15 @@
 #include <windows.h>
 
 #include "platform/paths.h"
+#include "platform/windows/file_look.h"
+#include "platform/windows/file_time.h"
 
 namespace {
 
-// Counted in units of 100 nanoseconds since 1601.
 std::int64_t ToUnixSeconds(const FILETIME& time) {
-    constexpr std::int64_t UnitsPerSecond = 10'000'000;
+    constexpr std::int64_t TicksPerSecond = 10'000'000;
     constexpr std::int64_t SecondsTo1970 = 11'644'473'600;
-    const std::int64_t units = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
-    return units / UnitsPerSecond - SecondsTo1970;
+    return platform::Ticks(time) / TicksPerSecond - SecondsTo1970;
 }
 
 }  // namespace
@@ -21,14 +21,9 @@ std::int64_t ToUnixSeconds(const FILETIME& time) {
 bool platform::ReadFileStatus(const char* path, FileStatus& status) noexcept {
     const NativePath native(path);
     if (native.Text() == nullptr) return false;
-    constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file = CreateFileA(native.Text(), FILE_READ_ATTRIBUTES, ShareAll, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
+    const Handle file = OpenToLook(native.Text(), FILE_READ_ATTRIBUTES);
     BY_HANDLE_FILE_INFORMATION found;
-    const bool told = GetFileInformationByHandle(file, &found);
-    CloseHandle(file);
-    if (!told) return false;
+    if (!file.IsOpen() || !GetFileInformationByHandle(file.Get(), &found)) return false;
     const bool isDirectory = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     status.size = isDirectory ? 0 : (static_cast<std::int64_t>(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
     status.modified = ToUnixSeconds(found.ftLastWriteTime);

@@ -1,4 +1,4 @@
-// What every file of this folder needs around handles.
+// Handles that close themselves.
 #ifndef PLATFORM_WINDOWS_HANDLE_H
 #define PLATFORM_WINDOWS_HANDLE_H
 

@@ -9,11 +9,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/windows/handle.h"
+
 bool platform::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
-    const HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, static_cast<DWORD>(pid));
-    if (process == nullptr) return false;
-    const DWORD length = GetProcessImageFileNameA(process, path, ImagePathSize);
-    CloseHandle(process);
+    const Handle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, static_cast<DWORD>(pid)));
+    if (!process.IsOpen()) return false;
+    const DWORD length = GetProcessImageFileNameA(process.Get(), path, ImagePathSize);
     path[ImagePathSize - 1] = '\0';
     return length != 0;
 }

@@ -2,8 +2,11 @@
 
 #include "platform/process_kill.h"
 
+#include <utility>
+
 #include <windows.h>
 
+#include "platform/windows/file_time.h"
 #include "platform/windows/handle.h"
 
 namespace {
@@ -16,7 +19,7 @@ bool IsIt(HANDLE process, const ProcessIdentity& identity) {
     if (identity.born == 0) return true;
     FILETIME born, ended, kernel, user;
     if (!GetProcessTimes(process, &born, &ended, &kernel, &user)) return false;
-    return (static_cast<std::int64_t>(born.dwHighDateTime) << 32 | born.dwLowDateTime) == identity.born;
+    return platform::Ticks(born) == identity.born;
 }
 
 bool HasEnded(HANDLE process) {

@@ -90,6 +90,16 @@ private:
     wchar_t* _text = nullptr;
 };
 
+// The file as ChildFile keeps it; INVALID_HANDLE_VALUE without memory too.
+std::intptr_t OpenForChild(const char* path, DWORD access, DWORD creation) {
+    const WideText wide(path);
+    constexpr DWORD Sharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    const HANDLE file = wide.Text() != nullptr ? CreateFileW(wide.Text(), access, Sharing, nullptr, creation,
+                                                             FILE_ATTRIBUTE_NORMAL, nullptr)
+                                               : INVALID_HANDLE_VALUE;
+    return reinterpret_cast<std::intptr_t>(file);
+}
+
 // An inheritable twin, for as long as the lock is held; none for a file that is not open.
 Handle MakeInheritable(HANDLE file) {
     HANDLE twin = nullptr;
@@ -161,18 +171,12 @@ ChildFile::~ChildFile() {
 }
 
 bool ChildFile::OpenForWriting(const char* path) noexcept {
-    const WideText wide(path);
-    if (wide.Text() == nullptr) return false;
-    _file = reinterpret_cast<std::intptr_t>(CreateFileW(wide.Text(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                        nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    _file = OpenForChild(path, GENERIC_WRITE, CREATE_ALWAYS);
     return IsOpen();
 }
 
 bool ChildFile::OpenForReading(const char* path) noexcept {
-    const WideText wide(path);
-    if (wide.Text() == nullptr) return false;
-    _file = reinterpret_cast<std::intptr_t>(CreateFileW(wide.Text(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                        nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    _file = OpenForChild(path, GENERIC_READ, OPEN_EXISTING);
     return IsOpen();
 }
 

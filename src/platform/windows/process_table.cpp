@@ -10,8 +10,10 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <utility>
 
 #include "foundations/console.h"
+#include "platform/windows/file_time.h"
 #include "platform/windows/handle.h"
 
 namespace {
@@ -24,10 +26,6 @@ using QueryInformation = NTSTATUS(NTAPI*)(HANDLE, PROCESSINFOCLASS, PVOID, ULONG
 QueryInformation FindQuery() {
     return reinterpret_cast<QueryInformation>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll"), "NtQueryInformationProcess")));
-}
-
-std::int64_t Ticks(const FILETIME& time) {
-    return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
 }
 
 // The system ignores the lowest bits of a number when it opens a process.

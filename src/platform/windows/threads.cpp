@@ -1,3 +1,6 @@
+// Threads by the C runtime's and the system's calls. What a new thread is to call travels in a block that the thread
+// frees.
+
 #include "platform/threads.h"
 
 #include <process.h>

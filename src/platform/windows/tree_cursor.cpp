@@ -10,9 +10,12 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "foundations/console.h"
 #include "platform/paths.h"
+#include "platform/windows/file_look.h"
+#include "platform/windows/handle.h"
 
 namespace {
 
@@ -29,8 +32,7 @@ bool IsGone(const char* path) noexcept {
 template <class Remove>
 bool RemoveInSpite(const char* path, Remove remove) noexcept {
     if (remove(path)) return true;
-    const DWORD attributes = GetFileAttributesA(path);
-    const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    const bool isLink = platform::HasAttributes(path, FILE_ATTRIBUTE_REPARSE_POINT);
     if (!isLink && SetFileAttributesA(path, FILE_ATTRIBUTE_NORMAL) && remove(path)) return true;
     return IsGone(path);
 }
@@ -39,8 +41,8 @@ bool RemoveInSpite(const char* path, Remove remove) noexcept {
 
 struct platform::TreeCursor::State {
     struct Level {
-        HANDLE handle;
-        std::size_t length;  // of the path of the directory
+        Handle handle;
+        std::size_t length = 0;  // of the path of the directory
     };
     // Paths end before MAX_PATH, and every level takes a separator and a character.
     static constexpr std::size_t MostLevels = MAX_PATH / 2;
@@ -48,11 +50,8 @@ struct platform::TreeCursor::State {
     explicit State(bool removes) noexcept : removing(removes) {}
     State(const State&) = delete;
     State& operator=(const State&) = delete;
-    ~State() { CloseLevels(); }
 
-    void CloseLevels() noexcept {
-        while (depth > 0) CloseHandle(levels[--depth].handle);
-    }
+    void CloseLevel() noexcept { levels[--depth] = Level(); }
     // Writes the path of an entry behind the current directory; false when it gets too long.
     bool Append(const char* name) noexcept {
         const std::size_t length = levels[depth - 1].length;
@@ -77,15 +76,10 @@ bool platform::TreeCursor::State::Push(bool followLink) noexcept {
     if (depth == MostLevels) return false;
     const DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | (removing ? 0 : FILE_SHARE_DELETE);
     const DWORD flags = FILE_FLAG_BACKUP_SEMANTICS | (followLink ? 0 : FILE_FLAG_OPEN_REPARSE_POINT);
-    const HANDLE handle = CreateFileA(path, FILE_LIST_DIRECTORY, sharing, nullptr, OPEN_EXISTING, flags, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return false;
-    const DWORD attributes = GetFileAttributesA(path);
-    const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    if ((isLink && !followLink) || !listing.Open(path)) {
-        CloseHandle(handle);
-        return false;
-    }
-    levels[depth++] = {handle, std::strlen(path)};
+    Handle handle(CreateFileA(path, FILE_LIST_DIRECTORY, sharing, nullptr, OPEN_EXISTING, flags, nullptr));
+    if (!handle.IsOpen() || (!followLink && HasAttributes(path, FILE_ATTRIBUTE_REPARSE_POINT))) return false;
+    if (!listing.Open(path)) return false;
+    levels[depth++] = {std::move(handle), std::strlen(path)};
     return true;
 }
 
@@ -126,16 +120,14 @@ bool platform::TreeCursor::Enter(const char* name) noexcept {
 bool platform::TreeCursor::Leave() noexcept {
     if (_state == nullptr || _state->depth < 2) return false;
     _state->listing.Close();
-    CloseHandle(_state->levels[--_state->depth].handle);
+    _state->CloseLevel();
     _state->Cut();
     return true;
 }
 
 bool platform::TreeCursor::RemoveFile(const char* name) noexcept {
     if (!_state->Append(name)) return false;
-    const DWORD attributes = GetFileAttributesA(_state->path);
-    const DWORD directoryLink = FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY;
-    const bool isDirectoryLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & directoryLink) == directoryLink;
+    const bool isDirectoryLink = HasAttributes(_state->path, FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY);
     const bool removed = RemoveInSpite(_state->path, isDirectoryLink ? RemoveDirectoryA : DeleteFileA);
     _state->Cut();
     return removed;
@@ -152,7 +144,7 @@ bool platform::TreeCursor::CloseAndRemoveTop() noexcept {
     if (_state == nullptr || _state->depth == 0) return false;
     _state->listing.Close();
     const std::size_t length = _state->levels[0].length;
-    _state->CloseLevels();
+    while (_state->depth > 0) _state->CloseLevel();
     _state->path[length] = '\0';
     const bool removed = RemoveInSpite(_state->path, RemoveDirectoryA);
     Close();

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <filesystem>
-
 #include "support/windows/command_line.h"
 
 const std::string FullDevice;

@@ -1,0 +1,58 @@
+// Work whose allocations fail, each in its turn.
+#ifndef TESTS_SUPPORT_FAILING_MEMORY_H
+#define TESTS_SUPPORT_FAILING_MEMORY_H
+
+#include "foundations/allocation.h"
+#include "support/testing.h"
+
+// One round of FailEachAllocation: what is allocated between Begin and End counts.
+class FailingMemory {
+public:
+    FailingMemory(int number, bool isTold) : _number(number), _isTold(isTold) {}
+    ~FailingMemory() { End(); }
+
+    void Begin() {
+        testing::internal::CaptureStdout();
+        FailAllocation(_number);
+        _isBetween = true;
+    }
+    // Whether an allocation failed, which the library must have told.
+    bool End() {
+        if (!std::exchange(_isBetween, false)) return _hasFailed;
+        _hasFailed = !IsAllocationFailureDue();
+        FailAllocation(0);
+        _said = WithoutReturns(testing::internal::GetCapturedStdout());
+        EXPECT_TRUE(!_isTold || Holds(_said, "# Alloc failed in ") == _hasFailed) << _said;
+        return _hasFailed;
+    }
+    const std::string& Said() const { return _said; }
+
+private:
+    const int _number;
+    const bool _isTold;
+    bool _isBetween = false;
+    bool _hasFailed = false;
+    std::string _said;
+};
+
+struct AllocationFailures {
+    int count = 0;
+    std::string said;  // in all rounds
+};
+
+// Calls `round(memory)` for the first allocation, the second and so on, up to a round in which none fails. `isTold`:
+// each failure is told on standard output.
+template <class Round>
+AllocationFailures FailEachAllocation(Round round, bool isTold = true) {
+    AllocationFailures failures;
+    for (;; ++failures.count) {
+        SCOPED_TRACE("allocation " + std::to_string(failures.count + 1));
+        FailingMemory memory(failures.count + 1, isTold);
+        round(memory);
+        const bool hasFailed = memory.End();
+        failures.said += memory.Said();
+        if (!hasFailed || testing::Test::HasFatalFailure()) return failures;
+    }
+}
+
+#endif
