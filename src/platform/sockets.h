@@ -54,6 +54,12 @@ struct Piece {
     std::size_t size;
 };
 
+enum class SendStatus {
+    Sent,
+    Broken,      // or nothing could be sent for as long as LimitSends says
+    Unreadable,  // the bytes are not there (told on Linux alone)
+};
+
 enum class ReceiveStatus {
     Received,
     Ended,  // the peer closed or broke the connection
@@ -100,9 +106,8 @@ public:
     // This end's port, or 0.
     int Port() const noexcept;
 
-    // Sends all of up to MaxPieces pieces, without delay for small ones. False when the connection is broken, or when
-    // nothing could be sent for as long as LimitSends says.
-    bool Send(const Piece* pieces, int count) noexcept;
+    // Sends all of up to MaxPieces pieces, without delay for small ones. After a failure some may be gone.
+    SendStatus Send(const Piece* pieces, int count) noexcept;
     void LimitSends(std::int64_t limit) noexcept;
 
     // Waits for what comes next and stores up to `size` bytes, their number in `count`, which is 0 without any.
