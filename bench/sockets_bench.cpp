@@ -118,7 +118,7 @@ void SendByLoop(int socket, int file, std::size_t piece) {
 }
 
 void SendFromMemory(int socket, int, std::size_t) {
-    constexpr std::size_t frame = 8192, most = 31;
+    constexpr std::size_t frame = 8192, most = 127;
     std::vector<char> bytes(most * frame, 'x');
     iovec parts[2 * most];
     for (std::size_t i = 0; i < most; ++i) {
