@@ -1,8 +1,8 @@
 // Files as binary blocks, each as long as the write buffer has room behind its header.
 //
 // The division into blocks is the wire's, but no block passes through the buffer: a hundred are sent in one call that
-// gathers headers and contents, from where the system keeps the file, else from a piece that is read. (Reading takes
-// half as long again.) Only what does not fill the buffer stays in it, as after any other put. The receiver takes any
+// gathers headers and contents, from where the system keeps the file, else from a piece that is read. (Reading takes a
+// quarter longer.) Only what does not fill the buffer stays in it, as after any other put. The receiver takes any
 // division and copies nothing but what a block's end makes it.
 //
 // The dangerous case is a file that others change meanwhile. The piece where it begins and the one where it ends are
