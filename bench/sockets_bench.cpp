@@ -2,9 +2,11 @@
 // system calls.
 //
 // A transfer goes from one file in memory to another, or to the device that drops everything, and ends when the
-// receiver says so. The peers have no frames and no check; "sendfile" receives in pieces of 256 KiB. A request is 100
-// bytes and so is its answer. The command lines are of one compiler with many options, as they follow each other in a
-// build; "plain" sends the same blocks uncompressed, and "bytes" is what a line takes on the wire.
+// receiver says so. The peers have no frames and no check; "sendfile" receives in pieces of 256 KiB. "memory" is no
+// peer but the bound of all that frame as we do: it sends what needs no reading. A request is 100 bytes and so is its
+// answer; "within 10 s" has the system keep the limit that ours keeps, which costs a timer for each wait. The command
+// lines are of one compiler with many options, as they follow each other in a build; "plain" sends the same blocks
+// uncompressed, and "bytes" is what a line takes on the wire.
 #include <arpa/inet.h>
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -12,8 +14,10 @@
 #include <sys/sendfile.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -113,6 +117,23 @@ void SendByLoop(int socket, int file, std::size_t piece) {
         SendAll(socket, bytes.data(), static_cast<std::size_t>(count));
 }
 
+void SendFromMemory(int socket, int, std::size_t) {
+    constexpr std::size_t frame = 8192, most = 127;
+    std::vector<char> bytes(most * frame, 'x');
+    iovec parts[2 * most];
+    for (std::size_t i = 0; i < most; ++i) {
+        parts[2 * i] = {bytes.data(), 4};
+        parts[2 * i + 1] = {bytes.data() + i * frame, frame - 4};
+    }
+    for (std::size_t left = FileSize / frame, count; left > 0; left -= count) {
+        count = std::min(left, most);
+        msghdr message = {};
+        message.msg_iov = parts;
+        message.msg_iovlen = 2 * count;
+        if (sendmsg(socket, &message, MSG_NOSIGNAL) != static_cast<ssize_t>(count * frame)) return;
+    }
+}
+
 template <void (*Send)(int, int, std::size_t)>
 void RawTransfer(benchmark::State& state, const char* path, std::size_t piece) {
     RawPair pair;
@@ -155,8 +176,10 @@ void OurRequests(benchmark::State& state) {
     responder.join();
 }
 
-void RawRequests(benchmark::State& state) {
+void RawRequests(benchmark::State& state, time_t limit) {
     RawPair pair;
+    const timeval time = {limit, 0};  // 0: none
+    for (const int end : {pair.client, pair.accepted}) setsockopt(end, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
     std::thread responder([&] {
         char bytes[104];
         while (recv(pair.accepted, bytes, sizeof bytes, 0) == sizeof bytes) SendAll(pair.accepted, bytes, sizeof bytes);
@@ -220,6 +243,7 @@ void RegisterTransfers(const std::string& operation, const char* path) {
     };
     add("ours", OurTransfer);
     add("sendfile", [](auto& state, auto to) { RawTransfer<SendBySendfile>(state, to, 256 << 10); });
+    add("memory", [](auto& state, auto to) { RawTransfer<SendFromMemory>(state, to, 64 << 10); });
     add("8 KiB loop", [](auto& state, auto to) { RawTransfer<SendByLoop>(state, to, 8 << 10); });
     add("64 KiB loop", [](auto& state, auto to) { RawTransfer<SendByLoop>(state, to, 64 << 10); });
 }
@@ -229,7 +253,8 @@ const bool registered = [] {
     RegisterTransfers("transfer_to_file", target);
     RegisterTransfers("transfer_to_nowhere", nowhere);
     Register("request_and_answer/ours/100", OurRequests);
-    Register("request_and_answer/send and recv/100", RawRequests);
+    Register("request_and_answer/send and recv/100", [](auto& state) { RawRequests(state, 0); });
+    Register("request_and_answer/within 10 s/100", [](auto& state) { RawRequests(state, 10); });
     Register("command_lines/ours/1000", [](auto& state) { SendCommandLines(state, true); });
     Register("command_lines/plain/1000", [](auto& state) { SendCommandLines(state, false); });
     return true;

@@ -107,8 +107,9 @@ public:
     int PutBlock(ZELListValZELString& words) noexcept;
     // Bytes, fewer than 2^24; sent at once, with what waited in front of them.
     int PutBinBlock(int size, void* data) noexcept;
-    // The contents of a file as they are; no name travels. The file may be of any size, and change meanwhile. Fails
-    // before anything is sent when it cannot be opened (a directory never can). What was begun is not taken back.
+    // The contents of a file as they are; no name travels. The file may be of any size, and change meanwhile: it ends
+    // where its end is found, but when others cut off what is just being sent, this may fail in the middle of a block.
+    // Fails before anything is sent when it cannot be opened (a directory never can). What was begun is not taken back.
     int PutFile(ZELString path) noexcept;
     // Sends what waits; blocks until the system has taken it. It is gone also after a failure.
     int Flush() noexcept;

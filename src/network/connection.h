@@ -21,6 +21,12 @@ void CountBytes(TAPerfo* meter, std::int64_t bytes) noexcept;
 // Appends the pieces of the text between its blanks, empty ones included. False when memory runs out.
 bool SplitAtBlanks(std::string_view text, ZELListValZELString& words) noexcept;
 
+class TransferTally;
+
+namespace platform {
+class FileMapping;
+}
+
 struct TASocketConnection {
 public:
     TASocketConnection(TASocket& owner, platform::Socket&& socket) noexcept;
@@ -62,6 +68,8 @@ private:
     int DefineWord(std::string_view word, int& number) noexcept;
     std::size_t FrameRoom() const noexcept;
     int SendFrames(const char* data, std::size_t size) noexcept;
+    int SendMapped(platform::FileMapping& mapping, std::size_t size, TransferTally& tally) noexcept;
+    int PutTotal(std::int64_t sent) noexcept;
     int CheckTotal(std::int64_t received) noexcept;
 
     int Wait(int timeout) noexcept;

@@ -1,8 +1,16 @@
 // Files as binary blocks, each as long as the write buffer has room behind its header.
 //
-// The division into blocks is the wire's, but no block passes through the buffer: some dozens are read from the file in
-// one piece and sent in one call that gathers headers and contents. Only what does not fill the buffer stays in it, as
-// after any other put. The receiver takes any division and copies nothing but what a block's end makes it.
+// The division into blocks is the wire's, but no block passes through the buffer: a hundred are sent in one call that
+// gathers headers and contents, from where the system keeps the file, else from a piece that is read. (Reading takes a
+// quarter longer.) Only what does not fill the buffer stays in it, as after any other put. The receiver takes any
+// division and copies nothing but what a block's end makes it.
+//
+// The dangerous case is a file that others change meanwhile. The piece where it begins and the one where it ends are
+// read, and decide: a file that does not read as one (those of the system's own say any size) is never mapped, and one
+// that grew or shrank between two pieces ends where reading finds its end. What is mapped is never looked at here. A
+// piece is announced only while the file has all of it, and if it lost some until that was sent, bytes that are not the
+// file's may have gone out: no end of the transfer could make that good, so it fails. (Unseen is only who shortens a
+// file and makes it longer again during one call: then zeros may stand for up to a page.)
 
 #include <algorithm>
 #include <charconv>
@@ -15,9 +23,14 @@
 #include "foundations/console.h"
 #include "network/block_header.h"
 #include "network/connection.h"
+#include "platform/file_mapping.h"
 #include "platform/streams.h"
 
+using platform::SendStatus;
+
 namespace {
+
+constexpr const char* NotRead = "Unable to read file for TASocket::PutFile";
 
 // With the usual buffer, as many blocks as go out in one call.
 constexpr int MostFrames = (platform::Socket::MaxPieces - 1) / 2;
@@ -35,26 +48,6 @@ Block MakeBlock(std::size_t size) noexcept {
     if (block == nullptr) ReportAllocFailure("TASocket", size);
     return block;
 }
-
-// Bytes that pass, told to a counter in large parts; the last part may be 0.
-class Tally {
-public:
-    explicit Tally(TAPerfo* meter) noexcept : _meter(meter) {}
-    void Add(std::size_t bytes) noexcept {
-        total += static_cast<std::int64_t>(bytes);
-        if (total - _told >= CountedAtOnce) Tell();
-    }
-    void Tell() noexcept {
-        CountBytes(_meter, total - _told);
-        _told = total;
-    }
-
-    std::int64_t total = 0;
-
-private:
-    TAPerfo* _meter;
-    std::int64_t _told = 0;
-};
 
 // Fills the block from the file; less only at its end. -1 when the disk fails.
 std::ptrdiff_t ReadFully(std::FILE* file, char* bytes, std::size_t size) noexcept {
@@ -112,6 +105,26 @@ private:
 
 }  // namespace
 
+// Bytes that pass, told to a counter in large parts; the last part may be 0.
+class TransferTally {
+public:
+    explicit TransferTally(TAPerfo* meter) noexcept : _meter(meter) {}
+    void Add(std::size_t bytes) noexcept {
+        total += static_cast<std::int64_t>(bytes);
+        if (total - _told >= CountedAtOnce) Tell();
+    }
+    void Tell() noexcept {
+        CountBytes(_meter, total - _told);
+        _told = total;
+    }
+
+    std::int64_t total = 0;
+
+private:
+    TAPerfo* _meter;
+    std::int64_t _told = 0;
+};
+
 // What a block of a file may hold now: at most what the buffer has room for, and no more than its header can tell.
 std::size_t TASocketConnection::FrameRoom() const noexcept {
     return static_cast<std::size_t>(std::clamp(_out.Free() - block_header::Size, 0, block_header::MostBytes));
@@ -133,7 +146,8 @@ int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept 
             size -= room;
             room = FrameRoom();
         }
-        if (!_socket.Send(pieces, count)) return Fail("Unable to flush buffer");
+        const SendStatus status = _socket.Send(pieces, count);
+        if (status != SendStatus::Sent) return Fail(status == SendStatus::Broken ? "Unable to flush buffer" : NotRead);
     }
     if (size == 0) return 0;
     AppendHeader(static_cast<int>(size));
@@ -141,9 +155,34 @@ int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept 
     return 0;
 }
 
+// Sends pieces of `size` bytes, which fill their blocks, for as long as the mapping has them. Reading goes on behind.
+int TASocketConnection::SendMapped(platform::FileMapping& mapping, std::size_t size, TransferTally& tally) noexcept {
+    const std::int64_t begin = tally.total;
+    for (;;) {
+        const std::int64_t end = tally.total + static_cast<std::int64_t>(size);
+        const char* const bytes = mapping.Size() >= end ? mapping.At(tally.total, size) : nullptr;
+        if (bytes == nullptr) return tally.total == begin || mapping.MoveStream(tally.total) ? 0 : Fail(NotRead);
+        if (SendFrames(bytes, size) != 0) return 1;
+        if (mapping.Size() < end) return Fail(NotRead);
+        tally.Add(size);
+    }
+}
+
+// The block of length 0 behind the contents, and how many bytes they were.
+int TASocketConnection::PutTotal(std::int64_t sent) noexcept {
+    if (MakeRoom(block_header::Size, 0) != 0) return 1;
+    AppendHeader(0);
+    char digits[24];
+    const auto length = static_cast<int>(std::to_chars(digits, digits + sizeof digits, sent).ptr - digits);
+    if (MakeRoom(std::int64_t{block_header::Size} + length, length) != 0) return 1;
+    AppendHeader(length);
+    _out.Append(digits, static_cast<std::size_t>(length));
+    return 0;
+}
+
 int TASocketConnection::PutFile(const char* path) noexcept {
     const File file(platform::OpenStream(path, "rb"));
-    if (file == nullptr) return Fail("Unable to read file for TASocket::PutFile");
+    if (file == nullptr) return Fail(NotRead);
     if (FrameRoom() == 0 && Flush() != 0) return 1;
     if (FrameRoom() == 0 || !_out.HasMemory()) return Fail("Unable to free write buffer");
     const std::size_t first = FrameRoom();
@@ -151,24 +190,18 @@ int TASocketConnection::PutFile(const char* path) noexcept {
     const std::size_t size = std::max(AtOnce / room, std::size_t{1}) * room;
     const Block block = MakeBlock(size);
     if (block == nullptr) return Fail("Unable to free write buffer");
-    Tally tally(SendMeter());
+    TransferTally tally(SendMeter());
+    platform::FileMapping mapping(file.get());
+    // So much is read that the last block is full when the file goes on.
     for (std::size_t wanted = size - room + first;; wanted = size) {
-        // So much that the last block is full when the file goes on.
         const std::ptrdiff_t count = ReadFully(file.get(), block.get(), wanted);
-        if (count < 0) return Fail("Unable to read file for TASocket::PutFile");
+        if (count < 0) return Fail(NotRead);
         if (SendFrames(block.get(), static_cast<std::size_t>(count)) != 0) return 1;
         tally.Add(static_cast<std::size_t>(count));
         if (static_cast<std::size_t>(count) < wanted) break;
+        if (SendMapped(mapping, size, tally) != 0) return 1;
     }
-    if (MakeRoom(block_header::Size, 0) != 0) return 1;
-    AppendHeader(0);
-    char digits[24];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, tally.total).ptr;
-    const std::string_view total(digits, static_cast<std::size_t>(end - digits));
-    if (MakeRoom(block_header::Size + static_cast<std::int64_t>(total.size()), static_cast<std::int64_t>(total.size())))
-        return 1;
-    AppendHeader(static_cast<int>(total.size()));
-    _out.Append(total.data(), total.size());
+    if (PutTotal(tally.total) != 0) return 1;
     tally.Tell();
     return 0;
 }
@@ -179,7 +212,7 @@ int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noex
     if (const int result = BeginGet(timeout); result != 0) return result;
     Target target(path, isText);
     if (!target.IsOpen()) return Fail(NotWritten);
-    Tally tally(ReceiveMeter());
+    TransferTally tally(ReceiveMeter());
     for (;;) {
         // What is gathered lies in the buffer, which reading on may fill anew.
         if (_in.Arrived().size() < block_header::Size && !target.WriteGathered()) return Fail(NotWritten);
@@ -205,7 +238,7 @@ int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noex
     return CheckTotal(tally.total);
 }
 
-// The block behind a file: how many bytes it had.
+// The block behind the contents.
 int TASocketConnection::CheckTotal(std::int64_t received) noexcept {
     ZELString text;
     int length = 0;

@@ -41,7 +41,7 @@ bool TASocketConnection::Compresses() const noexcept {
 int TASocketConnection::Flush() noexcept {
     if (_out.IsEmpty()) return 0;
     const platform::Piece piece = {_out.Pending().data(), _out.Pending().size()};
-    const bool isSent = _socket.Send(&piece, 1);
+    const bool isSent = _socket.Send(&piece, 1) == platform::SendStatus::Sent;
     _out.Clear();
     return isSent ? 0 : Fail("Unable to flush buffer");
 }
@@ -120,7 +120,7 @@ int TASocketConnection::PutBinary(int size, const void* data) noexcept {
     if (size > 0) {
         const platform::Piece pieces[] = {{_out.Pending().data(), _out.Pending().size()},
                                           {data, static_cast<std::size_t>(size)}};
-        const bool isSent = _socket.Send(pieces, 2);
+        const bool isSent = _socket.Send(pieces, 2) == platform::SendStatus::Sent;
         _out.Clear();
         if (!isSent) return Fail("Unable to flush buffer");
     }

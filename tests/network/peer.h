@@ -35,7 +35,7 @@ public:
     }
     bool Send(std::string_view bytes) {
         const platform::Piece piece = {bytes.data(), bytes.size()};
-        return _socket.Send(&piece, 1);
+        return _socket.Send(&piece, 1) == platform::SendStatus::Sent;
     }
     // What comes before `size` bytes are there, the end, or 10 seconds.
     std::string Receive(std::size_t size = std::string::npos) {

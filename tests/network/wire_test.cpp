@@ -265,7 +265,7 @@ TEST(Wire, Files) {
     TemporaryFolder folder;
     std::mt19937 random(1);
     for (const int size : {16, 1000, 8192, 600000}) {
-        for (const int length : {0, 1, size - 13, size - 12, size - 5, size - 4, size - 3, 3 * size - 12, 700000}) {
+        for (const int length : {0, 1, size - 13, size - 12, size - 5, size - 4, size - 3, 3 * size - 12, 2500000}) {
             if (size == 16 && length > 100000) continue;
             for (const int waiting : {0, 8, 12}) {
                 SCOPED_TRACE(testing::Message() << size << ' ' << length << ' ' << waiting);

@@ -50,15 +50,19 @@ int Wait(std::intptr_t number, short events, const platform::Deadline& deadline)
     }
 }
 
+platform::SendStatus WhySendFailed() noexcept {
+    return errno == EFAULT ? platform::SendStatus::Unreadable : platform::SendStatus::Broken;
+}
+
 // Cheaper than gathering one piece: of a small request by some per cent.
-bool SendOne(int number, const char* bytes, std::size_t size) noexcept {
+platform::SendStatus SendOne(int number, const char* bytes, std::size_t size) noexcept {
     while (size > 0) {
         const ssize_t sent = platform::RetryInterrupted([&] { return send(number, bytes, size, MSG_NOSIGNAL); });
-        if (sent <= 0) return false;
+        if (sent <= 0) return WhySendFailed();
         bytes += sent;
         size -= static_cast<std::size_t>(sent);
     }
-    return true;
+    return platform::SendStatus::Sent;
 }
 
 }  // namespace
@@ -136,7 +140,7 @@ platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) n
     }
 }
 
-bool platform::Socket::Send(const Piece* pieces, int count) noexcept {
+platform::SendStatus platform::Socket::Send(const Piece* pieces, int count) noexcept {
     if (count == 1) return SendOne(static_cast<int>(_number), static_cast<const char*>(pieces->bytes), pieces->size);
     iovec parts[MaxPieces];
     for (int i = 0; i < count; ++i) parts[i] = {const_cast<void*>(pieces[i].bytes), pieces[i].size};
@@ -144,13 +148,13 @@ bool platform::Socket::Send(const Piece* pieces, int count) noexcept {
     iovec* const end = parts + count;
     for (;;) {
         while (next != end && next->iov_len == 0) ++next;
-        if (next == end) return true;
+        if (next == end) return SendStatus::Sent;
         msghdr message = {};
         message.msg_iov = next;
         message.msg_iovlen = static_cast<std::size_t>(end - next);
         const ssize_t sent =
             RetryInterrupted([&] { return sendmsg(static_cast<int>(_number), &message, MSG_NOSIGNAL); });
-        if (sent <= 0) return false;
+        if (sent <= 0) return WhySendFailed();
         for (auto left = static_cast<std::size_t>(sent); left > 0;) {
             const std::size_t done = std::min(left, next->iov_len);
             next->iov_base = static_cast<char*>(next->iov_base) + done;

@@ -138,7 +138,7 @@ platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) n
     }
 }
 
-bool platform::Socket::Send(const Piece* pieces, int count) noexcept {
+platform::SendStatus platform::Socket::Send(const Piece* pieces, int count) noexcept {
     WSABUF parts[MaxPieces];
     for (int i = 0; i < count; ++i)
         parts[i] = {static_cast<ULONG>(pieces[i].size), static_cast<char*>(const_cast<void*>(pieces[i].bytes))};
@@ -146,11 +146,11 @@ bool platform::Socket::Send(const Piece* pieces, int count) noexcept {
     WSABUF* const end = parts + count;
     for (;;) {
         while (next != end && next->len == 0) ++next;
-        if (next == end) return true;
+        if (next == end) return SendStatus::Sent;
         DWORD sent = 0;
         if (WSASend(ToSystem(_number), next, static_cast<DWORD>(end - next), &sent, 0, nullptr, nullptr) != 0 ||
             sent == 0)
-            return false;
+            return SendStatus::Broken;
         while (sent > 0) {
             const ULONG done = std::min<ULONG>(sent, next->len);
             next->buf += done;
