@@ -9,6 +9,7 @@
 
 #include "TAPerfo.h"
 #include "foundations/allocation.h"
+#include "foundations/console.h"
 #include "network/block_header.h"
 #include "network/connection.h"
 
@@ -128,7 +129,10 @@ int TASocketConnection::GetBinary(int& size, void*& data) noexcept {
         const auto room = static_cast<std::size_t>(arrived + piece);
         char* const grown = AllocationFails() ? nullptr : static_cast<char*>(std::realloc(block, room));
         const bool isRead = grown != nullptr && ReadBytes(grown + arrived, static_cast<std::size_t>(piece));
-        if (grown != nullptr) block = grown;
+        if (grown != nullptr)
+            block = grown;
+        else
+            ReportAllocFailure("TASocket", room);
         if (!isRead) {
             std::free(block);
             return Fail(grown == nullptr ? "Unable to alloc memory for GetBinBlock" : "Unable to get full block");

@@ -278,8 +278,7 @@ TEST(HostilePeer, WithoutMemory) {
                                socket.PutFile((folder / "in").c_str()) != 0;
         EXPECT_EQ(isRefused, memory.End());
     };
-    // A binary block that finds no memory is told by its message alone.
-    EXPECT_GE(FailEachAllocation(talk, false).count, 6);
+    EXPECT_GE(FailEachAllocation(talk).count, 6);
 }
 
 // Many clients at once, each faulty in its own way, again and again.

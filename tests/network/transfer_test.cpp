@@ -50,7 +50,7 @@ TEST(Transfer, FilesThatChange) {
     std::mt19937 random(1);
     std::string part((1 << 20) + 13, '\0'), content;
     for (char& c : part) c = static_cast<char>(random());
-    for (int i = 0; i < 40; ++i) content += part;
+    for (int i = 0; i < 20; ++i) content += part;
     WriteBytes(path, content);
     EXPECT_TRUE(Transfer(path).came == content);
     // Between two pieces, by the sender's own thread.

@@ -8,7 +8,7 @@
 // One round of FailEachAllocation: what is allocated between Begin and End counts.
 class FailingMemory {
 public:
-    FailingMemory(int number, bool isTold) : _number(number), _isTold(isTold) {}
+    explicit FailingMemory(int number) : _number(number) {}
     ~FailingMemory() { End(); }
 
     void Begin() {
@@ -22,14 +22,13 @@ public:
         _hasFailed = !IsAllocationFailureDue();
         FailAllocation(0);
         _said = WithoutReturns(testing::internal::GetCapturedStdout());
-        EXPECT_TRUE(!_isTold || Holds(_said, "# Alloc failed in ") == _hasFailed) << _said;
+        EXPECT_EQ(Holds(_said, "# Alloc failed in "), _hasFailed) << _said;
         return _hasFailed;
     }
     const std::string& Said() const { return _said; }
 
 private:
     const int _number;
-    const bool _isTold;
     bool _isBetween = false;
     bool _hasFailed = false;
     std::string _said;
@@ -40,14 +39,13 @@ struct AllocationFailures {
     std::string said;  // in all rounds
 };
 
-// Calls `round(memory)` for the first allocation, the second and so on, up to a round in which none fails. `isTold`:
-// each failure is told on standard output.
+// Calls `round(memory)` for the first allocation, the second and so on, up to a round in which none fails.
 template <class Round>
-AllocationFailures FailEachAllocation(Round round, bool isTold = true) {
+AllocationFailures FailEachAllocation(Round round) {
     AllocationFailures failures;
     for (;; ++failures.count) {
         SCOPED_TRACE("allocation " + std::to_string(failures.count + 1));
-        FailingMemory memory(failures.count + 1, isTold);
+        FailingMemory memory(failures.count + 1);
         round(memory);
         const bool hasFailed = memory.End();
         failures.said += memory.Said();
