@@ -4,16 +4,17 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
+#include <sstream>
 #include <string>
 
 // Whether this is the target with drives, backslashes, and text files whose lines end in "\r\n".
 inline const bool onWindows = std::filesystem::path::preferred_separator == '\\';
 
 inline std::string ReadBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return bytes.str();
 }
 
 inline void WriteBytes(const std::string& path, const std::string& bytes) {
