@@ -125,8 +125,11 @@ void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
         if (entry.activity < _activity && _waiting.Find(entry.self.pid) != nullptr) _activity = entry.activity;
         return;
     }
-    const ProcessEntry* const parent = _members.Find(entry.parent);
-    if (parent != nullptr && CanBeChild(entry, *parent)) Enter(entry);
+    // Numbers are given again while a tree grows and is killed: any member that had it may be the parent.
+    const auto isParent = [&](const ProcessEntry& member) {
+        return member.self.pid == entry.parent && CanBeChild(entry, member);
+    };
+    if (std::any_of(_members.begin(), _members.end(), isParent)) Enter(entry);
 }
 
 bool ProcessTree::Look() noexcept {
