@@ -77,11 +77,11 @@ TEST(Kill, EndsATreeThatKeepsGrowing) {
     for (const ProcessEntry& entry : tree) EXPECT_TRUE(platform::AwaitProcessEnd(entry.self, 0));
     int status = 0;
     EXPECT_TRUE(process.Check(status) == 1 && status == 999);
-    // Nobody was started unseen: somebody would go on breeding. (A parent that runs is another test's, with a number
-    // that was given again.)
-    const std::set<int> killed = Numbers(list);
+    // Nobody was started unseen: somebody would go on breeding. (Older processes may have had a parent whose number was
+    // given again, and a parent that runs is another test's.)
     const auto isLeft = [&](const ProcessEntry& entry) {
-        return killed.count(entry.parent) != 0 && !IsRunning(entry.parent);
+        const ProcessEntry* const parent = tree.Find(entry.parent);
+        return parent != nullptr && CanBeChild(entry, *parent) && !IsRunning(entry.parent);
     };
     EXPECT_TRUE(Eventually([&] {  // who was never started to his end goes by himself
         ProcessEntries all;
