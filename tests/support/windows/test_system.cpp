@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <tlhelp32.h>
+
 #include "support/windows/command_line.h"
 
 const std::string FullDevice;
@@ -23,6 +25,24 @@ IgnoredChildren::IgnoredChildren() : isIgnoring(false) {}
 IgnoredChildren::~IgnoredChildren() = default;
 
 namespace {
+
+int Threads() {
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry = {};
+    entry.dwSize = sizeof entry;
+    int count = 0;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+        if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
+    CloseHandle(snapshot);
+    return count;
+}
+
+// Wine 8 crashes now and then when a process ends while a thread, behind the last of our code, is still ending.
+struct LateEnd {
+    ~LateEnd() {
+        for (int look = 0; look < 200 && Threads() > 1; ++look) Sleep(1);
+    }
+} lateEnd;
 
 std::string CommandLine(const std::string& name, const std::vector<std::string>& arguments) {
     std::string line = Quoted(ProgramPath(name));
