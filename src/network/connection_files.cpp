@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 
 #include "TADiagnostics.h"
@@ -41,10 +40,10 @@ struct CloseFile {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
-using Block = std::unique_ptr<char, decltype(&std::free)>;
+using Block = std::unique_ptr<char, FreeBlock>;
 
 Block MakeBlock(std::size_t size) noexcept {
-    Block block(static_cast<char*>(Allocate(size)), std::free);
+    Block block(static_cast<char*>(Allocate(size)));
     if (block == nullptr) ReportAllocFailure("TASocket", size);
     return block;
 }

@@ -100,7 +100,6 @@ private:
     ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
     int _next = 0;
     int _killed = 0;
-    bool _isUnheld = false;  // somebody who could not be held may have been in the midst of starting another
     ProcessEntry::Activity _activity = ProcessEntry::IsStopped;  // of the busiest that is held, at the latest look
 };
 
@@ -115,7 +114,6 @@ void ProcessTree::Kill(const ProcessEntry& entry) noexcept {
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
     if (!_members.Append(entry) || entry.self.pid == _caller) return;
     const bool canWait = !_forceOnly || platform::HoldProcess(entry.self);
-    _isUnheld = _isUnheld || !canWait;
     if (!canWait || !_waiting.Append(entry)) Kill(entry);
 }
 
@@ -179,8 +177,6 @@ bool ProcessTree::KillAll() noexcept {
     for (int before = 0; isListed && before != _members.Size();) {
         isListed = KillOthers();
         AwaitEnds();
-        constexpr std::chrono::milliseconds TimeToShow(20);
-        if (_isUnheld) std::this_thread::sleep_for(TimeToShow);
         before = _members.Size();
         isListed = isListed && Look();
     }
