@@ -1,4 +1,4 @@
-"""bench-table.py [--markdown] FAMILY RESULT: the medians of a Google Benchmark result, one table per operation.
+"""bench-table.py [--markdown] RESULT: the medians of a Google Benchmark result, one table per operation.
 
 As text: ours, and for each peer its figure and the ratio peer : ours. As Markdown: the ratios, and behind them ours.
 Benchmarks are named operation/contender/size; the contender that is compared is "ours", or, where there is none of
