@@ -89,9 +89,8 @@ private:
 
 // 4 bytes, least significant first.
 inline std::string Number(int value) {
-    std::string bytes;
-    for (int i = 0; i < 4; ++i) bytes += static_cast<char>(static_cast<unsigned>(value) >> (8 * i));
-    return bytes;
+    const auto byte = [value](int index) { return static_cast<char>(static_cast<unsigned>(value) >> (8 * index)); };
+    return {byte(0), byte(1), byte(2), byte(3)};
 }
 
 inline std::string Text(std::string_view text) {
