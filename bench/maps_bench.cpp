@@ -15,9 +15,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <random>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -93,9 +95,13 @@ struct Size {
     int count, length;
 };
 
-std::vector<std::string> RandomKeys(Size size, unsigned seed) {
+// The same for all contenders and repetitions: made once, since a million keys take longer than most of what is timed.
+std::vector<std::string>& RandomKeys(Size size, unsigned seed) {
+    static std::map<std::tuple<int, int, unsigned>, std::vector<std::string>> made;
+    std::vector<std::string>& keys = made[{size.count, size.length, seed}];
+    if (!keys.empty()) return keys;
     std::mt19937 random(seed);
-    std::vector<std::string> keys(static_cast<std::size_t>(size.count));
+    keys.resize(static_cast<std::size_t>(size.count));
     for (std::string& key : keys) {
         key = "src/containers/libraries/parts/of/the/product/";
         key.resize(static_cast<std::size_t>(size.length) - 16);
@@ -120,6 +126,11 @@ private:
     std::size_t _stride;
     std::string _text;
 };
+
+const Queries& TheQueries(Size size, unsigned seed) {
+    static std::map<std::tuple<int, int, unsigned>, Queries> made;
+    return made.try_emplace({size.count, size.length, seed}, RandomKeys(size, seed)).first->second;
+}
 
 template <class Container>
 void AddAll(Container& container, std::vector<std::string>& keys) {
@@ -152,7 +163,7 @@ void TimeBatches(benchmark::State& state, Size size, Prepare prepare, Work work)
 
 template <class Container>
 void Insert(benchmark::State& state, Size size) {
-    std::vector<std::string> keys = RandomKeys(size, 1);
+    std::vector<std::string>& keys = RandomKeys(size, 1);
     TimeBatches<Container>(
         state, size, [](std::size_t) { return std::vector<Container>(); },
         [&](std::vector<Container>& containers, std::size_t count) { containers = Filled<Container>(count, keys); });
@@ -161,17 +172,17 @@ void Insert(benchmark::State& state, Size size) {
 template <class Container>
 void Find(benchmark::State& state, Size size, bool isPresent) {
     Container container;
-    std::vector<std::string> keys = RandomKeys(size, 1);
+    std::vector<std::string>& keys = RandomKeys(size, 1);
     AddAll(container, keys);
-    const Queries sought(isPresent ? keys : RandomKeys(size, 2));
+    const Queries& sought = TheQueries(size, isPresent ? 1 : 2);
     for (auto _ : state) sought.ForEach([&](const char* key) { benchmark::DoNotOptimize(container.Find(key)); });
     state.SetItemsProcessed(state.iterations() * size.count);
 }
 
 template <class Container>
 void Erase(benchmark::State& state, Size size) {
-    std::vector<std::string> keys = RandomKeys(size, 1);
-    const Queries sought(keys);
+    std::vector<std::string>& keys = RandomKeys(size, 1);
+    const Queries& sought = TheQueries(size, 1);
     TimeBatches<Container>(
         state, size, [&](std::size_t count) { return Filled<Container>(count, keys); },
         [&](std::vector<Container>& containers, std::size_t) {
@@ -182,7 +193,7 @@ void Erase(benchmark::State& state, Size size) {
 template <class Container>
 void Iterate(benchmark::State& state, Size size, bool isWalk) {
     Container container;
-    std::vector<std::string> keys = RandomKeys(size, 1);
+    std::vector<std::string>& keys = RandomKeys(size, 1);
     AddAll(container, keys);
     for (auto _ : state) {
         std::size_t sum = 0;
@@ -214,7 +225,7 @@ double MemoryPerEntry(Size size) {
     double bytes = 0;
     if (pipe(ends) != 0) return 0;
     if (fork() == 0) {
-        std::vector<std::string> keys = RandomKeys(size, 1);
+        std::vector<std::string>& keys = RandomKeys(size, 1);
         Container container;
         const long before = ResidentPages();
         AddAll(container, keys);

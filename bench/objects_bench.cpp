@@ -63,14 +63,20 @@ struct StdMap {
     }
 };
 
-std::vector<std::string> Names(int count) {
-    std::vector<std::string> names;
+// Ascending, or in one of the random orders.
+enum Order : unsigned { Ascending, AsTheyCome, AsTheyAreSought };
+
+// What takes seconds to make is made once for all repetitions, and stays.
+const std::vector<std::string>& Names(int count, Order order) {
+    static std::map<std::pair<int, Order>, std::vector<std::string>> made;
+    std::vector<std::string>& names = made[{count, order}];
+    if (!names.empty()) return names;
     char name[16];
     for (int i = 0; i < count; ++i) {
         std::snprintf(name, sizeof name, "name_%08d", i);
         names.emplace_back(name);
     }
-    std::shuffle(names.begin(), names.end(), std::mt19937(1));
+    if (order != Ascending) std::shuffle(names.begin(), names.end(), std::mt19937(order));
     return names;
 }
 
@@ -86,8 +92,19 @@ void Fill(Container& container, const std::vector<std::string>& names) {
 }
 
 template <class Container>
+Container& Filled(int count, Order order = AsTheyCome) {
+    static std::map<std::pair<int, Order>, std::unique_ptr<Container>> made;
+    std::unique_ptr<Container>& container = made[{count, order}];
+    if (container != nullptr) return *container;
+    container = std::make_unique<Container>();
+    Fill(*container, Names(count, order));
+    benchmark::DoNotOptimize(container->Iterate());
+    return *container;
+}
+
+template <class Container>
 void Set(benchmark::State& state, int count) {
-    const std::vector<std::string> names = Names(count);
+    const std::vector<std::string>& names = Names(count, AsTheyCome);
     for (auto _ : state) {
         const auto container = std::make_unique<Container>();
         Fill(*container, names);
@@ -100,10 +117,8 @@ void Set(benchmark::State& state, int count) {
 
 template <class Container>
 void Read(benchmark::State& state, int count) {
-    std::vector<std::string> names = Names(count);
-    Container container;
-    Fill(container, names);
-    std::shuffle(names.begin(), names.end(), std::mt19937(2));
+    const std::vector<std::string>& names = Names(count, AsTheyAreSought);
+    const Container& container = Filled<Container>(count);
     for (auto _ : state) {
         std::size_t sum = 0;
         for (const std::string& name : names) sum += container.Read(name.c_str());
@@ -114,9 +129,7 @@ void Read(benchmark::State& state, int count) {
 
 template <class Container>
 void Iterate(benchmark::State& state, int count) {
-    Container container;
-    Fill(container, Names(count));
-    benchmark::DoNotOptimize(container.Iterate());
+    const Container& container = Filled<Container>(count);
     for (auto _ : state) benchmark::DoNotOptimize(container.Iterate());
     state.SetItemsProcessed(state.iterations() * count);
 }
@@ -129,23 +142,17 @@ std::filesystem::path DumpFolder() {
 
 template <bool Ordered>
 void Dump(benchmark::State& state, int count) {
-    std::vector<std::string> names = Names(count);
-    if (Ordered) std::sort(names.begin(), names.end());
-    Ours ours;
-    Fill(ours, names);
-    ours.Iterate();
+    TAPObject& object = Filled<Ours>(count, Ordered ? Ascending : AsTheyCome).object;
     std::filesystem::create_directory(DumpFolder());
-    for (auto _ : state) ours.object.SaveToFile(DumpFolder().string().c_str());
+    for (auto _ : state) object.SaveToFile(DumpFolder().string().c_str());
     std::filesystem::remove_all(DumpFolder());
     state.SetItemsProcessed(state.iterations() * count);
 }
 
 template <bool ByLine>
 void Fwrite(benchmark::State& state, int count) {
-    Ours ours;
-    Fill(ours, Names(count));
     std::filesystem::create_directory(DumpFolder());
-    ours.object.SaveToFile(DumpFolder().string().c_str());
+    Filled<Ours>(count).object.SaveToFile(DumpFolder().string().c_str());
     std::vector<std::pair<std::string, std::string>> files;
     for (const auto& entry : std::filesystem::directory_iterator(DumpFolder())) {
         std::ifstream file(entry.path(), std::ios::binary);
