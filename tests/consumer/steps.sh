@@ -1,6 +1,8 @@
 # Builds and runs the user's program on a folder that holds the library. For scripts that have set `work`, a folder of
 # their own, and stand in the project's.
 
+project=$PWD
+
 expect() { # COMMAND...: the consumer's last line, run in the script's folder
     echo "+ $*"
     local output
@@ -15,15 +17,43 @@ consume_by_cmake() { # LIBRARY BUILD
     expect env RkrkROOT_PATH="$1/share/ZELToolsInfrastructure" "$2/consumer"
 }
 
-consume_as_readme_says() { # LIBRARY PROJECT: with the program and the lines of CMake that README.md shows
-    mkdir -p "$2"
-    sed -n '/^```cmake$/,/^```$/{/^```/!p}' README.md >"$2/CMakeLists.txt"
-    sed -n '/^```cpp$/,/^```$/{/^```/!p}' README.md >"$2/main.cpp"
+# LIBRARY PROJECT BUILD: for Windows, with the library beside the program.
+build_for_windows() {
+    cmake -S "$2" -B "$3" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/windows-x86_64.cmake" \
+        -DCMAKE_EXE_LINKER_FLAGS=-static -DZELToolsInfrastructure_DIR="$1/lib/cmake/ZELToolsInfrastructure"
+    cmake --build "$3"
+    cp "$1"/bin/*.dll "$3/"
+}
+
+under_wine() { # COMMAND...
+    local result=0 prefix=$project/build/windows/wine
+    "$project/cmake/wine-run" "$prefix" "$@" || result=$?
+    "$project/cmake/wine-run" "$prefix" --stop
+    return "$result"
+}
+
+write_as_readme_says() { # PROJECT: the program and the lines of CMake that README.md shows
+    mkdir -p "$1"
+    sed -n '/^```cmake$/,/^```$/{/^```/!p}' README.md >"$1/CMakeLists.txt"
+    sed -n '/^```cpp$/,/^```$/{/^```/!p}' README.md >"$1/main.cpp"
+}
+
+expect_readme_line() { # COMMAND...
+    echo "+ $*"
+    "$@" | tr -d '\r' | grep -x '   main.cpp: 120'
+}
+
+consume_as_readme_says() { # LIBRARY PROJECT
+    write_as_readme_says "$2"
     cmake -S "$2" -B "$2/build" -G Ninja -DCMAKE_PREFIX_PATH="$1"
     cmake --build "$2/build"
-    echo "+ $2/build/tool"
-    "$2/build/tool" | tee "$2/output"
-    grep -qx '   main.cpp: 120' "$2/output"
+    expect_readme_line "$2/build/tool"
+}
+
+consume_on_windows_as_readme_says() { # LIBRARY PROJECT
+    write_as_readme_says "$2"
+    build_for_windows "$1" "$2" "$2/build"
+    expect_readme_line under_wine "$2/build/tool.exe"
 }
 
 consume_by_pkg_config() { # LIBRARY PROGRAM
@@ -36,12 +66,6 @@ consume_by_pkg_config() { # LIBRARY PROGRAM
 }
 
 consume_on_windows() { # LIBRARY BUILD
-    cmake -S tests/consumer -B "$2" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/windows-x86_64.cmake" \
-        -DCMAKE_EXE_LINKER_FLAGS=-static -DZELToolsInfrastructure_DIR="$1/lib/cmake/ZELToolsInfrastructure"
-    cmake --build "$2"
-    cp "$1"/bin/*.dll "$2/"
-    local result=0
-    expect "$PWD/cmake/wine-run" "$PWD/build/windows/wine" "$2/consumer.exe" || result=$?
-    cmake/wine-run "$PWD/build/windows/wine" --stop
-    return "$result"
+    build_for_windows "$1" tests/consumer "$2"
+    expect under_wine "$2/consumer.exe"
 }
