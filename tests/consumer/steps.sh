@@ -19,7 +19,7 @@ consume_by_cmake() { # LIBRARY BUILD
 
 # LIBRARY PROJECT BUILD: for Windows, with the library beside the program.
 build_for_windows() {
-    cmake -S "$2" -B "$3" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/windows-x86_64.cmake" \
+    cmake -S "$2" -B "$3" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$project/cmake/windows-x86_64.cmake" \
         -DCMAKE_EXE_LINKER_FLAGS=-static -DZELToolsInfrastructure_DIR="$1/lib/cmake/ZELToolsInfrastructure"
     cmake --build "$3"
     cp "$1"/bin/*.dll "$3/"
