@@ -13,9 +13,9 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/console.h"
 #include "containers/index_search.h"
 #include "containers/sorted_arrays.h"
-#include "foundations/console.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/console.h"
 #include "containers/sorted_arrays.h"
-#include "foundations/console.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "ZELHashRWMap.h"
 
-#include "foundations/allocation.h"
+#include "base/allocation.h"
 
 namespace {
 

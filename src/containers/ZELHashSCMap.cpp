@@ -20,12 +20,12 @@
 #include <new>
 
 #include "ZELStringPool.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "containers/block_store.h"
 #include "containers/chain_walk.h"
 #include "containers/stored_key.h"
 #include "containers/text_hash.h"
-#include "foundations/allocation.h"
-#include "foundations/console.h"
 
 namespace {
 

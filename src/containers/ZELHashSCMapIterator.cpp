@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 
 ZELHashSCMapIterator::ZELHashSCMapIterator(int size) noexcept : _size(size > 0 ? size : 0) {
     if (_size == 0) return;

@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "foundations/allocation.h"
+#include "base/allocation.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "base/prefetch.h"
 #include "containers/bump_area.h"
-#include "containers/prefetch.h"
 
 class BlockStore {
 public:

@@ -4,7 +4,7 @@
 
 #include <new>
 
-#include "foundations/allocation.h"
+#include "base/allocation.h"
 
 void BumpArea::Use(Chunk* chunk) noexcept {
     _current = chunk;

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "containers/prefetch.h"
+#include "base/prefetch.h"
 
 inline constexpr std::size_t WalkStep = 64;  // buckets that are gathered together
 

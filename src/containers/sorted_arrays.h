@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "TADiagnostics.h"
-#include "foundations/console.h"
+#include "base/console.h"
 
 // Where a key stands, or where it would have to be inserted.
 struct IndexPlace {

@@ -16,10 +16,10 @@
 #include <cstring>
 #include <utility>
 
+#include "base/allocation.h"
+#include "base/console.h"
+#include "base/shared_body.h"
 #include "files/input_block.h"
-#include "foundations/allocation.h"
-#include "foundations/console.h"
-#include "foundations/shared_body.h"
 #include "platform/streams.h"
 
 struct YAVFStream::Shared {

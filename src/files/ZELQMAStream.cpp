@@ -19,9 +19,9 @@
 #include <cstring>
 #include <utility>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
-#include "foundations/shared_body.h"
+#include "base/allocation.h"
+#include "base/console.h"
+#include "base/shared_body.h"
 #include "platform/streams.h"
 
 namespace {

@@ -5,9 +5,9 @@
 
 #include "TADiagnostics.h"
 #include "TAFileUtilities.h"
-#include "files/list_text.h"
-#include "files/path_names.h"
 #include "files/tree_walk.h"
+#include "paths/path_names.h"
+#include "text/list_text.h"
 
 namespace {
 

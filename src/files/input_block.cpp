@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "platform/streams.h"
 
 namespace {

@@ -9,11 +9,11 @@
 #include "TAFileUtilities.h"
 #include "TATextUtilities.h"
 #include "files/byte_buffer.h"
-#include "files/list_text.h"
-#include "files/path_names.h"
-#include "files/wildcard.h"
+#include "paths/path_names.h"
 #include "platform/directories.h"
 #include "platform/file_actions.h"
+#include "text/list_text.h"
+#include "text/wildcard.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "TAFileUtilities.h"
 #include "files/byte_buffer.h"
 #include "files/line_reader.h"
-#include "files/list_text.h"
 #include "platform/files.h"
+#include "text/list_text.h"
 
 namespace {
 

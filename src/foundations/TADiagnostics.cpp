@@ -9,7 +9,7 @@
 
 #include "TAEnvironment.h"
 #include "ZELStackTrace.h"
-#include "foundations/console.h"
+#include "base/console.h"
 
 namespace {
 

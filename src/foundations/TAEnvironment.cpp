@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "TADiagnostics.h"
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/system.h"
 
 namespace {

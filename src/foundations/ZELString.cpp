@@ -13,7 +13,7 @@
 #include <functional>
 #include <utility>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "foundations/text_search.h"
 
 namespace {

@@ -17,7 +17,7 @@
 #include <new>
 #include <string_view>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/files.h"
 
 struct ZELTraceName {

@@ -13,9 +13,9 @@
 #include <cstring>
 #include <utility>
 
-#include "foundations/console.h"
+#include "base/console.h"
+#include "base/utf8.h"
 #include "foundations/scan_number.h"
-#include "foundations/utf8.h"
 
 namespace {
 

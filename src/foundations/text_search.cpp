@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "foundations/allocation.h"
+#include "base/allocation.h"
 
 namespace {
 

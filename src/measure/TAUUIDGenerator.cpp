@@ -16,7 +16,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/machine.h"
 #include "platform/system.h"
 

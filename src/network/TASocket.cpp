@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <utility>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "network/connection.h"
 #include "network/setup_trace.h"
 #include "network/socket_library.h"

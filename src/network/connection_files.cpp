@@ -18,8 +18,8 @@
 #include <memory>
 
 #include "TADiagnostics.h"
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "network/block_header.h"
 #include "network/connection.h"
 #include "platform/file_mapping.h"

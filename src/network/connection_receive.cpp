@@ -8,8 +8,8 @@
 #include <cstdlib>
 
 #include "TAPerfo.h"
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "network/block_header.h"
 #include "network/connection.h"
 

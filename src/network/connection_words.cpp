@@ -13,8 +13,8 @@
 #include <string_view>
 #include <utility>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "network/block_header.h"
 #include "network/connection.h"
 

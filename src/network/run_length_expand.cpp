@@ -18,7 +18,7 @@
 #include <cstring>
 
 #include "TARunLength.h"
-#include "foundations/console.h"
+#include "base/console.h"
 #include "network/run_length_codes.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/deadline.h"
+#include "base/deadline.h"
 
 using platform::AddressFamily;
 using platform::AddressList;

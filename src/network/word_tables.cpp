@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-#include "foundations/console.h"
+#include "base/console.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include "TADiagnostics.h"
 #include "TATextUtilities.h"
 #include "ZELHashRWMap.h"
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 
 namespace {
 

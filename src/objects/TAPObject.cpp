@@ -12,8 +12,8 @@
 
 #include <utility>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "objects/attr_list.h"
 #include "objects/object_contents.h"
 

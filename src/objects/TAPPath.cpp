@@ -8,8 +8,8 @@
 #include "TAPPath.h"
 
 #include "TADiagnostics.h"
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "objects/path_node.h"
 #include "objects/shared_text.h"
 

@@ -5,8 +5,8 @@
 
 #include <cstdlib>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 #include "platform/streams.h"
 
 void DumpFile::Open(const char* path) noexcept {

@@ -10,8 +10,8 @@
 #include <string_view>
 
 #include "TADiagnostics.h"
-#include "containers/prefetch.h"
-#include "foundations/console.h"
+#include "base/console.h"
+#include "base/prefetch.h"
 #include "objects/attr_list.h"
 #include "objects/path_node.h"
 #include "objects/shared_text.h"

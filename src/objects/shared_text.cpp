@@ -10,8 +10,8 @@
 #include <cstring>
 #include <new>
 
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
 
 namespace {
 

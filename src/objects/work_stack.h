@@ -7,7 +7,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "foundations/allocation.h"
+#include "base/allocation.h"
 
 template <class Frame>
 class WorkStack {

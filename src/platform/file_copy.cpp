@@ -10,11 +10,11 @@
 #include "platform/paths.h"
 #include "platform/system.h"
 
-ZELCopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
-    if (from == nullptr || *from == '\0' || to == nullptr || *to == '\0') return ZELCopyNullArgument;
+platform::CopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+    if (from == nullptr || *from == '\0' || to == nullptr || *to == '\0') return CopyStatus::NullArgument;
     const NativePath nativeFrom(from);
     const NativePath nativeTo(to);
-    if (nativeFrom.Text() == nullptr || nativeTo.Text() == nullptr) return ZELCopyNoMemory;
+    if (nativeFrom.Text() == nullptr || nativeTo.Text() == nullptr) return CopyStatus::NoMemory;
     return CopyNativeFile(nativeFrom.Text(), nativeTo.Text(), replaceExisting);
 }
 

@@ -2,6 +2,7 @@
 #ifndef PLATFORM_PROCESS_LAUNCH_H
 #define PLATFORM_PROCESS_LAUNCH_H
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -67,6 +68,9 @@ struct LaunchFailure {
     char text[1000];
     bool isTooLong;  // the line, for the system
 };
+
+// Fills `failure` with "The command line has N characters, the limit is M".
+void DescribeTooLong(std::size_t length, std::size_t limit, LaunchFailure& failure) noexcept;
 
 // Starts the program that a command line names, with its arguments as docs/commands.md tells. `input` serves as
 // standard input, `output` as standard output and error; those that are not open are the caller's own. Inherited is

@@ -10,9 +10,9 @@
 
 #include "TAFileName.h"
 #include "ZELString.h"
-#include "files/path_names.h"
-#include "foundations/allocation.h"
-#include "foundations/console.h"
+#include "base/allocation.h"
+#include "base/console.h"
+#include "paths/path_names.h"
 #include "platform/process_image.h"
 #include "platform/process_table.h"
 #include "process/child_ledger.h"

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "TADiagnostics.h"
-#include "foundations/console.h"
+#include "base/console.h"
 #include "process/process_tree.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <new>
 #include <utility>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/process_kill.h"
 
 namespace {

@@ -15,8 +15,8 @@
 #include <cstdlib>
 #include <thread>
 
-#include "foundations/console.h"
-#include "platform/deadline.h"
+#include "base/console.h"
+#include "base/deadline.h"
 #include "platform/process_kill.h"
 #include "platform/system.h"
 #include "process/child_ledger.h"

@@ -1,7 +1,7 @@
 #include "ZELHashRWMap.h"
 
+#include "base/allocation.h"
 #include "containers/map_model.h"
-#include "foundations/allocation.h"
 #include "support/slots.h"
 
 TEST(ZELHashRWMap, GivesOutOneIteratorUntilAChange) {

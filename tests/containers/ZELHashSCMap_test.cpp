@@ -3,10 +3,10 @@
 #include <limits>
 
 #include "ZELStringPool.h"
+#include "base/allocation.h"
 #include "containers/fields.h"
 #include "containers/map_model.h"
 #include "containers/text_hash.h"
-#include "foundations/allocation.h"
 #include "support/failing_memory.h"
 #include "support/slots.h"
 

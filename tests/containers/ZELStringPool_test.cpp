@@ -1,7 +1,7 @@
 #include "ZELStringPool.h"
 
+#include "base/allocation.h"
 #include "containers/fields.h"
-#include "foundations/allocation.h"
 #include "support/testing.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "foundations/allocation.h"
+#include "base/allocation.h"
 #include "support/files.h"
 #include "support/testing.h"
 

@@ -6,6 +6,8 @@
 
 namespace {
 
+using platform::CopyStatus;
+
 using std::filesystem::perms;
 
 std::string Pattern(std::size_t size) {
@@ -22,7 +24,7 @@ struct FileCopy : testing::Test {
             EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
     }
 
-    ZELCopyStatus Copy(const std::string& from, const std::string& to, bool replace = true) {
+    CopyStatus Copy(const std::string& from, const std::string& to, bool replace = true) {
         return platform::CopyWholeFile(from.c_str(), to.c_str(), replace);
     }
 
@@ -38,12 +40,12 @@ TEST_F(FileCopy, CopiesEverySizeDespiteInterruptions) {
     for (const std::size_t size : {0u, 1u, 4095u, 4096u, 4097u, 65536u, (1u << 20) + 1}) {
         const std::string bytes = Pattern(size);
         WriteBytes(source, bytes);
-        EXPECT_EQ(Copy(source, target), ZELCopyDone);
+        EXPECT_EQ(Copy(source, target), CopyStatus::Done);
         EXPECT_EQ(ReadBytes(target), bytes) << size;
     }
     // A file of unknown size, where the system has one, is copied to its end.
     if (ReadBytes("/proc/cpuinfo").empty()) return;
-    EXPECT_EQ(Copy("/proc/cpuinfo", target), ZELCopyDone);
+    EXPECT_EQ(Copy("/proc/cpuinfo", target), CopyStatus::Done);
     EXPECT_GT(ReadBytes(target).size(), 100u);
 }
 
@@ -51,16 +53,16 @@ TEST_F(FileCopy, KeepsPermissionsWhateverTheUmaskAndReplacesOnlyWhatItMay) {
     const perms written = perms::owner_read | perms::owner_write | perms::group_write | perms::others_write;
     for (const perms permissions : {written, perms::owner_read | perms::group_read | perms::others_read}) {
         std::filesystem::permissions(source, permissions);
-        EXPECT_EQ(Copy(source, target), ZELCopyDone);
+        EXPECT_EQ(Copy(source, target), CopyStatus::Done);
         EXPECT_EQ(std::filesystem::status(target).permissions(), std::filesystem::status(source).permissions());
     }
-    EXPECT_EQ(Copy(source, target), ZELCopyTargetUnwritable);
+    EXPECT_EQ(Copy(source, target), CopyStatus::TargetUnwritable);
     EXPECT_EQ(ReadBytes(target), "new contents");
 
     WriteBytes(folder / "other", "old");
-    EXPECT_EQ(Copy(source, folder / "other", false), ZELCopyTargetExists);
+    EXPECT_EQ(Copy(source, folder / "other", false), CopyStatus::TargetExists);
     EXPECT_EQ(ReadBytes(folder / "other"), "old");
-    EXPECT_EQ(Copy(source, folder / "fresh", false), ZELCopyDone);
+    EXPECT_EQ(Copy(source, folder / "fresh", false), CopyStatus::Done);
 }
 
 TEST_F(FileCopy, OntoItselfUnderEveryNameLosesNothing) {
@@ -73,8 +75,8 @@ TEST_F(FileCopy, OntoItselfUnderEveryNameLosesNothing) {
     if (!refused) names.push_back(folder / "link");
     if (std::filesystem::exists(folder / "SOURCE")) names.push_back(folder / "SOURCE");
     for (const std::string& name : names) {
-        EXPECT_EQ(Copy(source, name), ZELCopyDone) << name;
-        EXPECT_EQ(Copy(name, source), ZELCopyDone) << name;
+        EXPECT_EQ(Copy(source, name), CopyStatus::Done) << name;
+        EXPECT_EQ(Copy(name, source), CopyStatus::Done) << name;
         EXPECT_EQ(ReadBytes(source), "new contents") << name;
     }
     EXPECT_TRUE(std::filesystem::equivalent(folder / "hard", source));
@@ -89,41 +91,41 @@ TEST_F(FileCopy, ATargetThatIsALinkStaysOne) {
     if (refused) GTEST_SKIP() << "no symbolic links here";
     for (const char* const contents : {"first", "second"}) {  // the links lead nowhere, then to a file
         WriteBytes(source, contents);
-        EXPECT_EQ(Copy(source, target), ZELCopyDone);
+        EXPECT_EQ(Copy(source, target), CopyStatus::Done);
         EXPECT_EQ(ReadBytes(folder / "sub/real"), contents);
         EXPECT_TRUE(std::filesystem::is_symlink(target) && std::filesystem::is_symlink(folder / "link"));
     }
-    EXPECT_EQ(Copy(source, folder / "loop"), ZELCopyTargetUnwritable);
-    EXPECT_EQ(Copy(target, folder / "copy"), ZELCopyDone);
+    EXPECT_EQ(Copy(source, folder / "loop"), CopyStatus::TargetUnwritable);
+    EXPECT_EQ(Copy(target, folder / "copy"), CopyStatus::Done);
     EXPECT_FALSE(std::filesystem::is_symlink(folder / "copy"));
 }
 
 TEST_F(FileCopy, FailuresAreToldApartAndLeaveNothing) {
     std::filesystem::create_directory(folder / "sub");
-    std::vector<std::tuple<std::string, std::string, ZELCopyStatus>> rows = {
-        {"", target, ZELCopyNullArgument},
-        {source, "", ZELCopyNullArgument},
-        {folder / "missing", target, ZELCopySourceUnreadable},
-        {folder / "sub", target, ZELCopySourceNotRegular},
-        {EndlessDevice, target, ZELCopySourceNotRegular},
-        {source, folder / "sub", ZELCopyTargetUnwritable},
-        {source, folder / "missing/target", ZELCopyTargetUnwritable},
-        {source, source + "/target", ZELCopyTargetUnwritable},
-        {source, EndlessDevice, ZELCopyTargetUnwritable},
-        {source, folder / std::string(300, 'n'), ZELCopyTargetUnwritable},
-        {source, folder.Path() + std::string(5000, '/') + "x", ZELCopyTargetUnwritable},
+    std::vector<std::tuple<std::string, std::string, CopyStatus>> rows = {
+        {"", target, CopyStatus::NullArgument},
+        {source, "", CopyStatus::NullArgument},
+        {folder / "missing", target, CopyStatus::SourceUnreadable},
+        {folder / "sub", target, CopyStatus::SourceNotRegular},
+        {EndlessDevice, target, CopyStatus::SourceNotRegular},
+        {source, folder / "sub", CopyStatus::TargetUnwritable},
+        {source, folder / "missing/target", CopyStatus::TargetUnwritable},
+        {source, source + "/target", CopyStatus::TargetUnwritable},
+        {source, EndlessDevice, CopyStatus::TargetUnwritable},
+        {source, folder / std::string(300, 'n'), CopyStatus::TargetUnwritable},
+        {source, folder.Path() + std::string(5000, '/') + "x", CopyStatus::TargetUnwritable},
     };
     if (!FullDevice.empty()) {
-        rows.push_back({source, FullDevice, ZELCopyTargetUnwritable});
-        rows.push_back({"/proc/self/mem", target, ZELCopySourceUnreadable});  // opens, and fails when it is read
+        rows.push_back({source, FullDevice, CopyStatus::TargetUnwritable});
+        rows.push_back({"/proc/self/mem", target, CopyStatus::SourceUnreadable});  // opens, and fails when it is read
     }
     if (MakeNamedPipe(folder / "pipe")) {
-        rows.push_back({folder / "pipe", target, ZELCopySourceNotRegular});
-        rows.push_back({source, folder / "pipe", ZELCopyTargetUnwritable});
+        rows.push_back({folder / "pipe", target, CopyStatus::SourceNotRegular});
+        rows.push_back({source, folder / "pipe", CopyStatus::TargetUnwritable});
     }
     for (const auto& [from, to, expected] : rows) EXPECT_EQ(Copy(from, to), expected) << from << " -> " << to;
-    EXPECT_EQ(platform::CopyWholeFile(nullptr, "x", true), ZELCopyNullArgument);
-    EXPECT_EQ(platform::CopyWholeFile("x", nullptr, true), ZELCopyNullArgument);
+    EXPECT_EQ(platform::CopyWholeFile(nullptr, "x", true), CopyStatus::NullArgument);
+    EXPECT_EQ(platform::CopyWholeFile("x", nullptr, true), CopyStatus::NullArgument);
     EXPECT_FALSE(std::filesystem::exists(target));
 }
 
@@ -137,10 +139,10 @@ TEST_F(FileCopy, RightsThatAreMissingAreFailures) {
     std::filesystem::permissions(target, perms::owner_all);
     const OrdinaryUser user;
     if (!user.IsOrdinary() || std::ifstream(folder / "secret")) GTEST_SKIP() << "this user may do everything";
-    EXPECT_EQ(Copy(folder / "secret", folder / "copy"), ZELCopySourceUnreadable);
-    EXPECT_EQ(Copy(source, folder / "closed/copy"), ZELCopyTargetUnwritable);
-    EXPECT_EQ(Copy(source, target), ZELCopyTargetUnwritable);
-    EXPECT_EQ(Copy(source, folder / "copy"), ZELCopyDone);
+    EXPECT_EQ(Copy(folder / "secret", folder / "copy"), CopyStatus::SourceUnreadable);
+    EXPECT_EQ(Copy(source, folder / "closed/copy"), CopyStatus::TargetUnwritable);
+    EXPECT_EQ(Copy(source, target), CopyStatus::TargetUnwritable);
+    EXPECT_EQ(Copy(source, folder / "copy"), CopyStatus::Done);
 }
 
 TEST_F(FileCopy, ReadersAlwaysSeeOneWholeTarget) {
@@ -152,7 +154,7 @@ TEST_F(FileCopy, ReadersAlwaysSeeOneWholeTarget) {
         const std::string from = folder / std::to_string(writers.size());
         WriteBytes(from, bytes);
         writers.emplace_back([this, &done, from] {
-            for (int round = 0; round < 40; ++round) done += Copy(from, target) == ZELCopyDone;
+            for (int round = 0; round < 40; ++round) done += Copy(from, target) == CopyStatus::Done;
         });
     }
     for (int look = 0; look < 40; ++look) {

@@ -17,7 +17,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/process_launch.h"
 
 namespace {

@@ -22,6 +22,7 @@
 
 namespace {
 
+using platform::CopyStatus;
 using platform::Descriptor;
 using platform::RetryInterrupted;
 
@@ -30,14 +31,14 @@ struct Source {
     struct stat status = {};
 };
 
-ZELCopyStatus OpenSource(const char* path, Source& source) {
+CopyStatus OpenSource(const char* path, Source& source) {
     // Asked first by name: opening a pipe or a device can have effects of its own.
-    if (stat(path, &source.status) != 0) return ZELCopySourceUnreadable;
-    if (!S_ISREG(source.status.st_mode)) return ZELCopySourceNotRegular;
+    if (stat(path, &source.status) != 0) return CopyStatus::SourceUnreadable;
+    if (!S_ISREG(source.status.st_mode)) return CopyStatus::SourceNotRegular;
     const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     source.file = Descriptor(RetryInterrupted([&] { return open(path, flags); }));
-    if (!source.file.IsOpen() || fstat(source.file.Number(), &source.status) != 0) return ZELCopySourceUnreadable;
-    return S_ISREG(source.status.st_mode) ? ZELCopyDone : ZELCopySourceNotRegular;
+    if (!source.file.IsOpen() || fstat(source.file.Number(), &source.status) != 0) return CopyStatus::SourceUnreadable;
+    return S_ISREG(source.status.st_mode) ? CopyStatus::Done : CopyStatus::SourceNotRegular;
 }
 
 std::size_t FolderLength(const char* path) {
@@ -117,10 +118,10 @@ public:
     int Number() const noexcept { return _file.Number(); }
     bool Close() noexcept { return _file.Close(); }
 
-    ZELCopyStatus BecomeTarget(bool replaceExisting) noexcept {
+    CopyStatus BecomeTarget(bool replaceExisting) noexcept {
         if (!(replaceExisting ? RenameOver() : RenameBeside()))
-            return errno == EEXIST ? ZELCopyTargetExists : ZELCopyTargetUnwritable;
-        return ZELCopyDone;
+            return errno == EEXIST ? CopyStatus::TargetExists : CopyStatus::TargetUnwritable;
+        return CopyStatus::Done;
     }
 
 private:
@@ -155,7 +156,7 @@ bool WriteAll(int file, const char* data, std::size_t size) {
     return true;
 }
 
-ZELCopyStatus CopyBytes(int from, int to) {
+CopyStatus CopyBytes(int from, int to) {
     constexpr std::size_t MostAtOnce = std::size_t{1} << 30;
     const auto copySome = [&] { return copy_file_range(from, nullptr, to, nullptr, MostAtOnce, 0); };
     while (RetryInterrupted(copySome) > 0) {
@@ -163,36 +164,36 @@ ZELCopyStatus CopyBytes(int from, int to) {
     char data[1 << 16];
     for (;;) {
         const ssize_t count = RetryInterrupted([&] { return read(from, data, sizeof data); });
-        if (count == 0) return ZELCopyDone;
-        if (count < 0) return ZELCopySourceUnreadable;
-        if (!WriteAll(to, data, static_cast<std::size_t>(count))) return ZELCopyTargetUnwritable;
+        if (count == 0) return CopyStatus::Done;
+        if (count < 0) return CopyStatus::SourceUnreadable;
+        if (!WriteAll(to, data, static_cast<std::size_t>(count))) return CopyStatus::TargetUnwritable;
     }
 }
 
-ZELCopyStatus CopyTo(const Place& place, const Source& source, bool replaceExisting) {
+CopyStatus CopyTo(const Place& place, const Source& source, bool replaceExisting) {
     Temporary temporary(place);
-    if (!temporary.IsOpen()) return ZELCopyTargetUnwritable;
-    const ZELCopyStatus copied = CopyBytes(source.file.Number(), temporary.Number());
-    if (copied != ZELCopyDone) return copied;
+    if (!temporary.IsOpen()) return CopyStatus::TargetUnwritable;
+    const CopyStatus copied = CopyBytes(source.file.Number(), temporary.Number());
+    if (copied != CopyStatus::Done) return copied;
     // The file is ours, so a refusal means a file system without permission bits.
     const bool permitted = fchmod(temporary.Number(), source.status.st_mode & 0777) == 0 || errno == EPERM;
-    if (!permitted || !temporary.Close()) return ZELCopyTargetUnwritable;
+    if (!permitted || !temporary.Close()) return CopyStatus::TargetUnwritable;
     return temporary.BecomeTarget(replaceExisting);
 }
 
 }  // namespace
 
-ZELCopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+platform::CopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     Source source;
-    const ZELCopyStatus opened = OpenSource(from, source);
-    if (opened != ZELCopyDone) return opened;
+    const CopyStatus opened = OpenSource(from, source);
+    if (opened != CopyStatus::Done) return opened;
     Place place;
-    if (!FindPlace(to, place)) return ZELCopyTargetUnwritable;
+    if (!FindPlace(to, place)) return CopyStatus::TargetUnwritable;
     if (place.exists) {
         const struct stat& target = place.status;
-        if (target.st_dev == source.status.st_dev && target.st_ino == source.status.st_ino) return ZELCopyDone;
-        if (!replaceExisting) return ZELCopyTargetExists;
-        if (!MayBeReplaced(place)) return ZELCopyTargetUnwritable;
+        if (target.st_dev == source.status.st_dev && target.st_ino == source.status.st_ino) return CopyStatus::Done;
+        if (!replaceExisting) return CopyStatus::TargetExists;
+        if (!MayBeReplaced(place)) return CopyStatus::TargetUnwritable;
     }
     return CopyTo(place, source, replaceExisting);
 }

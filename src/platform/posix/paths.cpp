@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "foundations/console.h"
-#include "platform/slash_path.h"
+#include "base/console.h"
+#include "base/slash_path.h"
 
 platform::NativePath::NativePath(const char* path) noexcept : _text(path) {
     if (path == nullptr || !NeedsSlashPath(path)) return;

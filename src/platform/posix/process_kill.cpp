@@ -14,7 +14,7 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/deadline.h"
+#include "base/deadline.h"
 #include "platform/posix/descriptor.h"
 
 namespace {

@@ -24,7 +24,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/command_line.h"
+#include "base/command_line.h"
 #include "platform/paths.h"
 #include "platform/posix/child_environment.h"
 #include "platform/posix/descriptor.h"

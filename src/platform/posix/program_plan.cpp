@@ -13,8 +13,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "foundations/console.h"
-#include "platform/slash_path.h"
+#include "base/console.h"
+#include "base/slash_path.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #ifndef PLATFORM_POSIX_PROGRAM_PLAN_H
 #define PLATFORM_POSIX_PROGRAM_PLAN_H
 
-#include "platform/command_line.h"
+#include "base/command_line.h"
 
 namespace platform {
 

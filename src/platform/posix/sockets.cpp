@@ -17,7 +17,7 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "platform/deadline.h"
+#include "base/deadline.h"
 #include "platform/posix/descriptor.h"
 
 using NativeSocket = int;

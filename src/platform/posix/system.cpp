@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/paths.h"
 #include "platform/posix/descriptor.h"
 

@@ -2,7 +2,7 @@
 
 #include "platform/text.h"
 
-#include "platform/utf16.h"
+#include "base/utf16.h"
 
 std::size_t platform::ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept {
     return Utf8ToUtf16(text, out, capacity);

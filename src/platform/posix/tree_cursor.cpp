@@ -17,7 +17,7 @@
 #include <new>
 #include <utility>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/paths.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entry_kind.h"

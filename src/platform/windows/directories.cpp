@@ -8,7 +8,7 @@
 #include <cstring>
 #include <new>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/paths.h"
 #include "platform/windows/file_look.h"
 

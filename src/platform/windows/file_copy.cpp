@@ -16,6 +16,7 @@
 
 namespace {
 
+using platform::CopyStatus;
 using platform::Handle;
 
 // Whether it is a file with contents; `about` is filled then.
@@ -40,22 +41,23 @@ bool FollowLink(const Handle& file, char (&path)[MAX_PATH]) {
     return true;
 }
 
-// Looks at the target and replaces its name if it is a link. ZELCopyDone: the way is free, or `sameFile` is set.
-ZELCopyStatus CheckTarget(char (&path)[MAX_PATH], const BY_HANDLE_FILE_INFORMATION& source, bool replaceExisting,
-                          bool& sameFile) {
+// Looks at the target and replaces its name if it is a link. CopyStatus::Done: the way is free, or `sameFile` is set.
+CopyStatus CheckTarget(char (&path)[MAX_PATH], const BY_HANDLE_FILE_INFORMATION& source, bool replaceExisting,
+                       bool& sameFile) {
     const Handle target = platform::OpenToLook(path, 0);
     if (!target.IsOpen()) {
         // A link that leads nowhere exists, while its file does not.
         const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
-        return missing && GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES ? ZELCopyDone : ZELCopyTargetUnwritable;
+        return missing && GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES ? CopyStatus::Done
+                                                                              : CopyStatus::TargetUnwritable;
     }
     BY_HANDLE_FILE_INFORMATION about;
     const bool regular = IsRegular(target, about);
     sameFile = regular && IsSameFile(source, about);
-    if (sameFile) return ZELCopyDone;
-    if (!replaceExisting) return ZELCopyTargetExists;
-    if (!regular || (about.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return ZELCopyTargetUnwritable;
-    return FollowLink(target, path) ? ZELCopyDone : ZELCopyTargetUnwritable;
+    if (sameFile) return CopyStatus::Done;
+    if (!replaceExisting) return CopyStatus::TargetExists;
+    if (!regular || (about.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return CopyStatus::TargetUnwritable;
+    return FollowLink(target, path) ? CopyStatus::Done : CopyStatus::TargetUnwritable;
 }
 
 // Writes the path of a temporary file beside `target`.
@@ -74,41 +76,43 @@ void RemoveTemporary(const char* path) {
 }
 
 // Fills a new file beside `target`; its path is written.
-ZELCopyStatus CopyBeside(const char* source, const char* target, char (&temporary)[MAX_PATH]) {
+CopyStatus CopyBeside(const char* source, const char* target, char (&temporary)[MAX_PATH]) {
     constexpr int MostAttempts = 1000;
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
-        if (!MakeTemporaryPath(target, temporary)) return ZELCopyTargetUnwritable;
-        if (CopyFileA(source, temporary, TRUE)) return ZELCopyDone;
+        if (!MakeTemporaryPath(target, temporary)) return CopyStatus::TargetUnwritable;
+        if (CopyFileA(source, temporary, TRUE)) return CopyStatus::Done;
         const DWORD error = GetLastError();
         if (error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS) continue;
         // The system does not say which side failed. Nothing of that name was there before, so what is there is ours.
         RemoveTemporary(temporary);
-        return platform::OpenToLook(source, GENERIC_READ).IsOpen() ? ZELCopyTargetUnwritable : ZELCopySourceUnreadable;
+        return platform::OpenToLook(source, GENERIC_READ).IsOpen() ? CopyStatus::TargetUnwritable
+                                                                   : CopyStatus::SourceUnreadable;
     }
-    return ZELCopyTargetUnwritable;
+    return CopyStatus::TargetUnwritable;
 }
 
 }  // namespace
 
-ZELCopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+platform::CopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     BY_HANDLE_FILE_INFORMATION source;
     {
         const Handle file = OpenToLook(from, 0);
-        if (!file.IsOpen()) return ZELCopySourceUnreadable;
-        if (!IsRegular(file, source)) return ZELCopySourceNotRegular;
+        if (!file.IsOpen()) return CopyStatus::SourceUnreadable;
+        if (!IsRegular(file, source)) return CopyStatus::SourceNotRegular;
     }
     char target[MAX_PATH];
-    if (std::strlen(to) >= sizeof target) return ZELCopyTargetUnwritable;
+    if (std::strlen(to) >= sizeof target) return CopyStatus::TargetUnwritable;
     std::strcpy(target, to);
     bool sameFile = false;
-    const ZELCopyStatus checked = CheckTarget(target, source, replaceExisting, sameFile);
-    if (checked != ZELCopyDone || sameFile) return checked;
+    const CopyStatus checked = CheckTarget(target, source, replaceExisting, sameFile);
+    if (checked != CopyStatus::Done || sameFile) return checked;
 
     char temporary[MAX_PATH];
-    const ZELCopyStatus copied = CopyBeside(from, target, temporary);
-    if (copied != ZELCopyDone) return copied;
-    if (MoveFileExA(temporary, target, replaceExisting ? MOVEFILE_REPLACE_EXISTING : 0)) return ZELCopyDone;
+    const CopyStatus copied = CopyBeside(from, target, temporary);
+    if (copied != CopyStatus::Done) return copied;
+    if (MoveFileExA(temporary, target, replaceExisting ? MOVEFILE_REPLACE_EXISTING : 0)) return CopyStatus::Done;
     const DWORD error = GetLastError();
     RemoveTemporary(temporary);
-    return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS ? ZELCopyTargetExists : ZELCopyTargetUnwritable;
+    return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS ? CopyStatus::TargetExists
+                                                                       : CopyStatus::TargetUnwritable;
 }

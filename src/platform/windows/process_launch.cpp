@@ -14,8 +14,8 @@
 #include <cstring>
 #include <cwchar>
 
-#include "foundations/console.h"
-#include "platform/command_line.h"
+#include "base/command_line.h"
+#include "base/console.h"
 #include "platform/paths.h"
 #include "platform/system.h"
 #include "platform/windows/handle.h"

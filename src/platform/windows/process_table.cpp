@@ -12,7 +12,7 @@
 #include <ctime>
 #include <utility>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/windows/file_time.h"
 #include "platform/windows/handle.h"
 

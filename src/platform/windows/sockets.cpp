@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "platform/deadline.h"
+#include "base/deadline.h"
 
 using NativeSocket = SOCKET;
 using SocketLength = int;

@@ -12,7 +12,7 @@
 #include <new>
 #include <utility>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/paths.h"
 #include "platform/windows/file_look.h"
 #include "platform/windows/handle.h"

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "foundations/console.h"
+#include "base/console.h"
 #include "platform/text.h"
 
 namespace platform {

@@ -1,0 +1,42 @@
+// How much of a time limit is left, for waits that are interrupted and go on.
+#ifndef BASE_DEADLINE_H
+#define BASE_DEADLINE_H
+
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <cstdint>
+
+namespace platform {
+
+class Deadline {
+public:
+    // Below 0: no limit.
+    explicit Deadline(std::int64_t milliseconds) noexcept
+        : _isLimited(milliseconds >= 0),
+          _end(_isLimited ? Clock::now() + Bounded(milliseconds) : Clock::time_point()) {}
+
+    // Milliseconds, rounded up, so that who waits for them does not come back too early; 0 when the time is over, -1
+    // without limit. Long times come as INT_MAX: who has waited for that asks again.
+    int Left() const noexcept {
+        if (!_isLimited) return -1;
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(_end - Clock::now()).count();
+        return static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX));
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    // A century, lest the sum overflow.
+    static std::chrono::milliseconds Bounded(std::int64_t milliseconds) noexcept {
+        constexpr std::int64_t Century = std::int64_t{100} * 365 * 24 * 3600 * 1000;
+        return std::chrono::milliseconds(std::min(milliseconds, Century));
+    }
+
+    bool _isLimited;
+    Clock::time_point _end;
+};
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,17 @@
+// The arithmetic of the disk boundary for systems with slashes and without drives; see paths.h. Compiled on both
+// targets.
+#ifndef BASE_SLASH_PATH_H
+#define BASE_SLASH_PATH_H
+
+namespace platform {
+
+// False when the path means the same to such a system as it stands: no backslash and no drive prefix.
+bool NeedsSlashPath(const char* path) noexcept;
+
+// Writes the slashed form with a terminator to `result`, which has room for strlen(path) + 1 bytes: the form is never
+// longer than the path.
+void WriteSlashPath(const char* path, char* result) noexcept;
+
+}  // namespace platform
+
+#endif

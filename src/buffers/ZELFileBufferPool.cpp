@@ -1,0 +1,47 @@
+// A pool is a thread or none; load_queue.h has the work.
+
+#include "ZELFileBufferPool.h"
+
+#include <atomic>
+#include <cstdint>
+#include <new>
+
+#include "base/console.h"
+#include "buffers/load_queue.h"
+
+namespace {
+
+constexpr std::int64_t Ceiling = std::int64_t{64} << 20;
+
+std::atomic<bool> poolsGetThreads{false};
+
+FileBufferLoader* StartLoader() noexcept {
+    auto* const loader = new (std::nothrow) FileBufferLoader(Ceiling);
+    if (loader == nullptr) {
+        ReportAllocFailure("ZELFileBufferPool", sizeof(FileBufferLoader));
+        return nullptr;
+    }
+    if (loader->Start()) return loader;
+    delete loader;
+    return nullptr;
+}
+
+}  // namespace
+
+ZELFileBufferPool::ZELFileBufferPool() noexcept : _loader(poolsGetThreads ? StartLoader() : nullptr) {}
+
+ZELFileBufferPool::~ZELFileBufferPool() {
+    delete _loader;
+}
+
+void ZELFileBufferPool::append(ZELFileBuffer* buffer) noexcept {
+    if (buffer != nullptr && _loader != nullptr) _loader->Queue()->Append(buffer);
+}
+
+void ZELFileBufferPool::enableMultiThread() noexcept {
+    poolsGetThreads = true;
+}
+
+void ZELFileBufferPool::disableMultiThread() noexcept {
+    poolsGetThreads = false;
+}

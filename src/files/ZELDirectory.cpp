@@ -1,0 +1,99 @@
+// Directory services in their public form: a listing of the seam, owned by the caller's handle.
+
+#include "ZELDirectory.h"
+
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "ZELUnicodeString.h"
+#include "base/console.h"
+#include "platform/directories.h"
+#include "platform/file_copy.h"
+
+namespace {
+
+platform::DirectoryListing* Listing(const ZELDirectoryHandle& directory) {
+    return static_cast<platform::DirectoryListing*>(directory.listing);
+}
+
+int KindNumber(platform::EntryKind kind) {
+    switch (kind) {
+        case platform::EntryKind::File:
+            return ZELEntryFile;
+        case platform::EntryKind::Directory:
+            return ZELEntryDirectory;
+        case platform::EntryKind::Link:
+            return ZELEntryLink;
+        case platform::EntryKind::Other:
+            break;
+    }
+    return ZELEntryOther;
+}
+
+ZELCopyStatus StatusNumber(platform::CopyStatus status) {
+    switch (status) {
+        case platform::CopyStatus::Done:
+            return ZELCopyDone;
+        case platform::CopyStatus::NullArgument:
+            return ZELCopyNullArgument;
+        case platform::CopyStatus::SourceUnreadable:
+            return ZELCopySourceUnreadable;
+        case platform::CopyStatus::SourceNotRegular:
+            return ZELCopySourceNotRegular;
+        case platform::CopyStatus::TargetExists:
+            return ZELCopyTargetExists;
+        case platform::CopyStatus::TargetUnwritable:
+            return ZELCopyTargetUnwritable;
+        case platform::CopyStatus::NoMemory:
+            break;
+    }
+    return ZELCopyNoMemory;
+}
+
+}  // namespace
+
+ZELDirectoryHandle::~ZELDirectoryHandle() {
+    ZELCloseDirectory(this);
+}
+
+int ZELOpenDirectory(const char* path, ZELDirectoryHandle* directory) noexcept {
+    if (directory == nullptr || directory->listing != nullptr) return 1;
+    platform::DirectoryListing opened;
+    if (!opened.Open(path)) return 1;
+    directory->listing = new (std::nothrow) platform::DirectoryListing(std::move(opened));
+    if (directory->listing == nullptr) ReportAllocFailure("ZELDirectoryHandle", sizeof opened);
+    return directory->listing != nullptr ? 0 : 1;
+}
+
+int ZELReadDirectory(ZELDirectoryHandle* directory, ZELDirectoryEntry* entry, int* end) noexcept {
+    if (entry != nullptr) {
+        entry->name[0] = '\0';
+        entry->kind = ZELEntryOther;
+    }
+    if (end != nullptr) *end = 1;
+    if (directory == nullptr || directory->listing == nullptr || entry == nullptr || end == nullptr) return 1;
+
+    const char* name = nullptr;
+    platform::EntryKind kind;
+    const platform::ListingStep step = Listing(*directory)->Next(&name, &kind);
+    if (step != platform::ListingStep::Entry) return step == platform::ListingStep::End ? 0 : 1;
+    *end = 0;
+    const std::size_t size = std::strlen(name) + 1;
+    if (size > sizeof entry->name) return 1;
+    std::memcpy(entry->name, name, size);
+    entry->kind = KindNumber(kind);
+    return 0;
+}
+
+int ZELCloseDirectory(ZELDirectoryHandle* directory) noexcept {
+    if (directory == nullptr || directory->listing == nullptr) return 1;
+    delete Listing(*directory);
+    directory->listing = nullptr;
+    return 0;
+}
+
+std::int32_t ZELFCopy(ZELUnicodeString* from, ZELUnicodeString* to, int replaceExisting) noexcept {
+    if (from == nullptr || to == nullptr) return ZELCopyNullArgument;
+    return StatusNumber(platform::CopyWholeFile(*from, *to, replaceExisting != 0));
+}

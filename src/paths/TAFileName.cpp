@@ -1,0 +1,316 @@
+// A name is a pointer to one counted heap block, or null. Every change of the text makes a new block, built in one
+// piece and normalised in place, so nothing is ever written to a text that another name shares; the old block is let go
+// last, since the new text may have been taken from it.
+//
+// Invariants: a block has at least one byte of text and a terminator behind it; its room ends at a multiple of the
+// normaliser's step. The dangerous case is the count, which is not atomic: see the header.
+
+#include "TAFileName.h"
+
+#include <emmintrin.h>  // SSE2 is part of every x86-64
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "TADiagnostics.h"
+#include "TAEnvironment.h"
+#include "base/console.h"
+#include "paths/path_names.h"
+#include "paths/path_normalise.h"
+#include "platform/file_actions.h"
+#include "platform/paths.h"
+#include "platform/system.h"
+
+namespace {
+
+constexpr char Separator = '\\';
+
+unsigned char FoldCase(char character) noexcept {
+    const auto byte = static_cast<unsigned char>(character);
+    return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte + ('a' - 'A')) : byte;
+}
+
+bool IsAbsolute(std::string_view path) noexcept {
+    return IsDrive(path.substr(0, 2)) || path.starts_with(Separator);
+}
+
+}  // namespace
+
+int TAFileName::_backSlashReplacementOnUnix = 1;
+
+// A new block for so many bytes, with their terminator and not normalised; null for no text and when memory runs out.
+TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
+    if (length == 0) return nullptr;
+    constexpr std::size_t MaxLength = 0x7FFFFF00;
+    const std::size_t size = offsetof(Block, text) + (length / PathPadding + 1) * PathPadding;
+    auto* const block = length <= MaxLength ? static_cast<Block*>(std::malloc(size)) : nullptr;
+    if (block == nullptr) {
+        ReportAllocFailure("TAFileName", size);
+        return nullptr;
+    }
+    block->count = 1;
+    block->length = static_cast<std::int32_t>(length);
+    block->normalised = false;
+    block->text[length] = '\0';
+    return block;
+}
+
+TAFileName::Block* TAFileName::MakeBlock(std::string_view text) noexcept {
+    Block* const block = NewBlock(text.size());
+    if (block != nullptr) std::memcpy(block->text, text.data(), text.size());
+    return block;
+}
+
+// The pieces one behind the other.
+TAFileName::Block* TAFileName::MakeBlock(std::string_view first, std::string_view separator,
+                                         std::string_view second) noexcept {
+    Block* const block = NewBlock(first.size() + separator.size() + second.size());
+    if (block == nullptr) return nullptr;
+    char* const middle = std::copy(first.begin(), first.end(), block->text);
+    std::copy(second.begin(), second.end(), std::copy(separator.begin(), separator.end(), middle));
+    return block;
+}
+
+// The last `character` in the first `end` bytes of the text, sixteen bytes at a time: the room of a block allows it.
+std::size_t TAFileName::FindLast(char character, std::size_t end) const noexcept {
+    const __m128i wanted = _mm_set1_epi8(character);
+    while (end > 0 && _block != nullptr) {
+        const std::size_t last = end - 1;
+        const std::size_t begin = last / PathPadding * PathPadding;
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(_block->text + begin));
+        const unsigned inside = (2U << (last - begin)) - 1;
+        const unsigned found = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted))) & inside;
+        if (found != 0) return begin + static_cast<std::size_t>(std::bit_width(found)) - 1;
+        end = begin;
+    }
+    return std::string_view::npos;
+}
+
+// The last owner is gone, or one owner too many.
+void TAFileName::FreeBlock() noexcept {
+    if (_block->count < 0) std::abort();
+    std::free(_block);
+}
+
+// Takes over a block, which is this name's alone, and lets the old one go.
+void TAFileName::SetBlock(Block* block) noexcept {
+    Release();
+    _block = block;
+}
+
+TAFileName::TAFileName(const char* path) noexcept : TAFileName(std::string_view(path != nullptr ? path : "")) {}
+
+TAFileName::TAFileName(const char* path, int length) noexcept
+    : TAFileName(std::string_view(path, path != nullptr && length > 0 ? static_cast<std::size_t>(length) : 0)) {}
+
+TAFileName::TAFileName(const ZELString& path) noexcept : TAFileName(path.View()) {}
+
+TAFileName::TAFileName(std::string_view path) noexcept : _block(MakeBlock(path)) {
+    TAFileName::Normalize();
+}
+
+TAFileName& TAFileName::operator=(const TAFileName& other) noexcept {
+    if (other._block != nullptr) ++other._block->count;
+    SetBlock(other._block);
+    return *this;
+}
+
+TAFileName& TAFileName::operator=(TAFileName&& other) noexcept {
+    std::swap(_block, other._block);
+    return *this;
+}
+
+TAFileName& TAFileName::operator=(const char* path) noexcept {
+    SetBlock(MakeBlock(path != nullptr ? path : ""));
+    Normalize();
+    return *this;
+}
+
+TAFileName& TAFileName::operator=(const ZELString& path) noexcept {
+    SetBlock(MakeBlock(path.View()));
+    Normalize();
+    return *this;
+}
+
+void TAFileName::Normalize() noexcept {
+    if (_block == nullptr) return;
+    const std::size_t length = NormalisePath(_block->text, static_cast<std::size_t>(_block->length));
+    _block->length = static_cast<std::int32_t>(length);
+    _block->text[length] = '\0';
+    _block->normalised = true;
+    if (length == 0) SetBlock(nullptr);
+}
+
+ZELString TAFileName::GetNativeName() const noexcept {
+    return platform::NativePath(*this).Text();
+}
+
+bool TAFileName::EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char one, char other) { return FoldCase(one) == FoldCase(other); });
+}
+
+int TAFileName::IsEqual(const TAFileName& other) const noexcept {
+    if (_block == nullptr || other._block == nullptr) return -1;
+    return View() == other.View() ? 1 : 0;
+}
+
+int TAFileName::Compare(TAFileName* left, TAFileName* right) noexcept {
+    const std::string_view leftText = left != nullptr ? left->View() : "";
+    const std::string_view rightText = right != nullptr ? right->View() : "";
+    const int order = leftText.compare(rightText);
+    return order < 0 ? -1 : order > 0 ? 1 : 0;
+}
+
+// A part of the text that ends at separators. What stands between separators of a normal form is one itself.
+TAFileName TAFileName::Part(std::size_t start, std::size_t length) const noexcept {
+    TAFileName part;
+    part._block = MakeBlock(View().substr(start, length));
+    if (part._block != nullptr && _block->normalised)
+        part._block->normalised = true;
+    else
+        part.TAFileName::Normalize();
+    return part;
+}
+
+TAFileName TAFileName::Join(std::string_view tail) const noexcept {
+    TAFileName joined;
+    joined._block = MakeBlock(View(), _block != nullptr && !tail.empty() ? "\\" : "", tail);
+    joined.TAFileName::Normalize();
+    return joined;
+}
+
+TAFileName TAFileName::operator+(const char* tail) const noexcept {
+    return Join(tail != nullptr ? tail : "");
+}
+TAFileName TAFileName::operator+(const ZELString& tail) const noexcept {
+    return Join(tail.View());
+}
+
+TAFileName& TAFileName::operator+=(const char* tail) noexcept {
+    const std::string_view added(tail != nullptr ? tail : "");
+    SetBlock(MakeBlock(View(), _block != nullptr && !added.empty() ? "/" : "", added));
+    Normalize();
+    return *this;
+}
+
+ZELString TAFileName::GetExtension() const noexcept {
+    const std::size_t dot = FindLast('.', View().size());
+    return dot == std::string_view::npos ? ZELString() : ZELString(View().substr(dot + 1));
+}
+
+int TAFileName::HasExtension(const char* ext) const noexcept {
+    if (ext == nullptr) return 0;
+    const std::size_t dot = View().rfind('.');
+    return (dot == std::string_view::npos ? "" : View().substr(dot + 1)) == ext ? 1 : 0;
+}
+
+void TAFileName::SetExtension(const ZELString& ext) noexcept {
+    // Without a dot rfind gives npos, and npos + 1 is 0: nothing of the text is kept.
+    SetBlock(MakeBlock(View().substr(0, View().rfind('.') + 1), "", ext.View()));
+}
+
+void TAFileName::AddExtension(const ZELString& ext) noexcept {
+    SetBlock(MakeBlock(View(), "", ext.View()));
+}
+
+TAFileName TAFileName::basename(int n) const noexcept {
+    std::size_t end = View().size();
+    std::size_t separator = std::string_view::npos;
+    for (int i = 0; i < std::max(n, 1); ++i) {
+        if (i > 0) end = separator;
+        separator = FindLast(Separator, end);
+        if (separator == std::string_view::npos) return *this;
+    }
+    return Part(separator + 1, end - separator - 1);
+}
+
+TAFileName TAFileName::dirname(int n) const noexcept {
+    if (n <= 0) return *this;
+    std::size_t end = View().size();
+    for (int i = 0; i < n; ++i) {
+        end = FindLast(Separator, end);
+        if (end == std::string_view::npos || end == 0) return TAFileName();
+    }
+    return Part(0, end);
+}
+
+int TAFileName::IsFile() const noexcept {
+    return platform::KindOf(*this) == platform::PathKind::File ? 1 : 0;
+}
+
+int TAFileName::IsDirectory() const noexcept {
+    return platform::KindOf(*this) == platform::PathKind::Directory ? 1 : 0;
+}
+
+int TAFileName::Delete() const noexcept {
+    return IsNull() || platform::RemoveFile(*this) ? 0 : 1;
+}
+int TAFileName::DeleteUnicode() const noexcept {
+    return IsNull() || platform::RemoveFileUnicode(*this) ? 0 : 1;
+}
+
+int TAFileName::CreateDirectoryW() const noexcept {
+    return !IsNull() && (platform::MakeDirectory(*this) || IsDirectory()) ? 0 : 1;
+}
+
+int TAFileName::CreateNotExistingDirectory() const noexcept {
+    return CreateDirectoryW();
+}
+
+int TAFileName::CreateRecursiveDirectory() const noexcept {
+    if (IsDirectory()) return 0;
+    // Up to the deepest ancestor that is there, then down again: no recursion, however deep the name is.
+    int missing = 0;
+    for (TAFileName parent = dirname(1); !parent.IsNull() && !parent.IsDirectory(); parent = parent.dirname(1))
+        ++missing;
+    for (; missing > 0; --missing) dirname(missing).CreateDirectoryW();
+    return CreateDirectoryW();
+}
+
+int TAFileName::IsUnderDirectory(const TAFileName& dir) const noexcept {
+    int level;
+    return IsUnderDirectory(dir, level);
+}
+
+int TAFileName::IsUnderDirectory(const TAFileName& dir, int& level) const noexcept {
+    level = 0;
+    if (dir.IsNull()) return 1;
+    const std::string_view text = View();
+    const std::string_view ancestor = dir.View();
+    if (!text.starts_with(ancestor)) return 0;
+    const std::string_view below = text.substr(ancestor.size());
+    if (!below.empty() && !below.starts_with(Separator)) return 0;
+    level = static_cast<int>(std::count(below.begin(), below.end(), Separator));
+    return 1;
+}
+
+TAFileName TAFileName::GetFullPath() const noexcept {
+    if (IsNull() || IsAbsolute(View())) return *this;
+    const TAFileName directory = GetWorkDir();
+    // Joined as any other, the root would become the beginning of a network path.
+    return directory.View() == "\\" ? TAFileName(ZELString("\\") + *this) : directory.Join(View());
+}
+
+TAFileName TAFileName::GetTemporaryFileName() noexcept {
+    char path[platform::TemporaryPathSize];
+    const ZELString prefix = ZELString("TABase_") + toString(platform::GetOwnProcessId());
+    return platform::MakeTemporaryFile(prefix, path) ? TAFileName(path) : TAFileName();
+}
+
+TAFileName TAFileName::GetWorkDir() noexcept {
+    const ZELString directory = ::GetWorkDir();
+    return directory == "." ? TAFileName() : TAFileName(directory);
+}
+
+int TAFileName::SetWorkDir(TAFileName directory) noexcept {
+    return ::SetWorkDir(ZELString(directory.View()));
+}
+
+void TAFileName::DisableBackSlashReplacementOnUnix() noexcept {
+    _backSlashReplacementOnUnix = 0;
+}

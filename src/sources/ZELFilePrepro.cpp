@@ -1,0 +1,65 @@
+// Gets the text and hands it to the scanner. The text is kept with zeros behind it, since the scanner's last step reads
+// on there; the output has as much room for what that step writes.
+
+#include "ZELFilePrepro.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "ZELFileBuffer.h"
+#include "base/allocation.h"
+#include "base/console.h"
+#include "sources/source_scanner.h"
+
+namespace {
+
+char* MakeBlock(std::size_t length) noexcept {
+    const std::size_t size = length + 1 + SourceScannerSlack;
+    char* const block = static_cast<char*>(Allocate(size));
+    if (block == nullptr) ReportAllocFailure("ZELFilePrepro", size);
+    return block;
+}
+
+}  // namespace
+
+ZELFilePrepro::ZELFilePrepro(ZELString fileName) noexcept : _fileName(std::move(fileName)) {}
+
+ZELFilePrepro::ZELFilePrepro(const char* text, std::size_t length) noexcept {
+    const void* const end = text != nullptr ? std::memchr(text, '\0', length) : nullptr;
+    if (end != nullptr) length = static_cast<std::size_t>(static_cast<const char*>(end) - text);
+    if (text != nullptr) Keep(text, length);
+}
+
+ZELFilePrepro::~ZELFilePrepro() {
+    std::free(_text);
+}
+
+void ZELFilePrepro::Keep(const char* text, std::size_t length) noexcept {
+    _text = MakeBlock(length);
+    if (_text == nullptr) return;
+    std::memcpy(_text, text, length);
+    std::memset(_text + length, 0, 1 + SourceScannerSlack);
+    _length = length;
+}
+
+bool ZELFilePrepro::ObtainText() noexcept {
+    if (_text != nullptr) return true;
+    ZELFileBuffer* const file = NewObject<ZELFileBuffer>(_fileName);
+    if (file == nullptr) {
+        ReportAllocFailure("ZELFilePrepro", sizeof(ZELFileBuffer));
+        return false;
+    }
+    if (const char* const text = file->getBuffer()) Keep(text, std::strlen(text));
+    file->destroy();
+    return _text != nullptr;
+}
+
+int ZELFilePrepro::preprocess(int flags, char*& output) noexcept {
+    char* const block = ObtainText() ? MakeBlock(_length) : nullptr;
+    if (block == nullptr) return 1;
+    bool complete = false;
+    block[StripSource(_text, _length, flags, block, complete)] = '\0';
+    output = block;
+    return complete ? 0 : 2;
+}

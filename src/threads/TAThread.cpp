@@ -1,0 +1,226 @@
+// The register lives in static memory that is made on first use and never ends, so threads that are alive at the end of
+// the process still find it. It is a lock, the threads that run, those that wait to be deleted, and a word that changes
+// whenever somebody leaves or begins to wait, on which all waiting is done, without holding the lock.
+//
+// A thread's last step is one critical section: it leaves the register, queues itself for deletion if it is detached,
+// and becomes idle. From then on it touches nothing of its object, which somebody may delete at once. What is to be
+// deleted is taken out of the queue under the lock and deleted outside it, so nobody deletes twice, and destructors
+// may make and start threads.
+// The dangerous cases are an object that is deleted by its own function (recognised by the thread's own note of what it
+// runs), and threads that wait for all while others wait for them (they count as waiting, not as running).
+
+#include "TAThread.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+#include "ZELThreads.h"
+#include "base/console.h"
+#include "platform/threads.h"
+#include "platform/waiting.h"
+
+namespace {
+
+struct Register {
+    ZELMutex lock;
+    ZELListPtrTAThread running;
+    ZELListPtrTAThread toDelete;
+    int waiting = 0;  // of the running ones, in WaitForAll
+    std::atomic<std::uint32_t> changes{0};
+    std::atomic<bool> exitIsCalled{false};
+
+    void Announce() noexcept {
+        ++changes;
+        platform::WakeAll(changes);
+    }
+    // Takes the queue over. Room for what runs stays in it, so that queuing never needs memory.
+    ZELListPtrTAThread TakeFinished() noexcept {
+        ZELListPtrTAThread taken(std::move(toDelete));
+        toDelete.Reserve(running.Size());
+        return taken;
+    }
+};
+
+Register& TheRegister() noexcept {
+    alignas(Register) static unsigned char room[sizeof(Register)];
+    static Register* const made = new (room) Register;
+    return *made;
+}
+
+// What this thread runs; null once that was deleted, and in threads of others.
+thread_local TAThread* ownObject = nullptr;
+
+void DeleteAll(ZELListPtrTAThread finished) noexcept {
+    for (const TAThread* thread : finished) delete thread;
+}
+
+std::shared_ptr<const char*> MakeVector(void* first, std::va_list rest, int& count) noexcept {
+    std::va_list counted;
+    va_copy(counted, rest);
+    for (count = 1; va_arg(counted, void*) != nullptr;) ++count;
+    va_end(counted);
+    const auto size = static_cast<std::size_t>(count) + 1;
+    try {
+        std::shared_ptr<const char*> vector(new const char*[size], std::default_delete<const char*[]>());
+        vector.get()[0] = static_cast<const char*>(first);
+        for (std::size_t i = 1; i < size; ++i) vector.get()[i] = static_cast<const char*>(va_arg(rest, void*));
+        return vector;
+    } catch (const std::bad_alloc&) {
+        ReportAllocFailure("TAThread", size * sizeof(void*));
+        count = 0;
+        return nullptr;
+    }
+}
+
+}  // namespace
+
+TAThread::TAThread() noexcept : TAThread(nullptr) {}
+
+TAThread::TAThread(void (*function)(int, const char**)) noexcept : _function(function) {
+    Cleanup();
+}
+
+TAThread::TAThread(const TAThread& other) noexcept
+    : _function(other._function), _arguments(other._arguments), _count(other._count) {
+    Cleanup();
+}
+
+TAThread& TAThread::operator=(const TAThread& other) noexcept {
+    _function = other._function;
+    _arguments = other._arguments;
+    _count = other._count;
+    return *this;
+}
+
+TAThread::~TAThread() {
+    Register& shared = TheRegister();
+    if (ownObject == this) {
+        ownObject = nullptr;
+        _detached = false;  // nobody else is to delete it
+        Leave();
+        return;
+    }
+    while (_state.load() == Running && !shared.exitIsCalled.load()) {
+        const std::uint32_t seen = shared.changes.load();
+        if (_state.load() == Running) platform::WaitOnWord(shared.changes, seen);
+    }
+    if (_state.load() == Registered) Leave();
+}
+
+void TAThread::SetFunc(void (*function)(int, const char**)) noexcept {
+    _function = function;
+}
+
+void TAThread::SetArgs(void (*function)(int, const char**), void* first, ...) noexcept {
+    SetFunc(function);
+    std::va_list rest;
+    va_start(rest, first);
+    _arguments = MakeVector(first, rest, _count);
+    va_end(rest);
+}
+
+void TAThread::SetArgs(void* first, ...) noexcept {
+    std::va_list rest;
+    va_start(rest, first);
+    _arguments = MakeVector(first, rest, _count);
+    va_end(rest);
+}
+
+int TAThread::Start() noexcept {
+    return Begin(false);
+}
+
+int TAThread::StartDetach() noexcept {
+    return Begin(true);
+}
+
+int TAThread::Begin(bool detached) noexcept {
+    Cleanup();
+    if (ownObject == this) return 1;
+    Register& shared = TheRegister();
+    for (;;) {
+        const std::uint32_t seen = shared.changes.load();
+        if (_state.load() != Running) break;
+        platform::WaitOnWord(shared.changes, seen);
+    }
+    shared.lock.Lock();
+    const bool isRegistered = _state.load() == Registered || shared.running.Append(this) == 0;
+    shared.toDelete.Reserve(shared.toDelete.Size() + shared.running.Size());
+    _detached = detached;
+    if (isRegistered) _state.store(Running);
+    shared.lock.Unlock();
+    if (!isRegistered) return 1;
+    const auto body = [](void* object) {
+        ownObject = static_cast<TAThread*>(object);
+        ownObject->Run();
+    };
+    if (platform::StartThread(body, this)) return 0;
+    _state.store(Registered);
+    return 1;
+}
+
+void TAThread::Run() {
+    if (_function != nullptr)
+        _function(_count, _arguments.get());
+    else
+        WriteText(stdout, {"TAThread::Run No function to run !\n"});
+    // Otherwise the function deleted this object, or nobody started it.
+    if (ownObject != this) return;
+    ownObject = nullptr;
+    Leave();
+}
+
+// Nothing of this object is touched behind the critical section.
+void TAThread::Leave() noexcept {
+    Register& shared = TheRegister();
+    shared.lock.Lock();
+    if (shared.exitIsCalled.load()) return;  // closed for ever
+    for (int i = shared.running.Size(); i >= 1; --i) {
+        if (std::as_const(shared.running)[i] != this) continue;
+        shared.running.RemovePosition(i);
+        break;
+    }
+    if (_detached && _state.load() == Running) shared.toDelete.Append(this);
+    _state.store(Idle);
+    shared.lock.Unlock();
+    shared.Announce();
+}
+
+void TAThread::WaitForAll() noexcept {
+    Register& shared = TheRegister();
+    shared.lock.Lock();
+    if (shared.running.Size() == 0) {
+        shared.lock.Unlock();
+        return;
+    }
+    const bool isRegistered = ownObject != nullptr;
+    if (isRegistered) {
+        ++shared.waiting;
+        shared.Announce();
+    }
+    while (shared.running.Size() > (isRegistered ? shared.waiting : 0)) {
+        const std::uint32_t seen = shared.changes.load();
+        shared.lock.Unlock();
+        platform::WaitOnWord(shared.changes, seen);
+        shared.lock.Lock();
+    }
+    if (isRegistered) --shared.waiting;
+    ZELListPtrTAThread finished = shared.TakeFinished();
+    shared.lock.Unlock();
+    DeleteAll(std::move(finished));
+}
+
+void TAThread::exitCalled() noexcept {
+    TheRegister().exitIsCalled.store(true);
+    TheRegister().Announce();
+}
+
+void TAThread::Cleanup() noexcept {
+    Register& shared = TheRegister();
+    shared.lock.Lock();
+    ZELListPtrTAThread finished = shared.TakeFinished();
+    shared.lock.Unlock();
+    DeleteAll(std::move(finished));
+}
