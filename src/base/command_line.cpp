@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 
 namespace {
 

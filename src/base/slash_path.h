@@ -1,4 +1,4 @@
-// The arithmetic of the disk boundary for systems with slashes and without drives; see paths.h. Compiled on both
+// The arithmetic of the disk boundary for systems with slashes and without drives; see native_path.h. Compiled on both
 // targets.
 #ifndef BASE_SLASH_PATH_H
 #define BASE_SLASH_PATH_H

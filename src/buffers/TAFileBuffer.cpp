@@ -19,9 +19,9 @@
 
 #include "TAThread.h"
 #include "ZELThreads.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "buffers/whole_file.h"
-#include "platform/files.h"
+#include "platform/text_reader.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
 

@@ -14,7 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "buffers/load_queue.h"
 #include "buffers/whole_file.h"
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <new>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "buffers/load_queue.h"
 
 namespace {

@@ -12,7 +12,7 @@
 #include <new>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
 

@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-#include "platform/files.h"
+#include "platform/text_reader.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/memory.h"
+#include "platform/large_block.h"
 
 struct WholeFile {
     bool isOpened = false;

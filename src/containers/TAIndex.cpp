@@ -13,7 +13,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "containers/index_search.h"
 #include "containers/sorted_arrays.h"
 

@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "containers/sorted_arrays.h"
 
 namespace {

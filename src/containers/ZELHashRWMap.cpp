@@ -6,7 +6,7 @@
 
 #include "ZELHashRWMap.h"
 
-#include "base/allocation.h"
+#include "base/memory.h"
 
 namespace {
 

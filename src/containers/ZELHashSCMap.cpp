@@ -20,8 +20,8 @@
 #include <new>
 
 #include "ZELStringPool.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "containers/block_store.h"
 #include "containers/chain_walk.h"
 #include "containers/stored_key.h"

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 
 ZELHashSCMapIterator::ZELHashSCMapIterator(int size) noexcept : _size(size > 0 ? size : 0) {
     if (_size == 0) return;

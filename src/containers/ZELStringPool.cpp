@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/allocation.h"
+#include "base/memory.h"
 
 namespace {
 

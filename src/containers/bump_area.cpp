@@ -4,7 +4,7 @@
 
 #include <new>
 
-#include "base/allocation.h"
+#include "base/memory.h"
 
 void BumpArea::Use(Chunk* chunk) noexcept {
     _current = chunk;

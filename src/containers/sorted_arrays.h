@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "TADiagnostics.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 
 // Where a key stands, or where it would have to be inserted.
 struct IndexPlace {

@@ -16,11 +16,11 @@
 #include <cstring>
 #include <utility>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/shared_body.h"
 #include "files/input_block.h"
-#include "platform/streams.h"
+#include "platform/c_streams.h"
 
 struct YAVFStream::Shared {
     explicit Shared(std::FILE* own) noexcept : file(own), isOwner(own != nullptr) {}

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "ZELUnicodeString.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/directories.h"
 #include "platform/file_copy.h"
 

@@ -19,10 +19,10 @@
 #include <cstring>
 #include <utility>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/shared_body.h"
-#include "platform/streams.h"
+#include "platform/c_streams.h"
 
 namespace {
 

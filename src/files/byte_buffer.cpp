@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 
 bool ByteBuffer::Append(std::string_view bytes) noexcept {
     if (bytes.size() >= _capacity - _size && !Reserve(_size + bytes.size() + 1)) return false;

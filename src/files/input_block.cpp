@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/allocation.h"
-#include "base/console.h"
-#include "platform/streams.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
+#include "platform/c_streams.h"
 
 namespace {
 

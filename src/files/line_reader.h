@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "files/byte_buffer.h"
-#include "platform/files.h"
+#include "platform/text_reader.h"
 
 class LineReader {
 public:

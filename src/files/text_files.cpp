@@ -8,7 +8,7 @@
 #include "TAFileUtilities.h"
 #include "files/byte_buffer.h"
 #include "files/line_reader.h"
-#include "platform/files.h"
+#include "platform/text_reader.h"
 #include "text/list_text.h"
 
 namespace {

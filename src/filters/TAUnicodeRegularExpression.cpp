@@ -11,8 +11,8 @@
 #include <utility>
 
 #include "ZELHashSCMap.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "filters/blanks.h"
 #include "filters/filter_matcher.h"
 #include "filters/memo_key.h"

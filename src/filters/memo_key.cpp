@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/utf8.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <bit>
 #include <cstdlib>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 
 void ReachedPositions::DropBitsAbove(std::size_t highest) noexcept {
     while (_high > highest || !Bit(_high)) ClearBit(_high--);

@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <type_traits>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 
 // Makes room for `count` records: `First` of them, and twice as many until they suffice. What was there is kept. False,
 // and nothing changed, without memory.

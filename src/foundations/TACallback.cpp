@@ -6,7 +6,7 @@
 #include <new>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 
 TACallbackSubscriber::~TACallbackSubscriber() = default;
 TACallbackPublisher::~TACallbackPublisher() = default;

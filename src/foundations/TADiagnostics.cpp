@@ -1,4 +1,4 @@
-// Each text is composed whole and handed to its C stream in one piece (see console.h).
+// Each text is composed whole and handed to its C stream in one piece (see failure_report.h).
 
 #include "TADiagnostics.h"
 
@@ -9,7 +9,7 @@
 
 #include "TAEnvironment.h"
 #include "ZELStackTrace.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 
 namespace {
 

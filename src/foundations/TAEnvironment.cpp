@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "TADiagnostics.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/system.h"
 
 namespace {

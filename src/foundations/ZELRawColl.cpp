@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "ZELStableSort.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 
 // Elements are compared as bytes.
 static_assert(std::has_unique_object_representations_v<void*> && std::has_unique_object_representations_v<int>);

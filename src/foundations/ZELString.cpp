@@ -13,7 +13,7 @@
 #include <functional>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "foundations/text_search.h"
 
 namespace {

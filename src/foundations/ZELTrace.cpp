@@ -17,8 +17,8 @@
 #include <new>
 #include <string_view>
 
-#include "base/console.h"
-#include "platform/files.h"
+#include "base/failure_report.h"
+#include "platform/text_reader.h"
 
 struct ZELTraceName {
     std::atomic<bool> active;

@@ -13,7 +13,7 @@
 #include <cstring>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "base/utf8.h"
 #include "foundations/scan_number.h"
 

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "base/allocation.h"
+#include "base/memory.h"
 
 namespace {
 

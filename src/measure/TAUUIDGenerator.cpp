@@ -16,8 +16,8 @@
 #include <cstring>
 #include <ctime>
 
-#include "base/console.h"
-#include "platform/machine.h"
+#include "base/failure_report.h"
+#include "platform/identity.h"
 #include "platform/system.h"
 
 constinit short TAUUIDGenerator::counter = 0;

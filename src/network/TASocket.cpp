@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <utility>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "network/connection.h"
 #include "network/setup_trace.h"
 #include "network/socket_library.h"

@@ -18,12 +18,12 @@
 #include <memory>
 
 #include "TADiagnostics.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "network/block_header.h"
 #include "network/connection.h"
+#include "platform/c_streams.h"
 #include "platform/file_mapping.h"
-#include "platform/streams.h"
 
 using platform::SendStatus;
 

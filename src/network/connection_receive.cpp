@@ -8,8 +8,8 @@
 #include <cstdlib>
 
 #include "TAPerfo.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "network/block_header.h"
 #include "network/connection.h"
 

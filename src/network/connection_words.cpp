@@ -13,8 +13,8 @@
 #include <string_view>
 #include <utility>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "network/block_header.h"
 #include "network/connection.h"
 

@@ -18,7 +18,7 @@
 #include <cstring>
 
 #include "TARunLength.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "network/run_length_codes.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 
 namespace {
 

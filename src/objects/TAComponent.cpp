@@ -10,8 +10,8 @@
 #include "TADiagnostics.h"
 #include "TATextUtilities.h"
 #include "ZELHashRWMap.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 
 #include <utility>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "objects/attr_list.h"
 #include "objects/object_contents.h"
 

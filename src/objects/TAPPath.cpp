@@ -8,8 +8,8 @@
 #include "TAPPath.h"
 
 #include "TADiagnostics.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "objects/path_node.h"
 #include "objects/shared_text.h"
 

@@ -5,9 +5,9 @@
 
 #include <cstdlib>
 
-#include "base/allocation.h"
-#include "base/console.h"
-#include "platform/streams.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
+#include "platform/c_streams.h"
 
 void DumpFile::Open(const char* path) noexcept {
     _isOpened = true;

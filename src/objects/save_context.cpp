@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "TADiagnostics.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "base/prefetch.h"
 #include "objects/attr_list.h"
 #include "objects/path_node.h"

@@ -10,8 +10,8 @@
 #include <cstring>
 #include <new>
 
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "base/allocation.h"
+#include "base/memory.h"
 
 template <class Frame>
 class WorkStack {

@@ -18,11 +18,11 @@
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "paths/normalise.h"
 #include "paths/path_names.h"
-#include "paths/path_normalise.h"
 #include "platform/file_actions.h"
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/system.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Looking at, making and deleting single files and directories. Paths are path values; see paths.h.
+// Looking at, making and deleting single files and directories. Paths are path values; see native_path.h.
 #ifndef PLATFORM_FILE_ACTIONS_H
 #define PLATFORM_FILE_ACTIONS_H
 

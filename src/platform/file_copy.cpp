@@ -7,7 +7,7 @@
 #include <atomic>
 #include <cstdio>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/system.h"
 
 platform::CopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {

@@ -1,4 +1,4 @@
-// Facts about one file or directory. Paths are path values; see paths.h.
+// Facts about one file or directory. Paths are path values; see native_path.h.
 #ifndef PLATFORM_FILE_STATUS_H
 #define PLATFORM_FILE_STATUS_H
 

@@ -8,7 +8,7 @@
 
 namespace platform {
 
-// A file that a child gets for standard streams. Never inherited by accident. Paths are path values; see paths.h.
+// A file that a child gets for standard streams. Never inherited by accident. Paths are path values; see native_path.h.
 class ChildFile {
 public:
     ChildFile() noexcept = default;

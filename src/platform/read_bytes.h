@@ -1,4 +1,4 @@
-// Reading byte by byte, for both targets; see ReadPiece in streams.h.
+// Reading byte by byte, for both targets; see ReadPiece in c_streams.h.
 #ifndef PLATFORM_READ_BYTES_H
 #define PLATFORM_READ_BYTES_H
 
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/streams.h"
+#include "platform/c_streams.h"
 
 namespace platform {
 

@@ -10,8 +10,8 @@
 
 #include "TAFileName.h"
 #include "ZELString.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "paths/path_names.h"
 #include "platform/process_image.h"
 #include "platform/process_table.h"

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "TADiagnostics.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "process/process_tree.h"
 
 namespace {

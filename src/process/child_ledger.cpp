@@ -11,7 +11,7 @@
 #include <new>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/process_kill.h"
 
 namespace {

@@ -15,8 +15,8 @@
 #include <cstdlib>
 #include <thread>
 
-#include "base/console.h"
 #include "base/deadline.h"
+#include "base/failure_report.h"
 #include "platform/process_kill.h"
 #include "platform/system.h"
 #include "process/child_ledger.h"

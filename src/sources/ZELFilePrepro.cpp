@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "ZELFileBuffer.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "sources/source_scanner.h"
 
 namespace {

@@ -18,8 +18,8 @@
 #include "ZELHashSCMap.h"
 #include "ZELQMAStream.h"
 #include "ZELString.h"
-#include "base/allocation.h"
-#include "base/console.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/shared_body.h"
 
 namespace {

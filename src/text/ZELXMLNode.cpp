@@ -15,7 +15,7 @@
 #include <new>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "text/xml_text.h"
 
 ZELXMLNodeListener::~ZELXMLNodeListener() = default;

@@ -19,7 +19,7 @@
 #include <string_view>
 
 #include "TATextUtilities.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "text/wildcard.h"
 
 namespace {

@@ -15,7 +15,7 @@
 #include <string_view>
 
 #include "TATextUtilities.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "foundations/text_search.h"
 
 namespace {

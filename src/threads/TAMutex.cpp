@@ -6,7 +6,7 @@
 #include <new>
 #include <string_view>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/named_mutex.h"
 
 struct TAMutex::Shared {

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "ZELThreads.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
 

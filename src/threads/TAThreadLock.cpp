@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <new>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "base/shared_body.h"
 #include "threads/binary_semaphore.h"
 

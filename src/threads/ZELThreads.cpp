@@ -14,7 +14,7 @@
 #include <thread>
 
 #include "ZELTrace.h"
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
 #include "threads/binary_semaphore.h"

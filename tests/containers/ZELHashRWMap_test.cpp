@@ -1,6 +1,6 @@
 #include "ZELHashRWMap.h"
 
-#include "base/allocation.h"
+#include "base/memory.h"
 #include "containers/map_model.h"
 #include "support/slots.h"
 

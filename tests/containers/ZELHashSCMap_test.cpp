@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "ZELStringPool.h"
-#include "base/allocation.h"
+#include "base/memory.h"
 #include "containers/fields.h"
 #include "containers/map_model.h"
 #include "containers/text_hash.h"

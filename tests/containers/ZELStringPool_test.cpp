@@ -1,6 +1,6 @@
 #include "ZELStringPool.h"
 
-#include "base/allocation.h"
+#include "base/memory.h"
 #include "containers/fields.h"
 #include "support/testing.h"
 

@@ -1,8 +1,8 @@
 // Long files from one TASocket to another, while they are what they are and while others change them.
 #include "TAPerfo.h"
 #include "network/peer.h"
+#include "platform/c_streams.h"
 #include "platform/file_mapping.h"
-#include "platform/streams.h"
 #include "support/test_system.h"
 
 namespace {

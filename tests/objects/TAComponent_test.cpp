@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "base/allocation.h"
+#include "base/memory.h"
 #include "support/files.h"
 #include "support/testing.h"
 

@@ -1,6 +1,6 @@
 #include "platform/file_copy.h"
 
-#include "platform/files.h"
+#include "platform/text_reader.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 

@@ -2,8 +2,8 @@
 
 #include "platform/clock.h"
 #include "platform/directories.h"
-#include "platform/files.h"
 #include "platform/frame_text.h"
+#include "platform/text_reader.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 

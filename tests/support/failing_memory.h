@@ -2,7 +2,7 @@
 #ifndef TESTS_SUPPORT_FAILING_MEMORY_H
 #define TESTS_SUPPORT_FAILING_MEMORY_H
 
-#include "base/allocation.h"
+#include "base/memory.h"
 #include "support/testing.h"
 
 // One round of FailEachAllocation: what is allocated between Begin and End counts.

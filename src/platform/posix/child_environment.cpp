@@ -17,7 +17,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/process_launch.h"
 
 namespace {

@@ -8,7 +8,7 @@
 
 #include <cerrno>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entry_kind.h"
 

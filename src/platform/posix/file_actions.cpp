@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 
 platform::PathKind platform::KindOf(const char* path) noexcept {

@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 bool platform::ReadFileStatus(const char* path, FileStatus& status) noexcept {
     const NativePath native(path);

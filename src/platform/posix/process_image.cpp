@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 bool platform::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
     static constexpr char Deleted[] = " (deleted)";

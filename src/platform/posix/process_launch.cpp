@@ -25,7 +25,7 @@
 #include <cstring>
 
 #include "base/command_line.h"
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/posix/child_environment.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/program_plan.h"

@@ -13,7 +13,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "base/slash_path.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/console.h"
-#include "platform/paths.h"
+#include "base/failure_report.h"
+#include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 
 bool platform::GetHost(char* name, std::size_t size) noexcept {

@@ -17,8 +17,8 @@
 #include <new>
 #include <utility>
 
-#include "base/console.h"
-#include "platform/paths.h"
+#include "base/failure_report.h"
+#include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entry_kind.h"
 

@@ -8,8 +8,8 @@
 #include <cstring>
 #include <new>
 
-#include "base/console.h"
-#include "platform/paths.h"
+#include "base/failure_report.h"
+#include "platform/native_path.h"
 #include "platform/windows/file_look.h"
 
 namespace {

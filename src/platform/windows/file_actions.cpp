@@ -5,7 +5,7 @@
 #include <direct.h>
 #include <windows.h>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 platform::PathKind platform::KindOf(const char* path) noexcept {
     const NativePath native(path);

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/windows/file_look.h"
 #include "platform/windows/file_time.h"
 

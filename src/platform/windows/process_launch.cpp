@@ -15,8 +15,8 @@
 #include <cwchar>
 
 #include "base/command_line.h"
-#include "base/console.h"
-#include "platform/paths.h"
+#include "base/failure_report.h"
+#include "platform/native_path.h"
 #include "platform/system.h"
 #include "platform/windows/handle.h"
 #include "platform/windows/wide_text.h"

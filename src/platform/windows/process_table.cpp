@@ -12,7 +12,7 @@
 #include <ctime>
 #include <utility>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/windows/file_time.h"
 #include "platform/windows/handle.h"
 

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 bool platform::GetHost(char* name, std::size_t size) noexcept {
     // The socket library counts its users, so this start and end disturb nobody.

@@ -12,8 +12,8 @@
 #include <new>
 #include <utility>
 
-#include "base/console.h"
-#include "platform/paths.h"
+#include "base/failure_report.h"
+#include "platform/native_path.h"
 #include "platform/windows/file_look.h"
 #include "platform/windows/handle.h"
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "platform/text.h"
 
 namespace platform {

@@ -1,12 +1,12 @@
 // The disk boundary on Linux. Paths that hold no backslash and no drive, the common case here, are passed on uncopied;
 // others of up to 255 bytes are turned inside the object.
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 #include <cstdlib>
 #include <cstring>
 
-#include "base/console.h"
+#include "base/failure_report.h"
 #include "base/slash_path.h"
 
 platform::NativePath::NativePath(const char* path) noexcept : _text(path) {

@@ -1,12 +1,12 @@
 // Streams are made from the C runtime's descriptors, which can be closed to children from birth.
 
-#include "platform/files.h"
+#include "platform/text_reader.h"
 
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept {
     const NativePath native(path);

@@ -1,4 +1,4 @@
-#include "paths/path_normalise.h"
+#include "paths/normalise.h"
 #include "support/testing.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Whole lines come by getdelim, which looks for the delimiter in the stream's buffer; everything else byte by byte, as
 // that is the only way that takes no more than is wanted.
 
-#include "platform/streams.h"
+#include "platform/c_streams.h"
 
 #include <sys/stat.h>
 #include <sys/uio.h>
@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 #include "platform/read_bytes.h"
 

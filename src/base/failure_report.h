@@ -1,6 +1,6 @@
 // What the library itself says on the standard streams.
-#ifndef BASE_CONSOLE_H
-#define BASE_CONSOLE_H
+#ifndef BASE_FAILURE_REPORT_H
+#define BASE_FAILURE_REPORT_H
 
 #include <cstddef>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // Large pages need a right that tools do not have, and a block counts as used memory as soon as it is had.
 
-#include "platform/memory.h"
+#include "platform/large_block.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 // What the streams need beside the C library's own functions.
-#ifndef PLATFORM_STREAMS_H
-#define PLATFORM_STREAMS_H
+#ifndef PLATFORM_C_STREAMS_H
+#define PLATFORM_C_STREAMS_H
 
 #include <cstddef>
 #include <cstdio>

@@ -1,12 +1,12 @@
 // The heap, and a countdown that tests set: at 0, where it stays outside tests, nothing fails.
 
-#include "base/allocation.h"
+#include "base/memory.h"
 
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/memory.h"
+#include "platform/large_block.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The first network adapter of a Linux machine, and memory that a fork wipes.
 
-#include "platform/machine.h"
+#include "platform/identity.h"
 
 #include <ifaddrs.h>
 #include <net/if.h>

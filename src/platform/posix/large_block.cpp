@@ -1,6 +1,6 @@
 // Large blocks begin at a huge page and ask for such pages. When they move or grow later, they keep asking for them.
 
-#include "platform/memory.h"
+#include "platform/large_block.h"
 
 #include <sys/mman.h>
 

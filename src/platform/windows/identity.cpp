@@ -1,6 +1,6 @@
 // NetBIOS's LAN adapter 0; a Windows process is never forked.
 
-#include "platform/machine.h"
+#include "platform/identity.h"
 
 #include <windows.h>
 //

@@ -1,6 +1,6 @@
 // The disk boundary on Windows: the text reaches the system as it is, and the system's paths are path values already.
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 platform::NativePath::NativePath(const char* path) noexcept : _text(path) {}
 

@@ -1,6 +1,6 @@
-// C streams and readers on files that children do not inherit. Paths are path values; see paths.h.
-#ifndef PLATFORM_FILES_H
-#define PLATFORM_FILES_H
+// C streams and readers on files that children do not inherit. Paths are path values; see native_path.h.
+#ifndef PLATFORM_TEXT_READER_H
+#define PLATFORM_TEXT_READER_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // What tells machines and processes apart.
-#ifndef PLATFORM_MACHINE_H
-#define PLATFORM_MACHINE_H
+#ifndef PLATFORM_IDENTITY_H
+#define PLATFORM_IDENTITY_H
 
 #include <atomic>
 #include <cstdint>

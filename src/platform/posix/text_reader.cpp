@@ -1,11 +1,11 @@
 // Streams are made from descriptors, which can be closed to children from birth.
 
-#include "platform/files.h"
+#include "platform/text_reader.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 
 std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept {

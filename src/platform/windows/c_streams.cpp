@@ -1,7 +1,7 @@
 // Streams are made from the C runtime's descriptors, which can be closed to children from birth. The runtime knows no
 // way to take a line of any length, so all bytes come one by one, under one lock.
 
-#include "platform/streams.h"
+#include "platform/c_streams.h"
 
 #include <fcntl.h>
 #include <io.h>
@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/paths.h"
+#include "platform/native_path.h"
 #include "platform/read_bytes.h"
 
 namespace {

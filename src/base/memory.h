@@ -1,8 +1,8 @@
 // Memory from the C heap, through one place where a test can make each call fail.
 //
 // For what is allocated rarely (tables, blocks, objects): the test hook costs a load and a branch that is never taken.
-#ifndef BASE_ALLOCATION_H
-#define BASE_ALLOCATION_H
+#ifndef BASE_MEMORY_H
+#define BASE_MEMORY_H
 
 #include <cstddef>
 #include <cstdlib>

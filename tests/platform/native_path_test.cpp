@@ -1,4 +1,4 @@
-#include "platform/paths.h"
+#include "platform/native_path.h"
 
 #include "platform/system.h"
 #include "support/testing.h"

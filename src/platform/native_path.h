@@ -3,8 +3,8 @@
 // Path values hold backslashes on both targets. On Linux a backslash becomes a slash, and a drive prefix stands for the
 // root: "C:\temp" is "/temp", "C:" is "/", while "a:b" is a name like any other. On Windows the text goes to the system
 // as it is. Names that came from a directory listing never pass here: they may hold backslashes of their own.
-#ifndef PLATFORM_PATHS_H
-#define PLATFORM_PATHS_H
+#ifndef PLATFORM_NATIVE_PATH_H
+#define PLATFORM_NATIVE_PATH_H
 
 namespace platform {
 

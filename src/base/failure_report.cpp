@@ -2,7 +2,7 @@
 // Short ones, which is nearly all, are composed on the stack; without memory for a long one its pieces go out one by
 // one.
 
-#include "base/console.h"
+#include "base/failure_report.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // Large blocks of memory: the texts of whole files, the tables and entries of large maps.
-#ifndef PLATFORM_MEMORY_H
-#define PLATFORM_MEMORY_H
+#ifndef PLATFORM_LARGE_BLOCK_H
+#define PLATFORM_LARGE_BLOCK_H
 
 #include <cstddef>
 
