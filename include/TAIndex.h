@@ -25,8 +25,10 @@
 
 #include "ZELExport.h"
 
+namespace zel {
 class TAIndexSearch;
 struct SoughtKey;
+}  // namespace zel
 
 class ZEL_API TAIndex {
 public:
@@ -81,8 +83,8 @@ private:
     }
     bool IsInline() const noexcept { return _keys == _inlineKeys; }
     bool HoldsAfterSettling(int position) const noexcept;
-    Spot Find(const SoughtKey& key) const noexcept;
-    int PositionOf(const SoughtKey& key) const noexcept;
+    Spot Find(const zel::SoughtKey& key) const noexcept;
+    int PositionOf(const zel::SoughtKey& key) const noexcept;
     void Insert(const Spot& spot, char* key, void* value) noexcept;
     void Settle() const noexcept;
     void PrepareSearch() noexcept;
@@ -98,9 +100,9 @@ private:
     int _count = 0;
     int _allocated = InlineCapacity;  // slots of both arrays
     int _increment;
-    mutable int _settled = 0;          // entries that are readable by position: all, or 0 while some are staged
-    TAIndexSearch* _search = nullptr;  // null while the index is small
-    bool _isView = false;              // the arrays, the keys and _search belong to another index
+    mutable int _settled = 0;               // entries that are readable by position: all, or 0 while some are staged
+    zel::TAIndexSearch* _search = nullptr;  // null while the index is small
+    bool _isView = false;                   // the arrays, the keys and _search belong to another index
 };
 
 #endif

@@ -38,7 +38,9 @@ class TAPObject;
 class TAPObjectSaveContext;
 class TAPPath;
 class ZELListValTAPAttr;
+namespace zel {
 struct SharedText;
+}  // namespace zel
 
 class ZEL_API TAPAttr {
 public:
@@ -134,10 +136,10 @@ private:
     struct List;
 
     union Content {
-        SharedText* text;      // counted; null when empty
-        TAFileName* fileName;  // owned
-        TAPObject* object;     // one reference, or null
-        List* list;            // owned
+        zel::SharedText* text;  // counted; null when empty
+        TAFileName* fileName;   // owned
+        TAPObject* object;      // one reference, or null
+        List* list;             // owned
         int integer;
         TAPPath* path;  // one reference, or null
     };

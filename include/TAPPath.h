@@ -22,7 +22,9 @@
 #include "ZELExport.h"
 
 class TAPObjectSaveContext;
+namespace zel {
 struct SharedText;
+}  // namespace zel
 
 class ZEL_API TAPName : public TARefCounter {
 public:
@@ -36,7 +38,7 @@ public:
     const char* GetName() const noexcept;
 
 private:
-    SharedText* _text;  // counted; null when empty for want of memory
+    zel::SharedText* _text;  // counted; null when empty for want of memory
 };
 
 class ZEL_API TAPPath : public TARefCounter {

@@ -32,7 +32,9 @@
 #include "ZELPlatformTypes.h"
 #include "ZELString.h"
 
+namespace zel {
 struct TAChild;  // what copies know together of a child
+}  // namespace zel
 
 class ZEL_API TAProcess {
 public:
@@ -102,8 +104,8 @@ private:
     ZELString _output;
     ZELString _input;
     int _pid = 0;
-    std::int64_t _born = 0;           // of a process that was not started here, as platform::ProcessIdentity tells
-    std::shared_ptr<TAChild> _child;  // null once this object saw its end
+    std::int64_t _born = 0;                // of a process that was not started here, as zel::ProcessIdentity tells
+    std::shared_ptr<zel::TAChild> _child;  // null once this object saw its end
 };
 
 #endif

@@ -53,7 +53,9 @@
 #include "ZELString.h"
 
 class TAPerfo;
+namespace zel {
 struct TASocketConnection;  // what exists while the socket is open
+}  // namespace zel
 
 class ZEL_API TASocket {
 public:
@@ -149,18 +151,18 @@ public:
     const char* GetErrMsg() const noexcept { return _message; }
 
 private:
-    friend struct TASocketConnection;
+    friend struct zel::TASocketConnection;
 
     int Fail(const char* message) noexcept;
     int RefuseItem(long long size) noexcept;
-    int Adopt(TASocketConnection* connection, const char* failure) noexcept;
+    int Adopt(zel::TASocketConnection* connection, const char* failure) noexcept;
     int AcceptClient(TASocket& client, int acceptTimeout) noexcept;
     void CopyMessage(const TASocket& other) noexcept;
     int BeginGet(int timeout) noexcept;
 
     int _bufferSize;
-    int _idleLimit = 0;                         // seconds; 0: none
-    TASocketConnection* _connection = nullptr;  // null when closed
+    int _idleLimit = 0;                              // seconds; 0: none
+    zel::TASocketConnection* _connection = nullptr;  // null when closed
     TAPerfo* _receiveMeter = nullptr;
     TAPerfo* _sendMeter = nullptr;
     const char* _message;  // constant text, or _sizeMessage

@@ -32,7 +32,11 @@
 #include "ZELUnicodeString.h"
 
 class ZELHashSCMap;
+namespace zel {
 struct BlockSet;
+class FilterMatcher;
+class FilterInspector;
+}  // namespace zel
 
 // Whether a filter may remember its answers; they are the same either way.
 enum URE_type { URE_Memoised = 0, URE_NotMemoised = 1 };
@@ -61,8 +65,8 @@ public:
     int CheckFromFilter(const ZELUnicodeString& candidate) noexcept;
 
 private:
-    friend class FilterMatcher;
-    friend class FilterInspector;  // of the tests
+    friend class zel::FilterMatcher;
+    friend class zel::FilterInspector;  // of the tests
 
     enum LexemeType { Terminal = -1, Literal = 0, AnyRun = 1, AnyOne = 2, Block = 3, NegatedBlock = 4 };
     struct Lexeme {
@@ -111,7 +115,7 @@ private:
     long long _tailSize = 0;  // the sum of these sizes
     int _telling = -1;        // the literal whose absence tells most, or -1
     int _setCapacity = 0;
-    BlockSet* _sets = nullptr;  // of the same index as the block
+    zel::BlockSet* _sets = nullptr;  // of the same index as the block
     int _borderCapacity = 0;
     int* _borders = nullptr;           // of the same index as the character of a long literal
     ZELHashSCMap* _answers = nullptr;  // of the present filter, in _memo; null until one is remembered

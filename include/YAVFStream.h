@@ -30,6 +30,10 @@
 #include "ZELExport.h"
 #include "ZELString.h"
 
+namespace zel {
+struct YAVStandardStreams;
+}  // namespace zel
+
 class ZEL_API YAVFStream {
 public:
     constexpr YAVFStream() noexcept = default;
@@ -105,7 +109,7 @@ public:
     std::size_t read(char* buffer, std::size_t size) noexcept;
 
 private:
-    friend struct YAVStandardStreams;
+    friend struct zel::YAVStandardStreams;
     constexpr explicit YAVIFStream(Standard which) noexcept : YAVFStream(which) {}
 
     bool NextPiece(std::FILE* file, int delimiter, std::size_t most, std::string_view& piece, bool& met) noexcept;
@@ -151,7 +155,7 @@ public:
     YAVOFStream& operator<<(YAVOFStream& (*manipulator)(YAVOFStream&)) { return manipulator(*this); }
 
 private:
-    friend struct YAVStandardStreams;
+    friend struct zel::YAVStandardStreams;
     constexpr explicit YAVOFStream(Standard which) noexcept : YAVFStream(which) {}
 
     template <class Value>

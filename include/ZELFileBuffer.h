@@ -25,7 +25,9 @@
 #include "ZELListPtr.h"
 #include "ZELThreads.h"
 
+namespace zel {
 class LoadQueue;  // of the pool; for the library alone
+}  // namespace zel
 class ZELFileBuffer;
 
 class ZELListPtrZELFileBuffer : public ZELListPtr<ZELFileBuffer> {
@@ -70,7 +72,7 @@ public:
     void RemoveSubscriber(TACallbackSubscriber* subscriber) noexcept;
 
 private:
-    friend class LoadQueue;
+    friend class zel::LoadQueue;
 
     class DeletionEvent final : public TAEvent {
     public:
@@ -78,7 +80,7 @@ private:
     };
 
     ~ZELFileBuffer() override;
-    void LoadFor(const std::shared_ptr<LoadQueue>& queue) noexcept;
+    void LoadFor(const std::shared_ptr<zel::LoadQueue>& queue) noexcept;
     void Load() noexcept;
     void DropText();
 
@@ -90,8 +92,8 @@ private:
     char* _fileName;
     std::atomic<char*> _text{nullptr};  // malloc'd
     std::atomic<std::int32_t> _size{0};
-    ZELMutex _lock;                     // held while the file is read
-    std::shared_ptr<LoadQueue> _queue;  // the subscriber of the pool that loaded this, which may be gone
+    ZELMutex _lock;                          // held while the file is read
+    std::shared_ptr<zel::LoadQueue> _queue;  // the subscriber of the pool that loaded this, which may be gone
 };
 
 #endif

@@ -21,7 +21,9 @@
 #include "ZELFileBuffer.h"
 #include "ZELListPtr.h"
 
+namespace zel {
 class FileBufferLoader;  // for the library alone
+}  // namespace zel
 class ZELFileBufferPool;
 
 class ZELListPtrZELFileBufferPool : public ZELListPtr<ZELFileBufferPool> {
@@ -47,7 +49,7 @@ public:
     static void disableMultiThread() noexcept;
 
 private:
-    FileBufferLoader* _loader;  // null without a thread
+    zel::FileBufferLoader* _loader;  // null without a thread
 };
 
 #endif

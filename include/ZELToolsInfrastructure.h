@@ -32,6 +32,7 @@
 #include "TAUUIDGenerator.h"
 #include "TAUnicodeRegularExpression.h"
 #include "YAVFStream.h"
+#include "ZELAtomic.h"
 #include "ZELDirectory.h"
 #include "ZELExport.h"
 #include "ZELFileBuffer.h"
@@ -44,9 +45,11 @@
 #include "ZELListVal.h"
 #include "ZELListValZELString.h"
 #include "ZELMap.h"
+#include "ZELMemory.h"
 #include "ZELPlatformTypes.h"
 #include "ZELQMAStream.h"
 #include "ZELRawColl.h"
+#include "ZELShared.h"
 #include "ZELStableSort.h"
 #include "ZELStackTrace.h"
 #include "ZELString.h"
@@ -55,6 +58,7 @@
 #include "ZELToken.h"
 #include "ZELTrace.h"
 #include "ZELUnicodeString.h"
+#include "ZELVersion.h"
 #include "ZELXMLNode.h"
 
 #endif

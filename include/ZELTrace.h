@@ -20,7 +20,9 @@ enum ZELTraMode {
     ZELTraTruncate = 1,  // it is emptied first
 };
 
+namespace zel {
 struct ZELTraceName;  // a channel name with its switch; kept for the life of the process
+}  // namespace zel
 
 class ZEL_API ZELTrace {
 public:
@@ -49,8 +51,8 @@ public:
 private:
     struct Channel;
 
-    ZELTraceName* _name;  // null when memory ran out: the channel then stays off
-    Channel* _channel;    // owned; destination and message buffer
+    zel::ZELTraceName* _name;  // null when memory ran out: the channel then stays off
+    Channel* _channel;         // owned; destination and message buffer
 };
 
 #endif

@@ -31,6 +31,10 @@
 #include "ZELExport.h"
 #include "ZELString.h"
 
+namespace zel {
+struct ZELCharacterTable;
+}  // namespace zel
+
 // One Unicode character. Compared by code; classified by a table of its own, free of the locale:
 //   ASCII     as in the C locale;
 //   U+0080 and U+00FF and what lies between: by Unicode's general category. Letters of every kind are alphabetic, with
@@ -94,7 +98,7 @@ private:
         ControlSpace = 128,
         HexDigit = 256,
     };
-    friend struct ZELCharacterTable;
+    friend struct zel::ZELCharacterTable;
     int Has(unsigned int classes) const noexcept;
 
     char32_t _code = 0;

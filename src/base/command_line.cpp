@@ -8,6 +8,8 @@
 
 #include "base/failure_report.h"
 
+using namespace zel;
+
 namespace {
 
 bool IsBlank(char character) {
@@ -74,8 +76,6 @@ bool EqualsIgnoringCase(std::string_view text, std::string_view lower) {
 
 }  // namespace
 
-namespace platform {
-
 CommandWords::CommandWords(std::string_view line) noexcept : _line(line) {
     // A word takes two characters of the line at least, the separator included; the last one may have none.
     constexpr std::size_t SpareSlots = 1;
@@ -113,15 +113,13 @@ std::string_view CommandWords::Behind(int index) const noexcept {
     return _line.substr(at);
 }
 
-std::size_t ProgramWordLength(std::string_view line) noexcept {
+std::size_t zel::ProgramWordLength(std::string_view line) noexcept {
     std::size_t length = 0;
     ReadProgramWord(line, length, nullptr);
     return length;
 }
 
-bool IsInterpreterCall(const CommandWords& words) noexcept {
+bool zel::IsInterpreterCall(const CommandWords& words) noexcept {
     if (words.Count() < 2 || !EqualsIgnoringCase(words.Texts()[1], "/c")) return false;
     return EqualsIgnoringCase(words.Texts()[0], "cmd") || EqualsIgnoringCase(words.Texts()[0], "cmd.exe");
 }
-
-}  // namespace platform

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace platform {
+namespace zel {
 
 // The words of a command line as the C runtime of Windows gives them to a program. The first one is the program: quotes
 // group, nothing is escaped. In the others, blanks and tabs separate outside quotes; 2n backslashes and a quote give n
@@ -40,6 +40,6 @@ std::size_t ProgramWordLength(std::string_view line) noexcept;
 // Whether the line asks the command interpreter: "cmd" or "cmd.exe", then "/c", in any case.
 bool IsInterpreterCall(const CommandWords& words) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

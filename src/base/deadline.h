@@ -7,7 +7,7 @@
 #include <climits>
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 class Deadline {
 public:
@@ -37,6 +37,6 @@ private:
     Clock::time_point _end;
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

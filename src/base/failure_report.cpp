@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cstdlib>
 
-void WriteText(std::FILE* stream, std::initializer_list<std::string_view> pieces) noexcept {
+using namespace zel;
+
+void zel::WriteText(std::FILE* stream, std::initializer_list<std::string_view> pieces) noexcept {
     char room[1024];
     std::size_t length = 0;
     for (const std::string_view piece : pieces) length += piece.size();
@@ -24,7 +26,7 @@ void WriteText(std::FILE* stream, std::initializer_list<std::string_view> pieces
     std::fflush(stream);
 }
 
-void ReportAllocFailure(const char* className, std::size_t size) noexcept {
+void zel::ReportAllocFailure(const char* className, std::size_t size) noexcept {
     std::printf("# Alloc failed in %s (size: %zu)\n", className, size);
     std::fflush(stdout);
 }

@@ -7,11 +7,15 @@
 #include <initializer_list>
 #include <string_view>
 
+namespace zel {
+
 // Hands the pieces to `stream` as one text, in a single write, and flushes. Adds nothing; errors are ignored.
 // C streams, since they are the ones that a library and its callers share on every target.
 void WriteText(std::FILE* stream, std::initializer_list<std::string_view> pieces) noexcept;
 
 // The line that every class prints on standard output when memory runs out; `size` in bytes.
 void ReportAllocFailure(const char* className, std::size_t size) noexcept;
+
+}  // namespace zel
 
 #endif

@@ -3,6 +3,8 @@
 #ifndef BASE_SHARED_BODY_H
 #define BASE_SHARED_BODY_H
 
+namespace zel {
+
 // One owner more.
 template <class Body>
 Body* KeepShare(Body* body) noexcept {
@@ -24,5 +26,7 @@ void AssignShare(Body*& body, Body* other) noexcept {
     DropShare(body);
     body = kept;
 }
+
+}  // namespace zel
 
 #endif

@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+using namespace zel;
+
 namespace {
 
 bool IsSeparator(char c) {
@@ -18,11 +20,11 @@ bool BeginsWithDrive(const char* path) {
 
 }  // namespace
 
-bool platform::NeedsSlashPath(const char* path) noexcept {
+bool zel::NeedsSlashPath(const char* path) noexcept {
     return BeginsWithDrive(path) || std::strchr(path, '\\') != nullptr;
 }
 
-void platform::WriteSlashPath(const char* path, char* result) noexcept {
+void zel::WriteSlashPath(const char* path, char* result) noexcept {
     if (BeginsWithDrive(path)) {
         path += 2;
         *result++ = '/';

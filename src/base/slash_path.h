@@ -3,7 +3,7 @@
 #ifndef BASE_SLASH_PATH_H
 #define BASE_SLASH_PATH_H
 
-namespace platform {
+namespace zel {
 
 // False when the path means the same to such a system as it stands: no backslash and no drive prefix.
 bool NeedsSlashPath(const char* path) noexcept;
@@ -12,6 +12,6 @@ bool NeedsSlashPath(const char* path) noexcept;
 // longer than the path.
 void WriteSlashPath(const char* path, char* result) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -4,7 +4,9 @@
 
 #include "base/utf8.h"
 
-std::size_t platform::Utf8ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept {
+using namespace zel;
+
+std::size_t zel::Utf8ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept {
     std::size_t count = 0;
     while (!text.empty()) {
         char32_t code = TakeUtf8(text);

@@ -5,11 +5,11 @@
 #include <cstddef>
 #include <string_view>
 
-namespace platform {
+namespace zel {
 
 // The rules of ToUtf16, for UTF-8.
 std::size_t Utf8ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -4,6 +4,8 @@
 
 #include "base/utf8.h"
 
+using namespace zel;
+
 namespace {
 
 // The number of bytes that a sequence with this first byte has, 0 when none begins so; and the bounds of the second.
@@ -23,7 +25,7 @@ Lead ReadLead(unsigned char byte) noexcept {
 
 }  // namespace
 
-char32_t TakeUtf8(std::string_view& text) noexcept {
+char32_t zel::TakeUtf8(std::string_view& text) noexcept {
     const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char first = byte(0);
     const Lead lead = ReadLead(first);
@@ -41,7 +43,7 @@ char32_t TakeUtf8(std::string_view& text) noexcept {
     return code;
 }
 
-std::size_t PutUtf8(char32_t code, char* out) noexcept {
+std::size_t zel::PutUtf8(char32_t code, char* out) noexcept {
     const auto put = [out](std::size_t i, char32_t byte) {
         out[i] = static_cast<char>(static_cast<unsigned char>(byte));
     };

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace zel {
+
 // A byte that is not UTF-8 is carried as the code 0xDC00 + byte: codes that no valid UTF-8 yields.
 constexpr bool IsLoneByte(char32_t code) noexcept {
     return code >= 0xDC80 && code <= 0xDCFF;
@@ -26,5 +28,7 @@ char32_t TakeUtf8(std::string_view& text) noexcept;
 // Writes Utf8Length(code) bytes at `out` and returns their number. A lone byte becomes that byte again; any other code
 // that is no Unicode scalar value is written as U+FFFD.
 std::size_t PutUtf8(char32_t code, char* out) noexcept;
+
+}  // namespace zel
 
 #endif

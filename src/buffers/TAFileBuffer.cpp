@@ -25,6 +25,8 @@
 #include "platform/threads.h"
 #include "platform/waiting.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::int64_t Budget = 10'240'000;
@@ -41,13 +43,13 @@ struct Shared {
     bool IsOverBudget() const noexcept { return unconsumed > Budget; }
     void Announce() noexcept {
         ++changes;
-        platform::WakeAll(changes);
+        WakeAll(changes);
     }
     // Gives the lock up for the time of the wait.
     void AwaitChange() noexcept {
         const std::uint32_t seen = changes;
         lock.Unlock();
-        platform::WaitOnWord(changes, seen);
+        WaitOnWord(changes, seen);
         lock.Lock();
     }
 };
@@ -80,7 +82,7 @@ TAFileBuffer::TAFileBuffer(const char* name, int first) noexcept : _name(name !=
 }
 
 void TAFileBuffer::StartLoader() noexcept {
-    platform::KeepLibraryLoaded();
+    KeepLibraryLoaded();
     auto* const thread = new (std::nothrow) TAThread(ASyncLoad);
     if (thread == nullptr) ReportAllocFailure("TAFileBuffer", sizeof(TAThread));
     if (thread != nullptr && thread->StartDetach() == 0) return;
@@ -218,7 +220,7 @@ int TAFileBuffer::GetSize() noexcept {
 int TAFileBuffer::SaveAs(TAFileName& file) noexcept {
     AwaitText();
     if (_text == nullptr) return 1;
-    std::FILE* const stream = platform::OpenTextForWriting(file, false);
+    std::FILE* const stream = OpenTextForWriting(file, false);
     if (stream == nullptr) return 1;
     const auto size = static_cast<std::size_t>(_size);
     const bool isWritten = std::fwrite(_text, 1, size, stream) == size;

@@ -18,6 +18,8 @@
 #include "buffers/load_queue.h"
 #include "buffers/whole_file.h"
 
+using namespace zel;
+
 const char* ZELFileBuffer::DeletionEvent::GetEventName() const {
     return LoadQueue::DeletionEventName;
 }

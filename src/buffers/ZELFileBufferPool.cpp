@@ -9,6 +9,8 @@
 #include "base/failure_report.h"
 #include "buffers/load_queue.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::int64_t Ceiling = std::int64_t{64} << 20;

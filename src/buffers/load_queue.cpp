@@ -16,6 +16,8 @@
 #include "platform/threads.h"
 #include "platform/waiting.h"
 
+using namespace zel;
+
 void LoadQueue::Append(ZELFileBuffer* buffer) noexcept {
     buffer->AddRef();
     _lock.Lock();
@@ -43,7 +45,7 @@ void LoadQueue::LoadAll(const std::shared_ptr<LoadQueue>& queue) {
             if (queue->AwaitTurn(*buffer)) buffer->LoadFor(queue);
             buffer->Release();
         }
-        if (taken.Size() == 0 && !queue->_isStopped) platform::WaitOnWord(queue->_changes, seen);
+        if (taken.Size() == 0 && !queue->_isStopped) WaitOnWord(queue->_changes, seen);
     }
 }
 
@@ -53,7 +55,7 @@ bool LoadQueue::AwaitTurn(const ZELFileBuffer& buffer) const noexcept {
         const std::uint32_t seen = _changes;
         if (_isStopped || buffer.isLoaded() || buffer.isDestroyed()) return false;
         if (_loadedBytes < _ceiling) return true;
-        platform::WaitOnWord(_changes, seen);
+        WaitOnWord(_changes, seen);
     }
 }
 
@@ -73,7 +75,7 @@ void LoadQueue::ReceiveCallback(TACallbackPublisher* publisher, const TAEvent* e
 
 void LoadQueue::Announce() noexcept {
     ++_changes;
-    platform::WakeOne(_changes);
+    WakeOne(_changes);
 }
 
 FileBufferLoader::FileBufferLoader(std::int64_t ceiling) noexcept : ZELThreads("FileBufferPoolThread") {
@@ -90,7 +92,7 @@ FileBufferLoader::~FileBufferLoader() {
 }
 
 bool FileBufferLoader::Start() noexcept {
-    platform::KeepLibraryLoaded();
+    KeepLibraryLoaded();
     return _queue && Run(0) == 0;
 }
 

@@ -13,6 +13,8 @@
 #include "ZELFileBuffer.h"
 #include "ZELThreads.h"
 
+namespace zel {
+
 class LoadQueue final : public TACallbackSubscriber {
 public:
     static constexpr const char* DeletionEventName = "EventBufferDeletion";
@@ -62,5 +64,7 @@ protected:
 private:
     std::shared_ptr<LoadQueue> _queue;  // null without memory
 };
+
+}  // namespace zel
 
 #endif

@@ -12,6 +12,8 @@
 
 #include "platform/text_reader.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t UnknownSizeBlock = 4096;
@@ -31,7 +33,7 @@ void* Grow(void* block, std::size_t& wanted, const WholeFileRules& rules) {
 }
 
 // Reads what `reader` gives into `file`, and returns the size of its block.
-std::size_t ReadAll(platform::TextReader& reader, const WholeFileRules& rules, WholeFile& file, std::size_t& size) {
+std::size_t ReadAll(TextReader& reader, const WholeFileRules& rules, WholeFile& file, std::size_t& size) {
     const std::size_t announced =
         static_cast<std::size_t>(std::clamp<std::int64_t>(reader.Size(), 0, static_cast<std::int64_t>(rules.most)));
     std::size_t capacity = 0;
@@ -46,7 +48,7 @@ std::size_t ReadAll(platform::TextReader& reader, const WholeFileRules& rules, W
             file.text = static_cast<char*>(grown);
             capacity = wanted;
         }
-        const std::size_t asked = std::min({capacity - 1 - size, rules.most - size, platform::TextReader::MostAtOnce});
+        const std::size_t asked = std::min({capacity - 1 - size, rules.most - size, TextReader::MostAtOnce});
         const std::ptrdiff_t count = reader.Read(file.text + size, asked);
         if (count <= 0) break;
         size += static_cast<std::size_t>(count);
@@ -57,9 +59,9 @@ std::size_t ReadAll(platform::TextReader& reader, const WholeFileRules& rules, W
 
 }  // namespace
 
-WholeFile ReadWholeFile(const char* path, const WholeFileRules& rules) noexcept {
+WholeFile zel::ReadWholeFile(const char* path, const WholeFileRules& rules) noexcept {
     WholeFile file;
-    platform::TextReader reader;
+    TextReader reader;
     file.isOpened = reader.Open(path);
     if (!file.isOpened) return file;
     std::size_t size = 0;

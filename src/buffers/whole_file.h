@@ -7,6 +7,8 @@
 
 #include "platform/large_block.h"
 
+namespace zel {
+
 struct WholeFile {
     bool isOpened = false;
     char* text = nullptr;  // the caller's, from the C heap, with a NUL behind; null when not opened or without memory
@@ -16,12 +18,14 @@ struct WholeFile {
 
 // Others than these are for tests.
 struct WholeFileRules {
-    std::size_t most = 0x7FFFFFFE;                     // sizes are int, and the NUL needs room as well
-    std::size_t firstBlock = platform::MostInAdvance;  // at most, however large the file says it is
-    void* (*resize)(void* block, std::size_t size) = platform::ResizeBlock;
+    std::size_t most = 0x7FFFFFFE;           // sizes are int, and the NUL needs room as well
+    std::size_t firstBlock = MostInAdvance;  // at most, however large the file says it is
+    void* (*resize)(void* block, std::size_t size) = ResizeLargeBlock;
 };
 
 // Reads to the end of the moment, or up to the first failure of the system. Prints nothing.
 WholeFile ReadWholeFile(const char* path, const WholeFileRules& rules = {}) noexcept;
+
+}  // namespace zel
 
 #endif

@@ -17,6 +17,8 @@
 #include "containers/index_search.h"
 #include "containers/sorted_arrays.h"
 
+using namespace zel;
+
 namespace {
 
 // Below this size a few string comparisons beat the search for words.

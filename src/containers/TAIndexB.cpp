@@ -15,6 +15,8 @@
 #include "base/failure_report.h"
 #include "containers/sorted_arrays.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t StoredSize = 8;  // of each integer of a key

@@ -12,6 +12,8 @@
 
 #include "containers/sorted_arrays.h"
 
+using namespace zel;
+
 TAIndexI::TAIndexI() noexcept {
     if (AllocateArrays("TAIndexI", _keys, _values, FirstCapacity)) _allocated = FirstCapacity;
 }

@@ -8,6 +8,8 @@
 
 #include "base/memory.h"
 
+using namespace zel;
+
 namespace {
 
 // Iterators that outlive their map.

@@ -26,6 +26,9 @@
 #include "containers/chain_walk.h"
 #include "containers/stored_key.h"
 #include "containers/text_hash.h"
+#include "platform/large_block.h"
+
+using namespace zel;
 
 namespace {
 
@@ -106,7 +109,7 @@ void ZELHashSCMap::addFreeNode(ZELHashSCMap* map, node* freed) noexcept {
 // Chains and filters, all empty. Null, and a line printed, when there is no memory.
 ZELHashSCMap::link* ZELHashSCMap::CreateTable(int size, const char* function) noexcept {
     const std::size_t buckets = static_cast<std::size_t>(size);
-    void* const table = AllocateZeroed(buckets * BucketSize);
+    void* const table = AllocateLargeZeroed(buckets * BucketSize);
     if (table == nullptr) {
         char what[80];
         std::snprintf(what, sizeof what, "malloc(_maxSize * sizeof(link)) : %zu", buckets * LinkSize);

@@ -11,6 +11,8 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 
+using namespace zel;
+
 ZELHashSCMapIterator::ZELHashSCMapIterator(int size) noexcept : _size(size > 0 ? size : 0) {
     if (_size == 0) return;
     const std::size_t bytes = static_cast<std::size_t>(_size) * sizeof(void*);

@@ -13,6 +13,8 @@
 
 #include "base/memory.h"
 
+using namespace zel;
+
 namespace {
 
 // The last bytes of each block are not handed out: where texts end up, and which is too long, follows from the number.

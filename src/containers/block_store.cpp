@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <iterator>
 
-constinit BlockStore blockStore;
+using namespace zel;
+
+constinit BlockStore zel::blockStore;
 
 void BlockStore::StartOver() noexcept {
     std::fill(std::begin(_freed), std::end(_freed), nullptr);

@@ -14,6 +14,8 @@
 #include "base/prefetch.h"
 #include "containers/bump_area.h"
 
+namespace zel {
+
 class BlockStore {
 public:
     static constexpr std::size_t LargestBlock = 1024;
@@ -53,5 +55,7 @@ private:
 };
 
 extern BlockStore blockStore;
+
+}  // namespace zel
 
 #endif

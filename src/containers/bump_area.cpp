@@ -4,7 +4,9 @@
 
 #include <new>
 
-#include "base/memory.h"
+#include "platform/large_block.h"
+
+using namespace zel;
 
 void BumpArea::Use(Chunk* chunk) noexcept {
     _current = chunk;
@@ -17,7 +19,7 @@ bool BumpArea::Advance() noexcept {
     Chunk*& following = _current != nullptr ? _current->next : _first;
     if (following == nullptr) {
         const std::size_t size = _current != nullptr ? std::min(2 * _current->size, LargestChunk) : FirstChunk;
-        void* const made = Allocate(size);
+        void* const made = ResizeLargeBlock(nullptr, size);
         if (made == nullptr) return false;
         following = new (made) Chunk{nullptr, size};
     }

@@ -13,6 +13,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace zel {
+
 class BumpArea {
 public:
     // `size` bytes, a multiple of 16 that a chunk holds, in one cache line where they fit into one; null when there is
@@ -54,5 +56,7 @@ private:
     Chunk* _first = nullptr;
     Chunk* _current = nullptr;  // the one that is being cut
 };
+
+}  // namespace zel
 
 #endif

@@ -12,6 +12,8 @@
 
 #include "base/prefetch.h"
 
+namespace zel {
+
 inline constexpr std::size_t WalkStep = 64;  // buckets that are gathered together
 
 // The heads of the non-empty buckets among the first WalkStep ones. No branch depends on which are empty.
@@ -67,5 +69,7 @@ void WalkInWaves(Node* const* table, std::size_t size, Visit visit) noexcept {
         }
     }
 }
+
+}  // namespace zel
 
 #endif

@@ -21,6 +21,8 @@
 #include <cstring>
 #include <new>
 
+using namespace zel;
+
 namespace {
 
 // Below this size moving the tail costs less than keeping entries apart.

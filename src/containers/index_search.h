@@ -9,6 +9,8 @@
 
 #include "containers/sorted_arrays.h"
 
+namespace zel {
+
 // A text that is looked for; it holds no NUL.
 struct SoughtKey {
     std::string_view text;
@@ -92,5 +94,7 @@ private:
     int* _slots = nullptr;                 // the record of each of them
     Record* _records = nullptr;            // in the order of arrival: sorting moves 12 bytes for each entry, not 32
 };
+
+}  // namespace zel
 
 #endif

@@ -15,6 +15,8 @@
 #include "TADiagnostics.h"
 #include "base/failure_report.h"
 
+namespace zel {
+
 // Where a key stands, or where it would have to be inserted.
 struct IndexPlace {
     int position;
@@ -126,5 +128,7 @@ bool AllocateArrays(const char* className, Key*& keys, void**& values, int slots
     ReportAllocFailure(className, static_cast<std::size_t>(slots) * (sizeof(Key) + sizeof(void*)));
     return false;
 }
+
+}  // namespace zel
 
 #endif

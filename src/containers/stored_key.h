@@ -13,6 +13,8 @@
 
 #include "foundations/text_search.h"
 
+namespace zel {
+
 struct KeyHeader {
     std::uint32_t hash;
     std::uint32_t length;
@@ -58,5 +60,7 @@ inline bool SameKey(const char* left, const char* right, std::size_t size) noexc
     while (at + 16 < size && sameStep(at)) at += 16;
     return at + 16 >= size && sameStep(size - 16);
 }
+
+}  // namespace zel
 
 #endif

@@ -18,6 +18,8 @@
 #include <cstring>
 #include <string_view>
 
+namespace zel {
+
 static_assert(std::endian::native == std::endian::little);
 
 namespace hash_text {
@@ -99,5 +101,7 @@ inline __m128i LoadShort(std::string_view text) noexcept {
     const __m128i last = _mm_and_si128(LoadStep(end - Step), LoadStep(keepLast.data() + rest));
     return hash * powers[rest] + HashStep(last);
 }
+
+}  // namespace zel
 
 #endif

@@ -7,6 +7,8 @@
 #include "TAFileUtilities.h"
 #include "TATextUtilities.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr const char* StyleSheet = "TAReportDefaultStyle.css";

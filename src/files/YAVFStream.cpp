@@ -22,6 +22,8 @@
 #include "files/input_block.h"
 #include "platform/c_streams.h"
 
+using namespace zel;
+
 struct YAVFStream::Shared {
     explicit Shared(std::FILE* own) noexcept : file(own), isOwner(own != nullptr) {}
     ~Shared() {
@@ -31,8 +33,8 @@ struct YAVFStream::Shared {
     std::atomic<int> owners{1};
     std::FILE* file;
     const bool isOwner;
-    InputBlock block;         // of an own file
-    platform::LineRoom line;  // of a borrowed one
+    InputBlock block;  // of an own file
+    LineRoom line;     // of a borrowed one
 };
 
 YAVFStream::YAVFStream(std::FILE* file) noexcept : _lastError(file != nullptr ? 0 : InvalidArgument), _borrowed(file) {}
@@ -89,7 +91,7 @@ std::FILE* YAVFStream::File() const noexcept {
 int YAVFStream::_Open(const char* name, const char* mode) noexcept {
     if (name == nullptr || mode == nullptr) return Fail(InvalidArgument);
     errno = 0;
-    std::FILE* const file = platform::OpenStream(name, mode);
+    std::FILE* const file = OpenStream(name, mode);
     if (file == nullptr) return Fail();
     DropShare(_shared);
     if (!MakeShared(file)) {
@@ -154,7 +156,7 @@ inline bool YAVIFStream::NextPiece(std::FILE* file, int delimiter, std::size_t m
         Fail(ENOMEM);
         return false;
     }
-    const std::size_t count = platform::ReadPiece(file, delimiter, most, _shared->line, met);
+    const std::size_t count = ReadPiece(file, delimiter, most, _shared->line, met);
     piece = {_shared->line.text, count - (met ? 1 : 0)};
     if (count == 0 && std::feof(file) == 0 && std::ferror(file) == 0) {
         ReportAllocFailure("YAVFStream", _shared->line.size);
@@ -208,7 +210,7 @@ std::size_t YAVIFStream::read(char* buffer, std::size_t size) noexcept {
         return 0;
     }
     const bool own = _shared != nullptr && _shared->isOwner;
-    platform::ForgetEnd(file);
+    ForgetEnd(file);
     if (own) _shared->block.Forget();
     _lastError = 0;
     if (buffer == nullptr) return 0;
@@ -336,7 +338,7 @@ YAVOFStream& flush(YAVOFStream& stream) noexcept {
 }
 
 // Unions, so that nothing ends them.
-struct YAVStandardStreams {
+struct zel::YAVStandardStreams {
     union Input {
         constexpr Input() noexcept : stream(YAVIFStream::Standard::Input) {}
         ~Input() {}

@@ -11,41 +11,43 @@
 #include "platform/directories.h"
 #include "platform/file_copy.h"
 
+using namespace zel;
+
 namespace {
 
-platform::DirectoryListing* Listing(const ZELDirectoryHandle& directory) {
-    return static_cast<platform::DirectoryListing*>(directory.listing);
+DirectoryListing* Listing(const ZELDirectoryHandle& directory) {
+    return static_cast<DirectoryListing*>(directory.listing);
 }
 
-int KindNumber(platform::EntryKind kind) {
+int KindNumber(EntryKind kind) {
     switch (kind) {
-        case platform::EntryKind::File:
+        case EntryKind::File:
             return ZELEntryFile;
-        case platform::EntryKind::Directory:
+        case EntryKind::Directory:
             return ZELEntryDirectory;
-        case platform::EntryKind::Link:
+        case EntryKind::Link:
             return ZELEntryLink;
-        case platform::EntryKind::Other:
+        case EntryKind::Other:
             break;
     }
     return ZELEntryOther;
 }
 
-ZELCopyStatus StatusNumber(platform::CopyStatus status) {
+ZELCopyStatus StatusNumber(CopyStatus status) {
     switch (status) {
-        case platform::CopyStatus::Done:
+        case CopyStatus::Done:
             return ZELCopyDone;
-        case platform::CopyStatus::NullArgument:
+        case CopyStatus::NullArgument:
             return ZELCopyNullArgument;
-        case platform::CopyStatus::SourceUnreadable:
+        case CopyStatus::SourceUnreadable:
             return ZELCopySourceUnreadable;
-        case platform::CopyStatus::SourceNotRegular:
+        case CopyStatus::SourceNotRegular:
             return ZELCopySourceNotRegular;
-        case platform::CopyStatus::TargetExists:
+        case CopyStatus::TargetExists:
             return ZELCopyTargetExists;
-        case platform::CopyStatus::TargetUnwritable:
+        case CopyStatus::TargetUnwritable:
             return ZELCopyTargetUnwritable;
-        case platform::CopyStatus::NoMemory:
+        case CopyStatus::NoMemory:
             break;
     }
     return ZELCopyNoMemory;
@@ -59,9 +61,9 @@ ZELDirectoryHandle::~ZELDirectoryHandle() {
 
 int ZELOpenDirectory(const char* path, ZELDirectoryHandle* directory) noexcept {
     if (directory == nullptr || directory->listing != nullptr) return 1;
-    platform::DirectoryListing opened;
+    DirectoryListing opened;
     if (!opened.Open(path)) return 1;
-    directory->listing = new (std::nothrow) platform::DirectoryListing(std::move(opened));
+    directory->listing = new (std::nothrow) DirectoryListing(std::move(opened));
     if (directory->listing == nullptr) ReportAllocFailure("ZELDirectoryHandle", sizeof opened);
     return directory->listing != nullptr ? 0 : 1;
 }
@@ -75,9 +77,9 @@ int ZELReadDirectory(ZELDirectoryHandle* directory, ZELDirectoryEntry* entry, in
     if (directory == nullptr || directory->listing == nullptr || entry == nullptr || end == nullptr) return 1;
 
     const char* name = nullptr;
-    platform::EntryKind kind;
-    const platform::ListingStep step = Listing(*directory)->Next(&name, &kind);
-    if (step != platform::ListingStep::Entry) return step == platform::ListingStep::End ? 0 : 1;
+    EntryKind kind;
+    const ListingStep step = Listing(*directory)->Next(&name, &kind);
+    if (step != ListingStep::Entry) return step == ListingStep::End ? 0 : 1;
     *end = 0;
     const std::size_t size = std::strlen(name) + 1;
     if (size > sizeof entry->name) return 1;
@@ -95,5 +97,5 @@ int ZELCloseDirectory(ZELDirectoryHandle* directory) noexcept {
 
 std::int32_t ZELFCopy(ZELUnicodeString* from, ZELUnicodeString* to, int replaceExisting) noexcept {
     if (from == nullptr || to == nullptr) return ZELCopyNullArgument;
-    return StatusNumber(platform::CopyWholeFile(*from, *to, replaceExisting != 0));
+    return StatusNumber(CopyWholeFile(*from, *to, replaceExisting != 0));
 }

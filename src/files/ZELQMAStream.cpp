@@ -24,6 +24,8 @@
 #include "base/shared_body.h"
 #include "platform/c_streams.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t Step = 64;
@@ -73,7 +75,7 @@ private:
 };
 
 std::FILE* ZELQMAStream::Reader::Open(const char* name, const char* mode) noexcept {
-    _file = name != nullptr && mode != nullptr ? platform::OpenStream(name, mode) : nullptr;
+    _file = name != nullptr && mode != nullptr ? OpenStream(name, mode) : nullptr;
     if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);
     _atEnd = false;
     _begin = _end = _scanned = _base = 0;

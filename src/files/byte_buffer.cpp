@@ -7,6 +7,8 @@
 
 #include "base/failure_report.h"
 
+using namespace zel;
+
 bool ByteBuffer::Append(std::string_view bytes) noexcept {
     if (bytes.size() >= _capacity - _size && !Reserve(_size + bytes.size() + 1)) return false;
     if (!bytes.empty()) std::memcpy(_bytes + _size, bytes.data(), bytes.size());

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 
+namespace zel {
+
 class ByteBuffer {
 public:
     ByteBuffer() noexcept = default;
@@ -33,5 +35,7 @@ private:
     std::size_t _size = 0;
     std::size_t _capacity = 0;
 };
+
+}  // namespace zel
 
 #endif

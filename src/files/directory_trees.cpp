@@ -9,10 +9,9 @@
 #include "paths/path_names.h"
 #include "text/list_text.h"
 
-namespace {
+using namespace zel;
 
-using platform::EntryKind;
-using platform::TreeCursor;
+namespace {
 
 class FileCollector final : public TreeWalk {
 public:

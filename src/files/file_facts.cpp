@@ -12,20 +12,20 @@
 #include "platform/file_actions.h"
 #include "platform/file_status.h"
 
+using namespace zel;
+
 namespace {
 
-using platform::FileStatus;
-
 ZELString ClockText(std::int64_t seconds) noexcept {
-    char text[platform::ClockTextLength + 1];
-    platform::ToClockText(seconds, text);
+    char text[ClockTextLength + 1];
+    ToClockText(seconds, text);
     return text;
 }
 
 ZELXMLNode Describe(const TAFileName& file, const char* tag, bool tellsWritable) noexcept {
     ZELXMLNode node(tag);
     FileStatus status;
-    if (platform::ReadFileStatus(file, status)) {
+    if (ReadFileStatus(file, status)) {
         char size[24];
         std::snprintf(size, sizeof size, "%" PRId64, status.size);
         node.SetAttr("Size", size);
@@ -47,12 +47,12 @@ int CopyFileW(TAFileName source, TAFileName destination) noexcept {
 }
 
 int FileExists(ZELString path) noexcept {
-    return platform::KindOf(path) == platform::PathKind::File ? 1 : 0;
+    return KindOf(path) == PathKind::File ? 1 : 0;
 }
 
 ZELString GetModifTime(ZELString path) noexcept {
     FileStatus status;
-    return platform::ReadFileStatus(path, status) ? ClockText(status.modified) : ZELString();
+    return ReadFileStatus(path, status) ? ClockText(status.modified) : ZELString();
 }
 
 int FileSelectionSize(ZELString selection) noexcept {
@@ -62,7 +62,7 @@ int FileSelectionSize(ZELString selection) noexcept {
     int total = 0;
     for (const ZELString& path : paths) {
         FileStatus status;
-        if (!platform::ReadFileStatus(path, status)) continue;
+        if (!ReadFileStatus(path, status)) continue;
         if (status.size > Most - total) return Most;
         total += static_cast<int>(status.size);
     }

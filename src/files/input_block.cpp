@@ -12,6 +12,8 @@
 #include "base/memory.h"
 #include "platform/c_streams.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t BlockSize = std::size_t{1} << 16;
@@ -39,7 +41,7 @@ bool InputBlock::Fill(std::FILE* file) noexcept {
         return false;
     }
     _begin = 0;
-    _end = Arrived(platform::ReadArrived(file, _bytes, BlockSize));
+    _end = Arrived(ReadArrived(file, _bytes, BlockSize));
     return _end > 0;
 }
 
@@ -49,8 +51,7 @@ std::size_t InputBlock::Read(std::FILE* file, char* bytes, std::size_t size) noe
         const std::size_t left = size - done;
         if (_begin == _end && left >= BlockSize) {
             if (_atEnd) break;
-            const std::size_t count =
-                Arrived(platform::ReadArrived(file, bytes + done, std::min(left, platform::MostToArrive)));
+            const std::size_t count = Arrived(ReadArrived(file, bytes + done, std::min(left, MostToArrive)));
             if (count == 0) break;
             done += count;
             continue;

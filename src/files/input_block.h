@@ -8,6 +8,8 @@
 #include <cstring>
 #include <string_view>
 
+namespace zel {
+
 class InputBlock {
 public:
     InputBlock() = default;
@@ -52,5 +54,7 @@ inline bool InputBlock::Next(std::FILE* file, int delimiter, std::size_t most, s
     _begin += piece.size() + (met ? 1 : 0);
     return true;
 }
+
+}  // namespace zel
 
 #endif

@@ -13,6 +13,8 @@
 #include <bit>
 #include <cstring>
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t Step16 = 16;
@@ -51,7 +53,7 @@ LineReader::Step LineReader::Fill() noexcept {
     const std::size_t capacity = _block.Capacity();
     if ((capacity == 0 || left + Step16 > capacity / 2) && !_block.Reserve(capacity == 0 ? FirstBlock : capacity * 2))
         return Step::MemoryRanOut;
-    const std::size_t room = std::min(_block.Capacity() - Step16 - left, platform::TextReader::MostAtOnce);
+    const std::size_t room = std::min(_block.Capacity() - Step16 - left, TextReader::MostAtOnce);
     const std::ptrdiff_t count = _reader.Read(_block.Data() + left, room);
     if (count < 0) return Step::Failure;
     _end += static_cast<std::size_t>(count);

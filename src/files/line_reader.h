@@ -11,6 +11,8 @@
 #include "files/byte_buffer.h"
 #include "platform/text_reader.h"
 
+namespace zel {
+
 class LineReader {
 public:
     enum class Step {
@@ -30,12 +32,14 @@ public:
 private:
     Step Fill() noexcept;
 
-    platform::TextReader _reader;
+    TextReader _reader;
     ByteBuffer _block;
     std::size_t _begin = 0;  // of the bytes that were read and not delivered
     std::size_t _end = 0;
     const std::size_t _maxLength;
     bool _atEnd = false;
 };
+
+}  // namespace zel
 
 #endif

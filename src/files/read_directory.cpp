@@ -15,10 +15,9 @@
 #include "text/list_text.h"
 #include "text/wildcard.h"
 
-namespace {
+using namespace zel;
 
-using platform::EntryKind;
-using platform::PathKind;
+namespace {
 
 bool IsSeparator(char character) noexcept {
     return character == '\\' || character == '/';
@@ -66,17 +65,16 @@ bool IsSelected(std::string_view folder, const char* name, std::string_view comp
 
 // Appends what a component with "*" selects in `folder`.
 void SelectIn(const ZELString& folder, std::string_view component, bool directoriesOnly, ZELListValZELString& found) {
-    platform::DirectoryListing listing;
+    DirectoryListing listing;
     if (!listing.Open(folder.Length() != 0 ? folder.CastToCharPtr() : ".")) return;
     const char* name;
     EntryKind kind;
-    while (listing.Next(&name, &kind) == platform::ListingStep::Entry) {
+    while (listing.Next(&name, &kind) == ListingStep::Entry) {
         const bool passed = directoriesOnly && kind == EntryKind::File;
         if (passed || !IsSelected(folder.View(), name, component)) continue;
         if (!AppendPath(found, folder.View(), name)) return;
         // A link may lead to a directory.
-        if (directoriesOnly && kind != EntryKind::Directory &&
-            platform::KindOf(found[found.Size()]) != PathKind::Directory)
+        if (directoriesOnly && kind != EntryKind::Directory && KindOf(found[found.Size()]) != PathKind::Directory)
             found.RemovePosition(found.Size());
     }
 }
@@ -105,7 +103,7 @@ void Select(std::string_view pattern, ZELListValZELString& paths) {
     }
     if (lastIsPattern) return;
     for (int i = paths.Size(); i >= 1; --i)
-        if (platform::KindOf(paths[i]) == PathKind::Missing) paths.RemovePosition(i);
+        if (KindOf(paths[i]) == PathKind::Missing) paths.RemovePosition(i);
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include "platform/text_reader.h"
 #include "text/list_text.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr int LineBufferSize = 4096;
@@ -36,7 +38,7 @@ int ReadIntoList(const ZELString& file, ZELListValZELString& lines, int bufferSi
 // Gathers lines and writes them in blocks, and knows the first line that was not written whole.
 class LineWriter {
 public:
-    explicit LineWriter(const char* path) noexcept : _stream(platform::OpenTextForWriting(path, false)) {}
+    explicit LineWriter(const char* path) noexcept : _stream(OpenTextForWriting(path, false)) {}
     LineWriter(const LineWriter&) = delete;
     LineWriter& operator=(const LineWriter&) = delete;
     ~LineWriter() {

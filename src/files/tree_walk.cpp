@@ -5,8 +5,7 @@
 
 #include <cstring>
 
-using platform::EntryKind;
-using platform::ListingStep;
+using namespace zel;
 
 TreeWalk::Level& TreeWalk::Top() noexcept {
     return *reinterpret_cast<Level*>(_levels.Data() + _levels.Size() - sizeof(Level));

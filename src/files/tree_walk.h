@@ -12,6 +12,8 @@
 #include "files/byte_buffer.h"
 #include "platform/tree_cursor.h"
 
+namespace zel {
+
 class TreeWalk {
 public:
     TreeWalk(const TreeWalk&) = delete;
@@ -22,16 +24,16 @@ public:
     bool Run(const char* top) noexcept;
 
 protected:
-    explicit TreeWalk(platform::TreeCursor::Purpose purpose) noexcept : _cursor(purpose) {}
+    explicit TreeWalk(TreeCursor::Purpose purpose) noexcept : _cursor(purpose) {}
     ~TreeWalk() = default;
 
     // An entry of the directory that the cursor stands in, and no directory. False ends the walk.
-    virtual bool Visit(const char* name, platform::EntryKind kind) noexcept = 0;
+    virtual bool Visit(const char* name, EntryKind kind) noexcept = 0;
     // The directory `name`, of the one that the cursor stands in, is done with, or could not be entered. False passes
     // over the directories that wait beside it.
     virtual bool Finish(const char* name) noexcept = 0;
 
-    platform::TreeCursor& Cursor() noexcept { return _cursor; }
+    TreeCursor& Cursor() noexcept { return _cursor; }
     // The path of an entry of the directory that the cursor stands in, valid until the next call; empty when memory
     // ran out.
     std::string_view PathOf(const char* name) noexcept;
@@ -50,10 +52,12 @@ private:
     bool PushLevel() noexcept;
     Level& Top() noexcept;
 
-    platform::TreeCursor _cursor;
+    TreeCursor _cursor;
     ByteBuffer _path;
     ByteBuffer _names;   // each ends with a NUL
     ByteBuffer _levels;  // Levels as bytes
 };
+
+}  // namespace zel
 
 #endif

@@ -17,6 +17,8 @@
 #include "filters/filter_matcher.h"
 #include "filters/memo_key.h"
 
+using namespace zel;
+
 namespace {
 
 const char* const matchesAll = "*";

@@ -4,6 +4,8 @@
 
 #include <string_view>
 
+namespace zel {
+
 inline constexpr char32_t FilterBlank = U' ';
 
 inline std::u32string_view WithoutBlanks(std::u32string_view text) noexcept {
@@ -11,5 +13,7 @@ inline std::u32string_view WithoutBlanks(std::u32string_view text) noexcept {
     while (!text.empty() && text.back() == FilterBlank) text.remove_suffix(1);
     return text;
 }
+
+}  // namespace zel
 
 #endif

@@ -8,6 +8,8 @@
 #include <bit>
 #include <iterator>
 
+using namespace zel;
+
 namespace {
 
 using Predicate = int (ZELUnicodeChar::*)() const noexcept;
@@ -31,7 +33,7 @@ struct ClassSets {
 
 }  // namespace
 
-bool IsOfClass(int operation, ZELUnicodeChar character) noexcept {
+bool zel::IsOfClass(int operation, ZELUnicodeChar character) noexcept {
     if (operation < FirstClass || operation > LastClass) return false;
     return (character.*predicates[operation - FirstClass])() != 0;
 }

@@ -10,6 +10,8 @@
 
 #include "ZELUnicodeString.h"
 
+namespace zel {
+
 // The first and the last operation that stands for a class; those between follow the order of the predicates.
 inline constexpr int FirstClass = 2;
 inline constexpr int LastClass = 12;
@@ -61,5 +63,7 @@ inline unsigned BlockSet::HoldsOfFour(const char32_t* text) const noexcept {
     }
     return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(outside))) ^ 15;
 }
+
+}  // namespace zel
 
 #endif

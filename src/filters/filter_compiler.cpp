@@ -17,6 +17,8 @@
 #include "filters/block_set.h"
 #include "filters/records.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::u32string_view classNames[] = {

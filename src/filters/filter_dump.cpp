@@ -4,6 +4,8 @@
 
 #include "TAUnicodeRegularExpression.h"
 
+using namespace zel;
+
 void TAUnicodeRegularExpression::_print() const noexcept {
     std::printf(" ----------> Regular Expression <----------\n");
     std::printf(" ----  Filter definition <%s> with %d valid characters\n", _filter.ConvertToChar(), _length);

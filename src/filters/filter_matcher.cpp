@@ -22,6 +22,8 @@
 #include "filters/literal_search.h"
 #include "filters/reached_positions.h"
 
+using namespace zel;
+
 namespace {
 
 // A search for ReachedPositions::Keep: `count` characters in a row that the block admits. What is known to be admitted
@@ -54,7 +56,7 @@ private:
 }  // namespace
 
 // All of it is inline: candidates are short, and calls would cost more than what they do.
-class FilterMatcher {
+class zel::FilterMatcher {
 public:
     static int Match(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept;
 
@@ -199,6 +201,6 @@ inline bool FilterMatcher::IsWideAdmitted(const Lexeme& block, char32_t code) co
     return (i <= block.last) == (block.type == Expression::Block);
 }
 
-int MatchFilter(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept {
+int zel::MatchFilter(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept {
     return FilterMatcher::Match(filter, text);
 }

@@ -6,7 +6,11 @@
 
 class TAUnicodeRegularExpression;
 
+namespace zel {
+
 // 1 or 0, and -1 when memory ran out. `text` has lost its blanks.
 int MatchFilter(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept;
+
+}  // namespace zel
 
 #endif

@@ -6,6 +6,8 @@
 #include "filters/literal_search.h"
 #include "filters/records.h"
 
+using namespace zel;
+
 int TAUnicodeRegularExpression::_prepare() noexcept {
     _tail = _lastLexeme;
     _tailSize = 0;

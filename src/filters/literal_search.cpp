@@ -2,7 +2,9 @@
 
 #include "filters/literal_search.h"
 
-void FindBorders(std::u32string_view literal, int* borders) noexcept {
+using namespace zel;
+
+void zel::FindBorders(std::u32string_view literal, int* borders) noexcept {
     borders[0] = 0;
     for (std::size_t i = 1; i < literal.size(); ++i) {
         int border = borders[i - 1];

@@ -15,6 +15,8 @@
 
 #include "filters/reached_positions.h"
 
+namespace zel {
+
 // A literal up to this size is compared anew at each place; a longer one needs its borders.
 inline constexpr std::size_t ShortLiteralSize = 16;
 
@@ -78,5 +80,7 @@ private:
     std::size_t _position = 0;  // behind what was read
     std::size_t _matched = 0;   // characters before _position that begin the literal
 };
+
+}  // namespace zel
 
 #endif

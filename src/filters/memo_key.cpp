@@ -8,6 +8,8 @@
 #include "base/memory.h"
 #include "base/utf8.h"
 
+using namespace zel;
+
 namespace {
 
 bool HasUtf8OfItsOwn(char32_t code) noexcept {

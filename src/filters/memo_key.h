@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace zel {
+
 // The UTF-8 form of a text, where that tells it from every other text. It does not when the text holds U+0000, which
 // would end a key, or a code that is no Unicode scalar value: such a text has no key, and neither has one for which
 // memory runs out.
@@ -28,5 +30,7 @@ private:
     std::size_t _size = 0;
     char _inside[1024];
 };
+
+}  // namespace zel
 
 #endif

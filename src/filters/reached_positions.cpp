@@ -9,6 +9,8 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 
+using namespace zel;
+
 void ReachedPositions::DropBitsAbove(std::size_t highest) noexcept {
     while (_high > highest || !Bit(_high)) ClearBit(_high--);
 }

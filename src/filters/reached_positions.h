@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+namespace zel {
+
 class ReachedPositions {
 public:
     static constexpr std::size_t None = ~std::size_t{0};
@@ -148,5 +150,7 @@ bool ReachedPositions::KeepBits(Search& search, bool isFirstEnough) noexcept {
     _hasBits = count <= high - low;
     return true;
 }
+
+}  // namespace zel
 
 #endif

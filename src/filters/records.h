@@ -10,6 +10,8 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 
+namespace zel {
+
 // Makes room for `count` records: `First` of them, and twice as many until they suffice. What was there is kept. False,
 // and nothing changed, without memory.
 template <int First = 64, class Record>
@@ -29,5 +31,7 @@ bool MakeRoomForRecords(Record*& records, int& capacity, int count) noexcept {
     capacity = room;
     return true;
 }
+
+}  // namespace zel
 
 #endif

@@ -8,6 +8,8 @@
 
 #include "base/failure_report.h"
 
+using namespace zel;
+
 TACallbackSubscriber::~TACallbackSubscriber() = default;
 TACallbackPublisher::~TACallbackPublisher() = default;
 

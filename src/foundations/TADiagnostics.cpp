@@ -11,6 +11,8 @@
 #include "ZELStackTrace.h"
 #include "base/failure_report.h"
 
+using namespace zel;
+
 namespace {
 
 std::string_view TextOf(const char* text) {

@@ -13,6 +13,8 @@
 #include "base/failure_report.h"
 #include "platform/system.h"
 
+using namespace zel;
+
 namespace {
 
 char* AllocateText(std::size_t size) {
@@ -58,30 +60,30 @@ void WriteAssignment(char* text, const char* name, const char* value, std::size_
 
 ZELString GetHostName() noexcept {
     char name[256];
-    return platform::GetHost(name, sizeof name) ? name : "";
+    return GetHost(name, sizeof name) ? name : "";
 }
 
 ZELString GetWorkDir() noexcept {
     char path[2048];
-    return platform::GetWorkingDirectory(path, sizeof path) ? path : ".";
+    return GetWorkingDirectory(path, sizeof path) ? path : ".";
 }
 
 int SetWorkDir(ZELString dir) noexcept {
-    return platform::SetWorkingDirectory(dir) ? 0 : -1;
+    return SetWorkingDirectory(dir) ? 0 : -1;
 }
 
 int GetOSVersionInfo(OSVERSIONINFOEXW& info) noexcept {
-    if (platform::GetSystemVersion(info)) return 1;
+    if (GetSystemVersion(info)) return 1;
     Trace("ERROR GetOSVersionInfo: Unable to get version", 0);
     return 0;
 }
 
 int GetProcessorsNumber() noexcept {
-    return platform::GetProcessorCount();
+    return GetProcessorCount();
 }
 
 int IsUserAdmin() noexcept {
-    return platform::IsAdministrator() ? 1 : 0;
+    return IsAdministrator() ? 1 : 0;
 }
 
 ZELString TAGetTempDir() noexcept {
@@ -137,16 +139,16 @@ int TAEnvVariable::PutEnvironmentValue(const char* value) const noexcept {
     char* const text = _buffer != nullptr ? _buffer : MakeBuffer(_name, _capacity);
     if (text == nullptr) return 1;
     WriteAssignment(text, _name, value, length);
-    const bool put = platform::PutEnvironment(text);
+    const bool put = PutEnvironment(text);
     if (text != _buffer) std::free(text);
     return put ? 0 : 1;
 }
 
 int TAEnvVariable::UnsetEnvironmentValue() const noexcept {
-    if (_name == nullptr || platform::GetEnvironment(_name) == nullptr) return 0;
+    if (_name == nullptr || GetEnvironment(_name) == nullptr) return 0;
     return PutEnvironmentValue("");
 }
 
 const char* TAEnvVariable::GetEnvironmentValue() noexcept {
-    return _name != nullptr ? platform::GetEnvironment(_name) : "";
+    return _name != nullptr ? GetEnvironment(_name) : "";
 }

@@ -17,6 +17,8 @@
 #include "ZELStableSort.h"
 #include "base/failure_report.h"
 
+using namespace zel;
+
 // Elements are compared as bytes.
 static_assert(std::has_unique_object_representations_v<void*> && std::has_unique_object_representations_v<int>);
 

@@ -9,12 +9,14 @@
 
 #include "platform/stack.h"
 
+using namespace zel;
+
 namespace {
 
 void PrintFrame(std::FILE* stream, int number, const void* address) {
-    platform::FrameName name;
+    FrameName name;
     // A return address may lie behind the end of the function that made the call; the byte before it never does.
-    platform::DescribeFrame(static_cast<const char*>(address) - 1, name);
+    DescribeFrame(static_cast<const char*>(address) - 1, name);
     char line[sizeof name.module + sizeof name.function + 128];
     int length = std::snprintf(line, sizeof line, "#%-3d 0x%016" PRIxPTR " %s+0x%" PRIxPTR, number,
                                reinterpret_cast<std::uintptr_t>(address), name.module[0] != '\0' ? name.module : "?",
@@ -40,12 +42,12 @@ void ZELBasicStackTrace::Print(FILE* stream, int first, int count) const noexcep
 
 ZELStackTrace::ZELStackTrace() noexcept {
     // Not by GetTrace(), which would be one frame more.
-    _count = platform::CaptureStack(_frames, MaxFrames, 1);
+    _count = CaptureStack(_frames, MaxFrames, 1);
 }
 
 ZELStackTrace::~ZELStackTrace() = default;
 
 int ZELStackTrace::GetTrace() noexcept {
-    _count = platform::CaptureStack(_frames, MaxFrames, 1);
+    _count = CaptureStack(_frames, MaxFrames, 1);
     return _count > 0 ? 0 : 1;
 }

@@ -16,6 +16,8 @@
 #include "base/failure_report.h"
 #include "foundations/text_search.h"
 
+using namespace zel;
+
 namespace {
 
 // Lengths and positions are int in the interface.

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <string_view>
 
+using namespace zel;
+
 ZELToken::ZELToken(const ZELUnicodeString& text) noexcept : _text(text) {}
 
 ZELToken::~ZELToken() = default;

@@ -20,7 +20,9 @@
 #include "base/failure_report.h"
 #include "platform/text_reader.h"
 
-struct ZELTraceName {
+using namespace zel;
+
+struct zel::ZELTraceName {
     std::atomic<bool> active;
     ZELTraceName* next;
     std::size_t length;  // of the text, which follows this record in its block
@@ -87,7 +89,7 @@ ZELTraceName* Intern(const char* name) {
 }  // namespace
 
 bool ZELTrace::Channel::Open() noexcept {
-    if (stream == nullptr) stream = platform::OpenTextForWriting(path, mode != ZELTraTruncate);
+    if (stream == nullptr) stream = OpenTextForWriting(path, mode != ZELTraTruncate);
     return stream != nullptr;
 }
 

@@ -3,7 +3,9 @@
 
 #include "ZELUnicodeString.h"
 
-struct ZELCharacterTable {
+using namespace zel;
+
+struct zel::ZELCharacterTable {
     unsigned short classes[0x100] = {};
 
     constexpr ZELCharacterTable() noexcept {

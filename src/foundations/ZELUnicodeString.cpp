@@ -17,6 +17,8 @@
 #include "base/utf8.h"
 #include "foundations/scan_number.h"
 
+using namespace zel;
+
 namespace {
 
 // So that the 8-bit form, at four bytes per character, stays below 2^31 bytes.

@@ -7,28 +7,30 @@
 
 #include "TAEnvironment.h"
 
+using namespace zel;
+
 namespace {
 
-ZELString Now(ZELString (*format)(const platform::LocalTime&) noexcept) {
-    platform::LocalTime time;
-    return platform::ToLocalTime(std::time(nullptr), time) ? format(time) : ZELString();
+ZELString Now(ZELString (*format)(const LocalTime&) noexcept) {
+    LocalTime time;
+    return ToLocalTime(std::time(nullptr), time) ? format(time) : ZELString();
 }
 
 }  // namespace
 
-ZELString FormatDay(const platform::LocalTime& time) noexcept {
+ZELString zel::FormatDay(const LocalTime& time) noexcept {
     char text[40];
     std::snprintf(text, sizeof text, "%.2d/%.2d/%.2d", time.day, time.month, time.year);
     return text;
 }
 
-ZELString FormatShortDate(const platform::LocalTime& time) noexcept {
+ZELString zel::FormatShortDate(const LocalTime& time) noexcept {
     char text[60];
     std::snprintf(text, sizeof text, "%.2d-%.2d.%.2d:%.2d", time.month, time.day, time.hour, time.minute);
     return text;
 }
 
-ZELString FormatSortDate(const platform::LocalTime& time) noexcept {
+ZELString zel::FormatSortDate(const LocalTime& time) noexcept {
     char text[80];
     std::snprintf(text, sizeof text, "%.2d-%.2d-%.2d-%.2d-%.2d-%.2d", time.year, time.month, time.day, time.hour,
                   time.minute, time.second);
@@ -36,8 +38,8 @@ ZELString FormatSortDate(const platform::LocalTime& time) noexcept {
 }
 
 ZELString GetDate() noexcept {
-    char text[platform::ClockTextLength + 1];
-    platform::ToClockText(std::time(nullptr), text);
+    char text[ClockTextLength + 1];
+    ToClockText(std::time(nullptr), text);
     return text;
 }
 

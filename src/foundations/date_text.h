@@ -5,8 +5,12 @@
 #include "ZELString.h"
 #include "platform/clock.h"
 
-ZELString FormatDay(const platform::LocalTime& time) noexcept;
-ZELString FormatShortDate(const platform::LocalTime& time) noexcept;
-ZELString FormatSortDate(const platform::LocalTime& time) noexcept;
+namespace zel {
+
+ZELString FormatDay(const LocalTime& time) noexcept;
+ZELString FormatShortDate(const LocalTime& time) noexcept;
+ZELString FormatSortDate(const LocalTime& time) noexcept;
+
+}  // namespace zel
 
 #endif

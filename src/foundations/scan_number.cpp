@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t npos = std::u32string_view::npos;
@@ -99,7 +101,7 @@ int Clamp(std::uint64_t magnitude, bool negative, bool isSigned) noexcept {
 
 }  // namespace
 
-int ScanNumber(std::u32string_view text, std::u32string_view formatText, int* value) noexcept {
+int zel::ScanNumber(std::u32string_view text, std::u32string_view formatText, int* value) noexcept {
     Format format;
     if (!ParseFormat(formatText, format) || !MatchLiterals(text, format.before)) return 0;
     SkipWhite(text);

@@ -4,7 +4,11 @@
 
 #include <string_view>
 
+namespace zel {
+
 // The contract is that of ZELUnicodeString::ConvertToNum; `value` is not null.
 int ScanNumber(std::u32string_view text, std::u32string_view format, int* value) noexcept;
+
+}  // namespace zel
 
 #endif

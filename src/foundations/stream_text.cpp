@@ -4,7 +4,9 @@
 
 #include "ZELString.h"
 
-void WriteLine(std::ostream& stream, std::string_view text) noexcept {
+using namespace zel;
+
+void zel::WriteLine(std::ostream& stream, std::string_view text) noexcept {
     std::streambuf* const buffer = stream.rdbuf();
     if (buffer == nullptr || !stream.good()) return;
     const ZELString line = ZELString(text) + '\n';

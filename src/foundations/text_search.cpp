@@ -12,6 +12,8 @@
 
 #include "base/memory.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -50,7 +52,7 @@ std::size_t FindByBorders(std::string_view text, std::string_view what, std::siz
 
 }  // namespace
 
-std::size_t FindLongText(std::string_view text, std::string_view what, std::size_t from) noexcept {
+std::size_t zel::FindLongText(std::string_view text, std::string_view what, std::size_t from) noexcept {
     const std::string_view head = what.substr(0, SearchHeadSize);
     const std::string_view rest = what.substr(SearchHeadSize);
     const std::string_view heads = text.substr(0, text.size() - rest.size());

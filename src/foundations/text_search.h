@@ -10,6 +10,8 @@
 #include <cstring>
 #include <string_view>
 
+namespace zel {
+
 // For a `what` that is longer than its head; the callers have checked that it fits behind `from`.
 inline constexpr std::size_t SearchHeadSize = 16;
 std::size_t FindLongText(std::string_view text, std::string_view what, std::size_t from) noexcept;
@@ -74,5 +76,7 @@ inline std::size_t FindText(std::string_view text, std::string_view what, std::s
     if (what.empty() || from > text.size() || what.size() > text.size() - from) return std::string_view::npos;
     return what.size() <= SearchHeadSize ? FindShortText(text, what, from) : FindLongText(text, what, from);
 }
+
+}  // namespace zel
 
 #endif

@@ -18,6 +18,8 @@
 #include "measure/amount_text.h"
 #include "measure/whole_seconds.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr int DefaultPeriod = 60;

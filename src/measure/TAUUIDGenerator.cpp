@@ -4,7 +4,7 @@
 //
 // The members are protected and may be changed by derived classes, so the kept characters are compared with the members
 // as they are, not with what Init once found. The time is the C runtime's in whole seconds, unless somebody moved the
-// epoch. Whether the process was forked meanwhile is one load (platform::GetProcessMark).
+// epoch. Whether the process was forked meanwhile is one load (GetProcessMark).
 //
 // Nothing is locked, by contract; the process mark alone is atomic.
 
@@ -19,6 +19,8 @@
 #include "base/failure_report.h"
 #include "platform/identity.h"
 #include "platform/system.h"
+
+using namespace zel;
 
 constinit short TAUUIDGenerator::counter = 0;
 constinit __int64 TAUUIDGenerator::epoch = 0;
@@ -84,7 +86,7 @@ constinit std::atomic<std::uint32_t>* processMark = nullptr;
 // Whether the process has been forked since it was last looked at, or nothing can tell.
 bool IsNewProcess() noexcept {
     if (processMark != nullptr && processMark->load(std::memory_order_relaxed) != 0) return false;
-    processMark = platform::GetProcessMark();
+    processMark = GetProcessMark();
     if (processMark != nullptr) processMark->store(1, std::memory_order_relaxed);
     return true;
 }
@@ -96,7 +98,7 @@ TAUUIDGenerator::~TAUUIDGenerator() = default;
 void TAUUIDGenerator::Init() noexcept {
     if (init_done == 1) return;
     machine_ident = GetMachineIdent();
-    process_ident = ownProcess = platform::GetOwnProcessId();
+    process_ident = ownProcess = GetOwnProcessId();
     counter = FirstCounter();
     ComputeEpoch(&epoch);
     init_done = 1;
@@ -109,8 +111,8 @@ __int64 TAUUIDGenerator::GetTime() noexcept {
 }
 
 int TAUUIDGenerator::GetMachineIdent() noexcept {
-    platform::AdapterAddress address;
-    if (!platform::GetAdapterAddress(address)) return 0;
+    AdapterAddress address;
+    if (!GetAdapterAddress(address)) return 0;
     const unsigned char* const bytes = address.bytes;
     return static_cast<int>(std::uint32_t{bytes[5]} << 24 | std::uint32_t{bytes[4]} << 16 |
                             std::uint32_t{bytes[3]} << 8 | bytes[2]);
@@ -153,7 +155,7 @@ const char* TAUUIDGenerator::Get() noexcept {
     if (IsNewProcess()) [[unlikely]] {
         // A number that a derived class chose stays.
         const bool isOwn = process_ident == ownProcess;
-        ownProcess = platform::GetOwnProcessId();
+        ownProcess = GetOwnProcessId();
         if (isOwn) process_ident = ownProcess;
     }
     __int64 time = std::time(nullptr);

@@ -7,7 +7,9 @@
 
 #include "TADiagnostics.h"
 
-ZELString AmountText(int amount) noexcept {
+using namespace zel;
+
+ZELString zel::AmountText(int amount) noexcept {
     constexpr char units[] = {'k', 'M', 'T'};
     int whole = std::max(amount, 0), remainder = 0, divisions = 0;
     for (; whole > 1000 && divisions < 3; ++divisions) {
@@ -23,7 +25,7 @@ ZELString AmountText(int amount) noexcept {
     return text += units[divisions - 1];
 }
 
-ZELString DurationText(int seconds) noexcept {
+ZELString zel::DurationText(int seconds) noexcept {
     if (seconds <= 0) return "0s";
     constexpr int Minute = 60, Hour = 60 * Minute, Day = 24 * Hour;
     ZELString text;

@@ -4,7 +4,11 @@
 
 #include "ZELString.h"
 
+namespace zel {
+
 ZELString AmountText(int amount) noexcept;
 ZELString DurationText(int seconds) noexcept;
+
+}  // namespace zel
 
 #endif

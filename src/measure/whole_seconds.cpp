@@ -5,17 +5,19 @@
 #include <atomic>
 #include <ctime>
 
+using namespace zel;
+
 namespace {
 
 constinit std::atomic<std::int64_t> held{-1};
 
 }  // namespace
 
-std::int64_t SecondsNow() noexcept {
+std::int64_t zel::SecondsNow() noexcept {
     const std::int64_t moment = held.load(std::memory_order_relaxed);
     return moment < 0 ? std::time(nullptr) : moment;
 }
 
-void HoldTime(std::int64_t seconds) noexcept {
+void zel::HoldTime(std::int64_t seconds) noexcept {
     held.store(seconds, std::memory_order_relaxed);
 }

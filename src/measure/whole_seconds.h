@@ -4,10 +4,14 @@
 
 #include <cstdint>
 
+namespace zel {
+
 // Seconds since 1970-01-01 00:00 UTC.
 std::int64_t SecondsNow() noexcept;
 
 // For tests: from now on SecondsNow gives `seconds`, whatever the clock says; negative: the clock again.
 void HoldTime(std::int64_t seconds) noexcept;
+
+}  // namespace zel
 
 #endif

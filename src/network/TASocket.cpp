@@ -18,6 +18,8 @@
 #include "network/socket_library.h"
 #include "network/socket_setup.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr const char* NoLibrary = "No windows socket";
@@ -25,7 +27,7 @@ constexpr const char* NotOpenForPut = "Socket not opened, unable to put data blo
 constexpr const char* NotOpenForGet = "Socket not opened, unable to get data block";
 
 // Null when there is no socket, or no memory.
-TASocketConnection* MakeConnection(TASocket& owner, platform::Socket&& socket) noexcept {
+TASocketConnection* MakeConnection(TASocket& owner, Socket&& socket) noexcept {
     if (!socket.IsOpen()) return nullptr;
     TASocketConnection* const made = NewObject<TASocketConnection>(owner, std::move(socket));
     if (made == nullptr) ReportAllocFailure("TASocket", sizeof *made);
@@ -62,7 +64,7 @@ int TASocket::OpenClient(ZELString host, int port, int connectTimeout) noexcept 
     if (_connection != nullptr) Close();
     const std::int64_t limit = connectTimeout > 0 ? std::int64_t{connectTimeout} * 1000 : -1;
     const char* failure = "unable to create client socket";
-    platform::Socket socket;
+    Socket socket;
     if (WantsBothFamilies("SERVERONLY")) {
         const SetupTrace trace("OpenClient", "SERVERONLY");
         socket = ConnectByAny(host, port, limit, trace, failure);
@@ -77,7 +79,7 @@ int TASocket::OpenServer(int port) noexcept {
     if (!HasSockets()) return Fail(NoLibrary);
     if (_connection != nullptr) Close();
     const char* failure = "unable to create server socket";
-    platform::Socket socket;
+    Socket socket;
     if (WantsBothFamilies("CLIENTONLY")) {
         const SetupTrace trace("OpenServer", "CLIENTONLY");
         socket = ListenByBoth(port, trace, failure);
@@ -89,7 +91,7 @@ int TASocket::OpenServer(int port) noexcept {
 }
 
 int TASocket::GetPort() const noexcept {
-    return _connection != nullptr ? _connection->Socket().Port() : 0;
+    return _connection != nullptr ? _connection->TheSocket().Port() : 0;
 }
 
 int TASocket::GetQuery(TASocket& client) noexcept {
@@ -116,7 +118,7 @@ int TASocket::AcceptClient(TASocket& client, int acceptTimeout) noexcept {
     if (client._connection != nullptr) client.Close();
     bool isTimeOut = false;
     const std::int64_t limit = acceptTimeout >= 0 ? std::int64_t{acceptTimeout} * 1000 : -1;
-    platform::Socket accepted = _connection->Socket().Accept(limit, isTimeOut);
+    Socket accepted = _connection->TheSocket().Accept(limit, isTimeOut);
     if (!accepted.IsOpen()) return Fail(isTimeOut ? "Query time-out" : Refused);
     return client.Adopt(MakeConnection(client, std::move(accepted)), Refused) == 0 ? 0 : Fail(Refused);
 }

@@ -2,6 +2,8 @@
 #ifndef NETWORK_BLOCK_HEADER_H
 #define NETWORK_BLOCK_HEADER_H
 
+namespace zel {
+
 // In a namespace, since the names are common.
 namespace block_header {
 
@@ -33,5 +35,7 @@ inline int Decode(const char (&bytes)[Size]) noexcept {
 }
 
 }  // namespace block_header
+
+}  // namespace zel
 
 #endif

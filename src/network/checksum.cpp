@@ -10,6 +10,8 @@
 #include "TARunLength.h"
 #include "network/checksum_units.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t Piece = std::size_t{1} << 16;
@@ -77,11 +79,11 @@ std::uint64_t AppendPieces(const unsigned char* text, std::size_t size) noexcept
 
 }  // namespace
 
-std::uint64_t AppendByShifts(std::uint64_t bits, const unsigned char* bytes, std::size_t size) noexcept {
+std::uint64_t zel::AppendByShifts(std::uint64_t bits, const unsigned char* bytes, std::size_t size) noexcept {
     return Shift(bits, bytes, size);
 }
 
-std::uint64_t AppendByUnits(std::uint64_t bits, const unsigned char* bytes, std::size_t size) noexcept {
+std::uint64_t zel::AppendByUnits(std::uint64_t bits, const unsigned char* bytes, std::size_t size) noexcept {
     if (size < UnitBlock) return AppendByShifts(bits, bytes, size);
     std::uint64_t units[UnitCount * UnitWords];
     BeginUnits(units, UnitWords, bits);

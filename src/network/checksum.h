@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace zel {
+
 // Appends `size` bytes to a message. `bits` stands for the message before: any 64 bits that are congruent to it modulo
 // P, and so is the result. Only the end of a checksum needs the remainder itself.
 using AppendBytes = std::uint64_t (*)(std::uint64_t bits, const unsigned char* bytes, std::size_t size) noexcept;
@@ -53,5 +55,7 @@ inline std::uint64_t LoadHighFirst(const unsigned char* bytes) noexcept {
     return byte(0) << 56 | byte(1) << 48 | byte(2) << 40 | byte(3) << 32 | byte(4) << 24 | byte(5) << 16 |
            byte(6) << 8 | byte(7);
 }
+
+}  // namespace zel
 
 #endif

@@ -12,6 +12,8 @@
 
 #include "network/checksum.h"
 
+namespace zel {
+
 constexpr std::size_t UnitCount = 32;
 
 // Begins a division whose message follows the one that `bits` stands for: there is no quotient yet, but what those
@@ -33,5 +35,7 @@ inline void EndUnits(std::uint64_t* units, std::size_t words) noexcept {
         units[i] ^= units[i - 25 * words];
     }
 }
+
+}  // namespace zel
 
 #endif

@@ -15,6 +15,8 @@
 
 #include "network/checksum_units.h"
 
+using namespace zel;
+
 #define FOR_PRODUCTS __attribute__((target("pclmul,ssse3")))
 #define FOR_WIDE_UNITS __attribute__((target("avx2")))
 
@@ -121,10 +123,10 @@ std::uint64_t WideUnits(std::uint64_t bits, const unsigned char* bytes, std::siz
 
 }  // namespace
 
-AppendBytes AppendByProducts() noexcept {
+AppendBytes zel::AppendByProducts() noexcept {
     return __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("ssse3") ? Products : nullptr;
 }
 
-AppendBytes AppendByWideUnits() noexcept {
+AppendBytes zel::AppendByWideUnits() noexcept {
     return __builtin_cpu_supports("avx2") ? WideUnits : nullptr;
 }

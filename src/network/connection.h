@@ -15,23 +15,22 @@
 #include "network/word_tables.h"
 #include "platform/sockets.h"
 
+namespace zel {
+
 // Bytes of one kind on their way to a counter, whose amounts are int.
 void CountBytes(TAPerfo* meter, std::int64_t bytes) noexcept;
 
 // Appends the pieces of the text between its blanks, empty ones included. False when memory runs out.
 bool SplitAtBlanks(std::string_view text, ZELListValZELString& words) noexcept;
 
-class TransferTally;
-
-namespace platform {
 class FileMapping;
-}
+class TransferTally;
 
 struct TASocketConnection {
 public:
-    TASocketConnection(TASocket& owner, platform::Socket&& socket) noexcept;
+    TASocketConnection(TASocket& owner, Socket&& socket) noexcept;
 
-    platform::Socket& Socket() noexcept { return _socket; }
+    Socket& TheSocket() noexcept { return _socket; }
     void ApplyIdleLimit() noexcept;
 
     int Flush() noexcept;
@@ -68,7 +67,7 @@ private:
     int DefineWord(std::string_view word, int& number) noexcept;
     std::size_t FrameRoom() const noexcept;
     int SendFrames(const char* data, std::size_t size) noexcept;
-    int SendMapped(platform::FileMapping& mapping, std::size_t size, TransferTally& tally) noexcept;
+    int SendMapped(FileMapping& mapping, std::size_t size, TransferTally& tally) noexcept;
     int PutTotal(std::int64_t sent) noexcept;
     int CheckTotal(std::int64_t received) noexcept;
 
@@ -83,12 +82,14 @@ private:
     bool ReadCompressedList(ZELListValZELString& words, std::int64_t& bytes) noexcept;
 
     TASocket& _owner;  // holds the message, the limit and the counters
-    platform::Socket _socket;
+    Socket _socket;
     WriteBuffer _out;
     ReceiveBuffer _in;
     bool _isCompressed = false;  // the peer compresses
     SentWords _sent;
     ReceivedWords _received;
 };
+
+}  // namespace zel
 
 #endif

@@ -25,14 +25,14 @@
 #include "platform/c_streams.h"
 #include "platform/file_mapping.h"
 
-using platform::SendStatus;
+using namespace zel;
 
 namespace {
 
 constexpr const char* NotRead = "Unable to read file for TASocket::PutFile";
 
 // With the usual buffer, as many blocks as go out in one call.
-constexpr int MostFrames = (platform::Socket::MaxPieces - 1) / 2;
+constexpr int MostFrames = (Socket::MaxPieces - 1) / 2;
 constexpr std::size_t AtOnce = std::size_t{MostFrames} * TASocket::DefaultBufferSize;
 constexpr std::int64_t CountedAtOnce = 1 << 20;
 
@@ -52,7 +52,7 @@ Block MakeBlock(std::size_t size) noexcept {
 std::ptrdiff_t ReadFully(std::FILE* file, char* bytes, std::size_t size) noexcept {
     std::size_t done = 0;
     while (done < size) {
-        const std::ptrdiff_t count = platform::ReadArrived(file, bytes + done, size - done);
+        const std::ptrdiff_t count = ReadArrived(file, bytes + done, size - done);
         if (count < 0) return -1;
         if (count == 0) break;
         done += static_cast<std::size_t>(count);
@@ -64,16 +64,15 @@ std::ptrdiff_t ReadFully(std::FILE* file, char* bytes, std::size_t size) noexcep
 // As text, a CR in front of an LF is dropped; the stream ends lines as the target does.
 class Target {
 public:
-    Target(const char* path, bool isText) noexcept
-        : _isText(isText), _file(platform::OpenStream(path, isText ? "w" : "wb")) {}
+    Target(const char* path, bool isText) noexcept : _isText(isText), _file(OpenStream(path, isText ? "w" : "wb")) {}
 
     bool IsOpen() const noexcept { return _file != nullptr; }
     bool Write(std::string_view bytes) noexcept {
         if (_isText) return WriteText(bytes);
         _pieces[_count++] = bytes;
-        return _count < platform::MostPieces || WriteGathered();
+        return _count < MostPieces || WriteGathered();
     }
-    bool WriteGathered() noexcept { return platform::WritePieces(_file.get(), _pieces, std::exchange(_count, 0)); }
+    bool WriteGathered() noexcept { return WritePieces(_file.get(), _pieces, std::exchange(_count, 0)); }
     // Whether all of it has reached the system.
     bool Finish() noexcept {
         const bool isWritten = WriteGathered() && (!_hasReturn || WriteBytes("\r"));
@@ -98,14 +97,14 @@ private:
     bool _isText;
     bool _hasReturn = false;  // a CR waits for what comes behind it
     File _file;
-    std::string_view _pieces[platform::MostPieces];
+    std::string_view _pieces[MostPieces];
     int _count = 0;
 };
 
 }  // namespace
 
 // Bytes that pass, told to a counter in large parts; the last part may be 0.
-class TransferTally {
+class zel::TransferTally {
 public:
     explicit TransferTally(TAPerfo* meter) noexcept : _meter(meter) {}
     void Add(std::size_t bytes) noexcept {
@@ -132,7 +131,7 @@ std::size_t TASocketConnection::FrameRoom() const noexcept {
 // Sends what waits and the contents in blocks that fill the buffer; the rest, which does not fill one, stays in it.
 int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept {
     char headers[MostFrames][block_header::Size];
-    platform::Piece pieces[platform::Socket::MaxPieces];
+    Piece pieces[Socket::MaxPieces];
     for (std::size_t room = FrameRoom(); size >= room;) {
         int count = 0;
         pieces[count++] = {_out.Pending().data(), _out.Pending().size()};
@@ -155,7 +154,7 @@ int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept 
 }
 
 // Sends pieces of `size` bytes, which fill their blocks, for as long as the mapping has them. Reading goes on behind.
-int TASocketConnection::SendMapped(platform::FileMapping& mapping, std::size_t size, TransferTally& tally) noexcept {
+int TASocketConnection::SendMapped(FileMapping& mapping, std::size_t size, TransferTally& tally) noexcept {
     const std::int64_t begin = tally.total;
     for (;;) {
         const std::int64_t end = tally.total + static_cast<std::int64_t>(size);
@@ -180,7 +179,7 @@ int TASocketConnection::PutTotal(std::int64_t sent) noexcept {
 }
 
 int TASocketConnection::PutFile(const char* path) noexcept {
-    const File file(platform::OpenStream(path, "rb"));
+    const File file(OpenStream(path, "rb"));
     if (file == nullptr) return Fail(NotRead);
     if (FrameRoom() == 0 && Flush() != 0) return 1;
     if (FrameRoom() == 0 || !_out.HasMemory()) return Fail("Unable to free write buffer");
@@ -190,7 +189,7 @@ int TASocketConnection::PutFile(const char* path) noexcept {
     const Block block = MakeBlock(size);
     if (block == nullptr) return Fail("Unable to free write buffer");
     TransferTally tally(SendMeter());
-    platform::FileMapping mapping(file.get());
+    FileMapping mapping(file.get());
     // So much is read that the last block is full when the file goes on.
     for (std::size_t wanted = size - room + first;; wanted = size) {
         const std::ptrdiff_t count = ReadFully(file.get(), block.get(), wanted);
@@ -222,8 +221,7 @@ int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noex
         if (length < 0) return Fail("Unable to get full block");
         while (length > 0) {
             if (_in.IsEmpty() && !target.WriteGathered()) return Fail(NotWritten);
-            if (_in.Fill(_socket, IdleLimit()) != platform::ReceiveStatus::Received)
-                return Fail("Unable to get full block");
+            if (_in.Fill(_socket, IdleLimit()) != ReceiveStatus::Received) return Fail("Unable to get full block");
             const std::string_view piece = _in.Arrived().substr(0, static_cast<std::size_t>(length));
             if (!target.Write(piece)) return Fail(NotWritten);
             _in.Skip(piece.size());

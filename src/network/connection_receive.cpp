@@ -13,9 +13,9 @@
 #include "network/block_header.h"
 #include "network/connection.h"
 
-using platform::ReceiveStatus;
+using namespace zel;
 
-void CountBytes(TAPerfo* meter, std::int64_t bytes) noexcept {
+void zel::CountBytes(TAPerfo* meter, std::int64_t bytes) noexcept {
     if (meter == nullptr) return;
     for (; bytes > INT_MAX; bytes -= INT_MAX) meter->Count(INT_MAX);
     meter->Count(static_cast<int>(bytes));

@@ -8,6 +8,8 @@
 #include "network/connection.h"
 #include "platform/system.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr int IntegerSize = 4;
@@ -19,7 +21,7 @@ void Encode(int value, unsigned char (&bytes)[IntegerSize]) noexcept {
 
 }  // namespace
 
-TASocketConnection::TASocketConnection(TASocket& owner, platform::Socket&& socket) noexcept
+TASocketConnection::TASocketConnection(TASocket& owner, Socket&& socket) noexcept
     : _owner(owner), _socket(std::move(socket)), _out(owner._bufferSize) {
     if (owner._idleLimit > 0) ApplyIdleLimit();
 }
@@ -34,14 +36,14 @@ void TASocketConnection::ApplyIdleLimit() noexcept {
 
 bool TASocketConnection::Compresses() const noexcept {
     if (_isCompressed) return true;
-    const char* const wanted = platform::GetEnvironment("TASocketCompress");
+    const char* const wanted = GetEnvironment("TASocketCompress");
     return wanted != nullptr && *wanted != '\0';
 }
 
 int TASocketConnection::Flush() noexcept {
     if (_out.IsEmpty()) return 0;
-    const platform::Piece piece = {_out.Pending().data(), _out.Pending().size()};
-    const bool isSent = _socket.Send(&piece, 1) == platform::SendStatus::Sent;
+    const Piece piece = {_out.Pending().data(), _out.Pending().size()};
+    const bool isSent = _socket.Send(&piece, 1) == SendStatus::Sent;
     _out.Clear();
     return isSent ? 0 : Fail("Unable to flush buffer");
 }
@@ -118,9 +120,8 @@ int TASocketConnection::PutBinary(int size, const void* data) noexcept {
     if (MakeRoom(block_header::Size, size) != 0) return 1;
     AppendHeader(size);
     if (size > 0) {
-        const platform::Piece pieces[] = {{_out.Pending().data(), _out.Pending().size()},
-                                          {data, static_cast<std::size_t>(size)}};
-        const bool isSent = _socket.Send(pieces, 2) == platform::SendStatus::Sent;
+        const Piece pieces[] = {{_out.Pending().data(), _out.Pending().size()}, {data, static_cast<std::size_t>(size)}};
+        const bool isSent = _socket.Send(pieces, 2) == SendStatus::Sent;
         _out.Clear();
         if (!isSent) return Fail("Unable to flush buffer");
     }

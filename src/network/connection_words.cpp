@@ -18,6 +18,8 @@
 #include "network/block_header.h"
 #include "network/connection.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr int EndOfWords = -1;
@@ -41,7 +43,7 @@ bool ForEachWord(std::string_view text, Visit visit) noexcept {
 
 }  // namespace
 
-bool SplitAtBlanks(std::string_view text, ZELListValZELString& words) noexcept {
+bool zel::SplitAtBlanks(std::string_view text, ZELListValZELString& words) noexcept {
     for (;;) {
         const std::size_t length = std::min(text.find(' '), text.size());
         if (words.Append(ZELString(text.substr(0, length))) != 0) return false;

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+namespace zel {
+
 constexpr std::size_t RunLengthHeader = 4;
 
 constexpr unsigned char LiteralCode = 0;         // a byte follows
@@ -15,5 +17,7 @@ constexpr std::size_t MostOnes = 255 - BeforeOnes;
 
 // Says on standard error that `out` is full and gives the failure result.
 int ReportOutputOverflow() noexcept;
+
+}  // namespace zel
 
 #endif

@@ -22,6 +22,8 @@
 #include "TARunLength.h"
 #include "network/run_length_codes.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t Window = 64;

@@ -21,6 +21,8 @@
 #include "base/failure_report.h"
 #include "network/run_length_codes.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t Store = 64;
@@ -147,7 +149,7 @@ int Expander::Expand() noexcept {
 
 }  // namespace
 
-int ReportOutputOverflow() noexcept {
+int zel::ReportOutputOverflow() noexcept {
     WriteText(stderr, {"Output overflow\n"});
     return 1;
 }

@@ -8,23 +8,25 @@
 #include "ZELString.h"
 #include "platform/system.h"
 
+using namespace zel;
+
 namespace {
 
 bool IsSetForThisSide(const char* variable, const char* otherSide) noexcept {
-    ZELString value(platform::GetEnvironment(variable));
+    ZELString value(GetEnvironment(variable));
     value.ToUpper();
     return !(value == "") && !(value == otherSide);
 }
 
 }  // namespace
 
-bool WantsBothFamilies(const char* otherSide) noexcept {
+bool zel::WantsBothFamilies(const char* otherSide) noexcept {
     return IsSetForThisSide("TASocketIPv6", otherSide);
 }
 
 SetupTrace::SetupTrace(const char* operation, const char* otherSide) noexcept
     : _operation(operation),
-      _showsSteps(platform::GetEnvironment("TASocketIPv6EnableTraces") != nullptr),
+      _showsSteps(GetEnvironment("TASocketIPv6EnableTraces") != nullptr),
       _showsTime(IsSetForThisSide("TASocketIPv6EnablePerfoTraces", otherSide)),
       _begin(_showsTime ? std::clock() : 0) {}
 

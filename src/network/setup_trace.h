@@ -4,6 +4,8 @@
 
 #include <ctime>
 
+namespace zel {
+
 // Lines of one call that opens a socket, on standard output and flushed at once. The environment decides whether there
 // are any: TASocketIPv6EnableTraces (set) the steps, TASocketIPv6EnablePerfoTraces (neither empty nor the other side's
 // word) the time.
@@ -32,5 +34,7 @@ private:
 // Whether TASocketIPv6 is set to something else than nothing and the word of the other side, in either case of letters:
 // "CLIENTONLY" for a server, "SERVERONLY" for a client.
 bool WantsBothFamilies(const char* otherSide) noexcept;
+
+}  // namespace zel
 
 #endif

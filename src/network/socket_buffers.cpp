@@ -9,7 +9,7 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 
-using platform::ReceiveStatus;
+using namespace zel;
 
 namespace {
 
@@ -45,7 +45,7 @@ bool ReceiveBuffer::HasMemory() noexcept {
     return _bytes != nullptr;
 }
 
-ReceiveStatus ReceiveBuffer::Fill(platform::Socket& socket, std::int64_t limit) noexcept {
+ReceiveStatus ReceiveBuffer::Fill(Socket& socket, std::int64_t limit) noexcept {
     if (!IsEmpty()) return ReceiveStatus::Received;
     if (_hasEnded) return ReceiveStatus::Ended;
     if (!HasMemory()) return ReceiveStatus::Invalid;
@@ -57,7 +57,7 @@ ReceiveStatus ReceiveBuffer::Fill(platform::Socket& socket, std::int64_t limit) 
     return status;
 }
 
-bool ReceiveBuffer::Read(platform::Socket& socket, std::int64_t limit, void* bytes, std::size_t size) noexcept {
+bool ReceiveBuffer::Read(Socket& socket, std::int64_t limit, void* bytes, std::size_t size) noexcept {
     char* at = static_cast<char*>(bytes);
     while (size > 0) {
         std::size_t count = 0;

@@ -8,6 +8,8 @@
 
 #include "platform/sockets.h"
 
+namespace zel {
+
 // Bytes that wait to be sent. The memory comes with the first of them.
 class WriteBuffer {
 public:
@@ -52,9 +54,9 @@ public:
 
     // Waits for more when nothing is left. Once a connection has ended it stays so. Invalid too without
     // memory.
-    platform::ReceiveStatus Fill(platform::Socket& socket, std::int64_t limit) noexcept;
+    ReceiveStatus Fill(Socket& socket, std::int64_t limit) noexcept;
     // Stores exactly `size` bytes, from here and then from the socket; false when it ends or stalls before.
-    bool Read(platform::Socket& socket, std::int64_t limit, void* bytes, std::size_t size) noexcept;
+    bool Read(Socket& socket, std::int64_t limit, void* bytes, std::size_t size) noexcept;
 
 private:
     char* _bytes = nullptr;
@@ -62,5 +64,7 @@ private:
     std::size_t _end = 0;
     bool _hasEnded = false;
 };
+
+}  // namespace zel
 
 #endif

@@ -6,16 +6,18 @@
 
 #include "platform/sockets.h"
 
+using namespace zel;
+
 namespace {
 
 constinit std::atomic<bool> isDenied{false};
 
 }  // namespace
 
-bool HasSockets() noexcept {
-    return platform::StartSockets() && !isDenied.load(std::memory_order_relaxed);
+bool zel::HasSockets() noexcept {
+    return StartSockets() && !isDenied.load(std::memory_order_relaxed);
 }
 
-void PretendNoSockets(bool isPretended) noexcept {
+void zel::PretendNoSockets(bool isPretended) noexcept {
     isDenied.store(isPretended, std::memory_order_relaxed);
 }

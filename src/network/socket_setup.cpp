@@ -13,11 +13,7 @@
 
 #include "base/deadline.h"
 
-using platform::AddressFamily;
-using platform::AddressList;
-using platform::NetworkAddress;
-using platform::Purpose;
-using platform::Socket;
+using namespace zel;
 
 namespace {
 
@@ -71,10 +67,10 @@ const char* ReasonToSkip(const NetworkAddress& address) noexcept {
     char text[128];
     if (address.family == AddressFamily::None || address.size == 0)
         return "invalid  aip->ai_family or aip->ai_addr, continue...";
-    if (!platform::WriteNumericAddress(address, text)) return "getnameinfo failed, continue...";
+    if (!WriteNumericAddress(address, text)) return "getnameinfo failed, continue...";
     if (address.family != AddressFamily::IPv6) return nullptr;
     if (std::strncmp(text, "::ffff:", 7) == 0) return "error when checking IN6_IS_ADDR_V4MAPPED, continue...";
-    return platform::IsLinkLocal(address) ? "error when checking IN6_IS_ADDR_LINKLOCAL, continue..." : nullptr;
+    return IsLinkLocal(address) ? "error when checking IN6_IS_ADDR_LINKLOCAL, continue..." : nullptr;
 }
 
 void TraceHost(const char* host, int port, const SetupTrace& trace) noexcept {
@@ -86,7 +82,7 @@ void TraceHost(const char* host, int port, const SetupTrace& trace) noexcept {
 
 void TraceResolveFailure(int code, const SetupTrace& trace) noexcept {
     char reason[256];
-    platform::ResolveErrorText(code, reason);
+    ResolveErrorText(code, reason);
     trace.Step("getaddrinfo failed %s", reason);
 }
 
@@ -96,20 +92,18 @@ bool IsPort(int port) noexcept {
 
 }  // namespace
 
-Socket ListenByIPv4(int port, const char*& failure) noexcept {
+Socket zel::ListenByIPv4(int port, const char*& failure) noexcept {
     Socket socket = Socket::MakeIPv4();
     if (!socket.IsOpen()) return Refuse("unable to create server socket", failure);
-    if (!IsPort(port) || !socket.Bind(platform::AnyIPv4Address(port)))
-        return Refuse("unable to bind server socket", failure);
+    if (!IsPort(port) || !socket.Bind(AnyIPv4Address(port))) return Refuse("unable to bind server socket", failure);
     if (!socket.Listen(ListenBacklog)) return Refuse("unable to listen on server socket", failure);
     return socket;
 }
 
-Socket ListenByBoth(int port, const SetupTrace& trace, const char*& failure) noexcept {
+Socket zel::ListenByBoth(int port, const SetupTrace& trace, const char*& failure) noexcept {
     trace.Step("TASocketIPv6 valuated");
     AddressList addresses;
-    const int code =
-        IsPort(port) ? platform::ResolveAddresses(nullptr, port, Purpose::Listen, addresses) : platform::UnknownService;
+    const int code = IsPort(port) ? ResolveAddresses(nullptr, port, Purpose::Listen, addresses) : UnknownService;
     if (code != 0) {
         TraceHost(nullptr, port, trace);
         TraceResolveFailure(code, trace);
@@ -118,7 +112,7 @@ Socket ListenByBoth(int port, const SetupTrace& trace, const char*& failure) noe
     return ListenAtOneOf(addresses, trace, failure);
 }
 
-Socket ListenAtOneOf(const AddressList& addresses, const SetupTrace& trace, const char*& failure) noexcept {
+Socket zel::ListenAtOneOf(const AddressList& addresses, const SetupTrace& trace, const char*& failure) noexcept {
     Candidate candidates[2];
     int bound = 0;
     bool isMade = false;
@@ -140,26 +134,24 @@ Socket ListenAtOneOf(const AddressList& addresses, const SetupTrace& trace, cons
     return std::move(chosen);
 }
 
-Socket ConnectByIPv4(const char* host, int port, std::int64_t limit, const char*& failure) noexcept {
+Socket zel::ConnectByIPv4(const char* host, int port, std::int64_t limit, const char*& failure) noexcept {
     Socket socket = Socket::MakeIPv4();
     if (!socket.IsOpen()) return Refuse("unable to create client socket", failure);
     AddressList addresses;
     // No host is no name: the system would take it for this machine.
-    if (*host == '\0' ||
-        platform::ResolveAddresses(host, IsPort(port) ? port : 0, Purpose::ConnectByIPv4, addresses) != 0)
+    if (*host == '\0' || ResolveAddresses(host, IsPort(port) ? port : 0, Purpose::ConnectByIPv4, addresses) != 0)
         return Refuse("unknown host: check name and existence of the host", failure);
     if (!IsPort(port) || !socket.Connect(*addresses.begin(), limit))
         return Refuse("unable to connect client socket to server", failure);
     return socket;
 }
 
-Socket ConnectByAny(const char* host, int port, std::int64_t limit, const SetupTrace& trace,
-                    const char*& failure) noexcept {
+Socket zel::ConnectByAny(const char* host, int port, std::int64_t limit, const SetupTrace& trace,
+                         const char*& failure) noexcept {
     trace.Step("TASocketIPv6 valuated");
     if (*host == '\0') host = nullptr;
     AddressList addresses;
-    const int code =
-        IsPort(port) ? platform::ResolveAddresses(host, port, Purpose::Connect, addresses) : platform::UnknownService;
+    const int code = IsPort(port) ? ResolveAddresses(host, port, Purpose::Connect, addresses) : UnknownService;
     TraceHost(host, port, trace);
     if (code != 0) {
         TraceResolveFailure(code, trace);
@@ -168,9 +160,9 @@ Socket ConnectByAny(const char* host, int port, std::int64_t limit, const SetupT
     return ConnectToOneOf(addresses, limit, trace, failure);
 }
 
-Socket ConnectToOneOf(const AddressList& addresses, std::int64_t limit, const SetupTrace& trace,
-                      const char*& failure) noexcept {
-    const platform::Deadline deadline(limit);
+Socket zel::ConnectToOneOf(const AddressList& addresses, std::int64_t limit, const SetupTrace& trace,
+                           const char*& failure) noexcept {
+    const Deadline deadline(limit);
     bool isMade = false;
     for (const NetworkAddress& address : addresses) {
         if (const char* const reason = ReasonToSkip(address)) {

@@ -9,19 +9,22 @@
 #include "network/setup_trace.h"
 #include "platform/sockets.h"
 
+namespace zel {
+
 constexpr int ListenBacklog = 8;
 
-platform::Socket ListenByIPv4(int port, const char*& failure) noexcept;
-platform::Socket ListenByBoth(int port, const SetupTrace& trace, const char*& failure) noexcept;
+Socket ListenByIPv4(int port, const char*& failure) noexcept;
+Socket ListenByBoth(int port, const SetupTrace& trace, const char*& failure) noexcept;
 // `limit` in milliseconds, below 0 for none.
-platform::Socket ConnectByIPv4(const char* host, int port, std::int64_t limit, const char*& failure) noexcept;
-platform::Socket ConnectByAny(const char* host, int port, std::int64_t limit, const SetupTrace& trace,
-                              const char*& failure) noexcept;
+Socket ConnectByIPv4(const char* host, int port, std::int64_t limit, const char*& failure) noexcept;
+Socket ConnectByAny(const char* host, int port, std::int64_t limit, const SetupTrace& trace,
+                    const char*& failure) noexcept;
 
 // The second halves of the paths that resolve: on addresses that are known, IPv6 first for a server.
-platform::Socket ListenAtOneOf(const platform::AddressList& addresses, const SetupTrace& trace,
-                               const char*& failure) noexcept;
-platform::Socket ConnectToOneOf(const platform::AddressList& addresses, std::int64_t limit, const SetupTrace& trace,
-                                const char*& failure) noexcept;
+Socket ListenAtOneOf(const AddressList& addresses, const SetupTrace& trace, const char*& failure) noexcept;
+Socket ConnectToOneOf(const AddressList& addresses, std::int64_t limit, const SetupTrace& trace,
+                      const char*& failure) noexcept;
+
+}  // namespace zel
 
 #endif

@@ -7,6 +7,8 @@
 
 #include "base/failure_report.h"
 
+using namespace zel;
+
 namespace {
 
 // Whether `enter` found memory for `word`.

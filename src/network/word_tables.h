@@ -11,6 +11,8 @@
 
 #include "ZELString.h"
 
+namespace zel {
+
 // Words that were sent: from the text to the number.
 class SentWords {
 public:
@@ -43,5 +45,7 @@ private:
     std::vector<ZELString> _inOrder;
     std::map<int, ZELString> _others;
 };
+
+}  // namespace zel
 
 #endif

@@ -13,6 +13,8 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr int FirstBuckets = 30;

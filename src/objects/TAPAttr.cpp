@@ -21,6 +21,8 @@
 #include "objects/shared_text.h"
 #include "objects/work_stack.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr char ClassName[] = "TAPAttr";

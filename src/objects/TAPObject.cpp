@@ -17,6 +17,8 @@
 #include "objects/attr_list.h"
 #include "objects/object_contents.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr char ClassName[] = "TAPObject";

@@ -13,6 +13,8 @@
 #include "objects/path_node.h"
 #include "objects/shared_text.h"
 
+using namespace zel;
+
 TAPName::TAPName(const char* name) noexcept : _text(SharedText::Make(name != nullptr ? name : "", "TAPName")) {}
 
 TAPName::TAPName(const TAPName& other) noexcept : TARefCounter(other), _text(SharedText::Keep(other._text)) {}

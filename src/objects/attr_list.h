@@ -5,7 +5,7 @@
 #include "TAPAttr.h"
 #include "objects/remains.h"
 
-struct TAPAttr::List final : Remains {
+struct TAPAttr::List final : zel::Remains {
     bool EndNext() noexcept override {
         if (values.Size() == 0) return false;
         values.RemovePosition(values.Size());

@@ -9,9 +9,11 @@
 #include "base/memory.h"
 #include "platform/c_streams.h"
 
+using namespace zel;
+
 void DumpFile::Open(const char* path) noexcept {
     _isOpened = true;
-    _file = platform::OpenStream(path, "w");
+    _file = OpenStream(path, "w");
     if (_file == nullptr) return;
     _begin = _next = static_cast<char*>(Allocate(Room));
     if (_begin != nullptr)

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <type_traits>
 
+namespace zel {
+
 class DumpFile {
 public:
     DumpFile() noexcept = default;
@@ -60,5 +62,7 @@ private:
     char* _end = nullptr;
     bool _isOpened = false;
 };
+
+}  // namespace zel
 
 #endif

@@ -5,7 +5,7 @@
 #include "TAPObject.h"
 #include "objects/remains.h"
 
-struct TAPObject::Contents final : Remains {
+struct TAPObject::Contents final : zel::Remains {
     Contents() noexcept = default;
     // An index of its own on the same attributes; without memory it is empty.
     Contents(const Contents& other) noexcept;

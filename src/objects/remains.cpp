@@ -2,6 +2,8 @@
 
 #include "objects/remains.h"
 
+using namespace zel;
+
 void Remains::End(Remains* remains) noexcept {
     static thread_local Remains* top = nullptr;
     static thread_local bool isWorking = false;

@@ -6,6 +6,8 @@
 #ifndef OBJECTS_REMAINS_H
 #define OBJECTS_REMAINS_H
 
+namespace zel {
+
 class Remains {
 public:
     Remains() noexcept = default;
@@ -23,5 +25,7 @@ public:
 private:
     Remains* _below = nullptr;
 };
+
+}  // namespace zel
 
 #endif

@@ -16,6 +16,8 @@
 #include "objects/path_node.h"
 #include "objects/shared_text.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr const char* typeNames[] = {"Null",     "AttrString",  "AttrFileName", "AttrObject",

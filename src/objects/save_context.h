@@ -40,7 +40,7 @@ private:
     static constexpr int Kinds = 7;
     static constexpr int Objects = TAPAttr::TypeNull;
 
-    DumpFile& File(int kind) noexcept;
+    zel::DumpFile& File(int kind) noexcept;
     void Begin(const TAPAttr& attribute, int id) noexcept;
     void BeginObject(const TAPObject* object, int id) noexcept;
     void WritePath(const TAPPath* path, int id) noexcept;
@@ -53,10 +53,10 @@ private:
 
     TAFileName _directory;
     unsigned int _nextId = 0;
-    DumpFile _files[Kinds];
+    zel::DumpFile _files[Kinds];
     int _opened[Kinds] = {};  // kinds, in the order in which their files were opened
     int _openCount = 0;
-    WorkStack<Level> _levels;
+    zel::WorkStack<Level> _levels;
 };
 
 #endif

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <string_view>
 
+namespace zel {
+
 struct SharedText {
     // Null for the empty text, and when there is no memory, which is reported under the name of the owner's class.
     static SharedText* Make(std::string_view text, const char* owner) noexcept;
@@ -36,5 +38,7 @@ struct SharedText {
     std::uint32_t room;  // for characters, without the NUL
     char characters[4];  // room + 1 of them
 };
+
+}  // namespace zel
 
 #endif

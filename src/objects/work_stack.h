@@ -9,6 +9,8 @@
 
 #include "base/memory.h"
 
+namespace zel {
+
 template <class Frame>
 class WorkStack {
     static_assert(std::is_trivially_copyable_v<Frame>);
@@ -46,5 +48,7 @@ private:
     std::size_t _size = 0;
     std::size_t _room = 0;
 };
+
+}  // namespace zel
 
 #endif

@@ -25,6 +25,8 @@
 #include "platform/native_path.h"
 #include "platform/system.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr char Separator = '\\';
@@ -146,7 +148,7 @@ void TAFileName::Normalize() noexcept {
 }
 
 ZELString TAFileName::GetNativeName() const noexcept {
-    return platform::NativePath(*this).Text();
+    return NativePath(*this).Text();
 }
 
 bool TAFileName::EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept {
@@ -240,22 +242,22 @@ TAFileName TAFileName::dirname(int n) const noexcept {
 }
 
 int TAFileName::IsFile() const noexcept {
-    return platform::KindOf(*this) == platform::PathKind::File ? 1 : 0;
+    return KindOf(*this) == PathKind::File ? 1 : 0;
 }
 
 int TAFileName::IsDirectory() const noexcept {
-    return platform::KindOf(*this) == platform::PathKind::Directory ? 1 : 0;
+    return KindOf(*this) == PathKind::Directory ? 1 : 0;
 }
 
 int TAFileName::Delete() const noexcept {
-    return IsNull() || platform::RemoveFile(*this) ? 0 : 1;
+    return IsNull() || RemoveFile(*this) ? 0 : 1;
 }
 int TAFileName::DeleteUnicode() const noexcept {
-    return IsNull() || platform::RemoveFileUnicode(*this) ? 0 : 1;
+    return IsNull() || RemoveFileUnicode(*this) ? 0 : 1;
 }
 
 int TAFileName::CreateDirectoryW() const noexcept {
-    return !IsNull() && (platform::MakeDirectory(*this) || IsDirectory()) ? 0 : 1;
+    return !IsNull() && (MakeDirectory(*this) || IsDirectory()) ? 0 : 1;
 }
 
 int TAFileName::CreateNotExistingDirectory() const noexcept {
@@ -297,9 +299,9 @@ TAFileName TAFileName::GetFullPath() const noexcept {
 }
 
 TAFileName TAFileName::GetTemporaryFileName() noexcept {
-    char path[platform::TemporaryPathSize];
-    const ZELString prefix = ZELString("TABase_") + toString(platform::GetOwnProcessId());
-    return platform::MakeTemporaryFile(prefix, path) ? TAFileName(path) : TAFileName();
+    char path[TemporaryPathSize];
+    const ZELString prefix = ZELString("TABase_") + toString(GetOwnProcessId());
+    return MakeTemporaryFile(prefix, path) ? TAFileName(path) : TAFileName();
 }
 
 TAFileName TAFileName::GetWorkDir() noexcept {

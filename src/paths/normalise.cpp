@@ -10,6 +10,8 @@
 #include <bit>
 #include <cstring>
 
+using namespace zel;
+
 namespace {
 
 constexpr char Separator = '\\';
@@ -130,7 +132,7 @@ std::size_t TakeBackComponents(char* text, std::size_t length) noexcept {
 
 }  // namespace
 
-std::size_t NormalisePath(char* text, std::size_t length) noexcept {
+std::size_t zel::NormalisePath(char* text, std::size_t length) noexcept {
     if (length == 0) return 0;
     if (TurnSlashes(text, length)) {
         length = TrimDots(text, CollapseSeparators(text, length));

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace zel {
+
 // The text must lie in a block that may be read and written up to the next multiple of this many bytes.
 inline constexpr std::size_t PathPadding = 16;
 
@@ -19,5 +21,7 @@ inline constexpr std::size_t PathPadding = 16;
 //   7. at least two characters that end with a backslash: that one goes, also behind a drive ("C:\" becomes "C:").
 // Linear; the same text again when applied twice.
 std::size_t NormalisePath(char* text, std::size_t length) noexcept;
+
+}  // namespace zel
 
 #endif

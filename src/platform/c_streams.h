@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string_view>
 
-namespace platform {
+namespace zel {
 
 // Opens a path value with a mode of fopen; null, with errno set, on failure and for a directory. Children do not
 // inherit the file.
@@ -42,6 +42,6 @@ struct LineRoom {
 // 0 to 255 is never met. 0 at the end, after a failure, and when memory ran out, which neither feof nor ferror tells.
 std::size_t ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room, bool& met) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 struct LocalTime {
     int year;    // the full one
@@ -25,6 +25,6 @@ bool ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept;
 // cannot convert the time or its text has another length, as beyond the year 9999.
 bool ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

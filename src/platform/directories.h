@@ -4,7 +4,7 @@
 
 #include <utility>
 
-namespace platform {
+namespace zel {
 
 enum class EntryKind { File, Directory, Link, Other };
 
@@ -39,6 +39,6 @@ private:
     void* _state = nullptr;
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

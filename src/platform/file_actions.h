@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-namespace platform {
+namespace zel {
 
 enum class PathKind {
     Missing,  // also when the system refuses to tell
@@ -30,6 +30,6 @@ constexpr std::size_t TemporaryPathSize = 4096;
 // process or thread; on Linux only the user may open the file. Nothing is left behind on failure.
 bool MakeTemporaryFile(const char* prefix, char (&path)[TemporaryPathSize]) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

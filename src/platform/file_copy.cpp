@@ -10,7 +10,9 @@
 #include "platform/native_path.h"
 #include "platform/system.h"
 
-platform::CopyStatus platform::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+using namespace zel;
+
+CopyStatus zel::CopyWholeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     if (from == nullptr || *from == '\0' || to == nullptr || *to == '\0') return CopyStatus::NullArgument;
     const NativePath nativeFrom(from);
     const NativePath nativeTo(to);
@@ -18,7 +20,7 @@ platform::CopyStatus platform::CopyWholeFile(const char* from, const char* to, b
     return CopyNativeFile(nativeFrom.Text(), nativeTo.Text(), replaceExisting);
 }
 
-void platform::MakeTemporaryName(char (&name)[TemporaryNameSize]) noexcept {
+void zel::MakeTemporaryName(char (&name)[TemporaryNameSize]) noexcept {
     static std::atomic<unsigned> next = 0;
     const unsigned number = next.fetch_add(1, std::memory_order_relaxed);
     const unsigned process = static_cast<unsigned>(GetOwnProcessId());

@@ -2,7 +2,7 @@
 #ifndef PLATFORM_FILE_COPY_H
 #define PLATFORM_FILE_COPY_H
 
-namespace platform {
+namespace zel {
 
 // The result of a copy; the numbers that users see are ZELCopyStatus of ZELDirectory.h.
 enum class CopyStatus {
@@ -32,6 +32,6 @@ constexpr int TemporaryNameSize = 16;
 // may be taken already, by a file that another machine or an earlier process left: the caller then asks for another.
 void MakeTemporaryName(char (&name)[TemporaryNameSize]) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
-namespace platform {
+namespace zel {
 
 // Part of a file that is open, for calls of the system's that take bytes from there. Nobody else may touch them: when
 // others make the file shorter, bytes behind its new end are gone, and a program that looks at them dies, where a call
@@ -37,6 +37,6 @@ private:
     std::int64_t _begin = 0;  // where in the file the window begins
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 struct FileStatus {
     std::int64_t size;      // bytes; 0 for a directory
@@ -15,6 +15,6 @@ struct FileStatus {
 // Links are followed. False when there is nothing of that path, or the system refuses to tell.
 bool ReadFileStatus(const char* path, FileStatus& status) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

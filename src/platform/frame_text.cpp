@@ -10,14 +10,16 @@
 #include <cstdlib>
 #include <string_view>
 
-void platform::SetModule(FrameName& name, const char* path, std::uintptr_t offset) noexcept {
+using namespace zel;
+
+void zel::SetModule(FrameName& name, const char* path, std::uintptr_t offset) noexcept {
     const std::size_t separator = std::string_view(path).find_last_of("/\\");
     const char* const file = separator == std::string_view::npos ? path : path + separator + 1;
     std::snprintf(name.module, sizeof name.module, "%s", file);
     name.moduleOffset = offset;
 }
 
-void platform::SetFunction(FrameName& name, const char* symbol, std::uintptr_t offset) noexcept {
+void zel::SetFunction(FrameName& name, const char* symbol, std::uintptr_t offset) noexcept {
     int status = -1;
     char* const readable = abi::__cxa_demangle(symbol, nullptr, nullptr, &status);
     // Without "_Z" a symbol that happens to spell a type, as "f" does, would come back as that type.

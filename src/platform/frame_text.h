@@ -6,7 +6,7 @@
 
 #include "platform/stack.h"
 
-namespace platform {
+namespace zel {
 
 // Keeps the last component of `path`.
 void SetModule(FrameName& name, const char* path, std::uintptr_t offset) noexcept;
@@ -14,6 +14,6 @@ void SetModule(FrameName& name, const char* path, std::uintptr_t offset) noexcep
 // Turns a symbol of the C++ ABI that g++ and clang++ share into its source form; keeps any other as it is.
 void SetFunction(FrameName& name, const char* symbol, std::uintptr_t offset) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 // The hardware address of a network adapter.
 struct AdapterAddress {
@@ -20,6 +20,6 @@ bool GetAdapterAddress(AdapterAddress& address) noexcept;
 // been here before" that costs one load. Null when the system has no such memory; then every call must ask.
 std::atomic<std::uint32_t>* GetProcessMark() noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -4,17 +4,20 @@
 
 #include <cstddef>
 
-namespace platform {
+namespace zel {
 
-// std::realloc, and the result is given back by std::free like any other; but a new block that is large lies so that
-// the system can fill it in few steps and reach any place of it fast. (Page faults are three quarters of the time that
-// reading 64 MiB takes, and a look-up among a million entries waits for the address of a page as long as for the page.)
-void* ResizeBlock(void* block, std::size_t size) noexcept;
+// Reallocate() of base/memory.h, hook included, for a block that may be large. A new large block is placed so that the
+// system fills it in few steps and reaches any address in it fast: page faults are three quarters of the time that
+// reading 64 MiB takes, and a look-up among a million entries waits for the address of a page as long as for the page.
+void* ResizeLargeBlock(void* block, std::size_t size) noexcept;
 
-// What a block may have in advance, for no more reason than that somebody says it will be needed: anything where a
-// block takes memory only as it is filled, else a bounded size.
+// A new block of zeros that may be large.
+void* AllocateLargeZeroed(std::size_t size) noexcept;
+
+// The largest block that may be allocated before its contents have arrived, because a file claims to have that size:
+// no limit where a block uses memory only as it is filled.
 extern const std::size_t MostInAdvance;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace platform {
+namespace zel {
 
 // Owned by a thread, which may lock it several times and unlocks it as often. It is there as long as a process has it
 // open; the system closes what dead processes had open. Not inherited by programs that this one starts.
@@ -37,6 +37,6 @@ private:
     State* _state = nullptr;  // null when unusable
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -6,7 +6,7 @@
 #ifndef PLATFORM_NATIVE_PATH_H
 #define PLATFORM_NATIVE_PATH_H
 
-namespace platform {
+namespace zel {
 
 // The form of one path that the system's calls take. Keeps the caller's text where nothing has to change in it, so the
 // text must outlive the object.
@@ -29,6 +29,6 @@ private:
 // Turns a path of the system into a path value, in place and of the same length.
 void ToPathValue(char* nativePath) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-namespace platform {
+namespace zel {
 
 inline constexpr std::size_t ImagePathSize = 260;
 
@@ -16,6 +16,6 @@ bool ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept;
 // form, neither empty nor a root. False when its drive does not exist or memory ran out. The caller frees `prefix`.
 bool MakeImagePrefix(const char* directory, char*& prefix) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

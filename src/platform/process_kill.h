@@ -6,7 +6,7 @@
 #include "ZELPlatformTypes.h"
 #include "platform/process_table.h"
 
-namespace platform {
+namespace zel {
 
 // Ends a process by force; `exitCode` is what it ends with (Linux: not used). False when it has ended or is somebody
 // else by now, or when the system refuses.
@@ -50,6 +50,6 @@ private:
 // As SetPrivilege of TAProcessKill.h.
 bool SetTokenPrivilege(void* token, const unsigned short* name, bool enable) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <utility>
 
-namespace platform {
+namespace zel {
 
 // A file that a child gets for standard streams. Never inherited by accident. Paths are path values; see native_path.h.
 class ChildFile {
@@ -84,6 +84,6 @@ bool Launch(const char* line, const ChildFile& input, const ChildFile& output, C
 // Makes RemoteKill=NO the caller's. Safe beside threads that read the environment, unless others change it.
 void ResetRemoteKill() noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -5,7 +5,7 @@
 #include <climits>
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 // A process for as long as the system runs: numbers are given again, but not to somebody of the same birth.
 struct ProcessIdentity {
@@ -41,6 +41,6 @@ bool VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), voi
 // Seconds since 1970, on Windows with the shifts that GetEpochStartTimeOfProcess tells; false when it cannot be told.
 bool GetStartTime(int pid, std::int64_t& seconds) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -8,7 +8,7 @@
 
 #include "platform/c_streams.h"
 
-namespace platform {
+namespace zel {
 
 // `next` gives the next byte, or EOF.
 template <class Next>
@@ -30,6 +30,6 @@ std::size_t ReadBytes(Next next, int delimiter, std::size_t most, LineRoom& room
     return count;
 }
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -9,10 +9,9 @@
 
 #include "platform/sockets.h"
 
-namespace {
+namespace zel {
 
-using platform::AddressFamily;
-using platform::NetworkAddress;
+namespace {
 
 const sockaddr* SystemForm(const NetworkAddress& address) noexcept {
     return reinterpret_cast<const sockaddr*>(address.bytes);
@@ -34,9 +33,9 @@ NetworkAddress ToAddress(const addrinfo& found) noexcept {
 
 }  // namespace
 
-const int platform::UnknownService = EAI_SERVICE;
+const int UnknownService = EAI_SERVICE;
 
-int platform::ResolveAddresses(const char* host, int port, Purpose purpose, AddressList& list) noexcept {
+int ResolveAddresses(const char* host, int port, Purpose purpose, AddressList& list) noexcept {
     addrinfo hints = {};
     hints.ai_family = purpose == Purpose::ConnectByIPv4 ? AF_INET : AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;
@@ -59,7 +58,7 @@ int platform::ResolveAddresses(const char* host, int port, Purpose purpose, Addr
     return list.items != nullptr ? 0 : EAI_MEMORY;
 }
 
-NetworkAddress platform::AnyIPv4Address(int port) noexcept {
+NetworkAddress AnyIPv4Address(int port) noexcept {
     sockaddr_in any = {};
     any.sin_family = AF_INET;
     any.sin_addr.s_addr = htonl(INADDR_ANY);
@@ -72,19 +71,19 @@ NetworkAddress platform::AnyIPv4Address(int port) noexcept {
     return address;
 }
 
-bool platform::WriteNumericAddress(const NetworkAddress& address, char (&text)[128]) noexcept {
+bool WriteNumericAddress(const NetworkAddress& address, char (&text)[128]) noexcept {
     return getnameinfo(SystemForm(address), static_cast<socklen_t>(address.size), text, sizeof text, nullptr, 0,
                        NI_NUMERICHOST) == 0;
 }
 
-bool platform::IsLinkLocal(const NetworkAddress& address) noexcept {
+bool IsLinkLocal(const NetworkAddress& address) noexcept {
     if (address.family != AddressFamily::IPv6) return false;
     sockaddr_in6 form;
     std::memcpy(&form, address.bytes, sizeof form);
     return IN6_IS_ADDR_LINKLOCAL(&form.sin6_addr) != 0;
 }
 
-int platform::Socket::Port() const noexcept {
+int Socket::Port() const noexcept {
     sockaddr_storage name = {};
     SocketLength size = sizeof name;
     if (getsockname(static_cast<NativeSocket>(_number), reinterpret_cast<sockaddr*>(&name), &size) != 0) return 0;
@@ -92,5 +91,7 @@ int platform::Socket::Port() const noexcept {
                                                  : reinterpret_cast<const sockaddr_in&>(name).sin_port;
     return ntohs(port);
 }
+
+}  // namespace zel
 
 #endif

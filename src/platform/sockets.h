@@ -10,7 +10,7 @@
 #include <memory>
 #include <utility>
 
-namespace platform {
+namespace zel {
 
 // Starts the system's socket library at the first call; false when it has none, and then no socket can be made.
 bool StartSockets() noexcept;
@@ -122,6 +122,6 @@ private:
     std::int64_t _receiveLimit = -1;  // what the system was told last; below 0: nothing
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

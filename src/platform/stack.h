@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 // Writes up to `limit` return addresses, innermost first, and returns their number; 0 when the system gives none.
 // `skip` frames are left out before: 0 begins with the function that called this one. At most 200 in all are walked.
@@ -20,6 +20,6 @@ struct FrameName {
 // Finds out what an address belongs to. Slow; safe from every thread.
 void DescribeFrame(const void* address, FrameName& name) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

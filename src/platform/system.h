@@ -6,7 +6,7 @@
 
 #include "ZELPlatformTypes.h"
 
-namespace platform {
+namespace zel {
 
 // Writes the host name with its terminator; false when the system gives none that fits.
 bool GetHost(char* name, std::size_t size) noexcept;
@@ -38,6 +38,6 @@ const char* GetEnvironment(const char* name) noexcept;
 // Windows.
 bool PutEnvironment(const char* assignment) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

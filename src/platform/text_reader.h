@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <utility>
 
-namespace platform {
+namespace zel {
 
 // Opens `path` as an unbuffered text stream for writing, made if missing (Linux: mode 0666 less the umask), emptied
 // first unless `append`; in append mode every write goes to the end of that moment. Children do not inherit it. Null on
@@ -43,6 +43,6 @@ private:
     std::int64_t _size = 0;
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

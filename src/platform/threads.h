@@ -2,7 +2,7 @@
 #ifndef PLATFORM_THREADS_H
 #define PLATFORM_THREADS_H
 
-namespace platform {
+namespace zel {
 
 // The system's number of the calling thread, never 0.
 unsigned int CurrentThreadId() noexcept;
@@ -20,6 +20,6 @@ bool StartThread(void (*body)(void* argument), void* argument) noexcept;
 // unloading would not wait for. A program that has the library inside itself is not changed.
 void KeepLibraryLoaded() noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

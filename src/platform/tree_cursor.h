@@ -8,7 +8,7 @@
 
 #include "platform/directories.h"
 
-namespace platform {
+namespace zel {
 
 class TreeCursor {
 public:
@@ -51,6 +51,6 @@ private:
     State* _state = nullptr;
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

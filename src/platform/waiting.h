@@ -11,7 +11,7 @@
 #include <atomic>
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 // Sleeps while `word` holds `value`, or returns at once when it does not. May return early for no reason: callers look
 // at the word again.
@@ -22,6 +22,6 @@ void WaitOnWord(const std::atomic<std::uint32_t>& word, std::uint32_t value) noe
 void WakeOne(const std::atomic<std::uint32_t>& word) noexcept;
 void WakeAll(const std::atomic<std::uint32_t>& word) noexcept;
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -17,6 +17,8 @@
 #include "platform/process_table.h"
 #include "process/child_ledger.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr int MostProcesses = 1000;
@@ -24,8 +26,8 @@ constexpr int MostProcesses = 1000;
 using Text = std::unique_ptr<char, FreeBlock>;
 
 struct Task {
-    platform::ProcessIdentity process;
-    char image[platform::ImagePathSize];
+    ProcessIdentity process;
+    char image[ImagePathSize];
 };
 
 bool BeginsWith(std::string_view image, std::string_view prefix) noexcept {
@@ -41,7 +43,7 @@ Text PrefixOf(const char* dir) noexcept {
     const TAFileName directory(dir);
     const std::string_view text = directory.View();
     char* prefix = nullptr;
-    if (text.empty() || text == "\\" || IsDrive(text) || !platform::MakeImagePrefix(directory, prefix)) return nullptr;
+    if (text.empty() || text == "\\" || IsDrive(text) || !MakeImagePrefix(directory, prefix)) return nullptr;
     return Text(prefix);
 }
 
@@ -50,20 +52,18 @@ class Scan {
 public:
     explicit Scan(const char* prefix) noexcept : _prefix(prefix) {
         if (prefix == nullptr) return;
-        const auto visit = [](const platform::ProcessEntry& entry, void* scan) {
-            static_cast<Scan*>(scan)->Look(entry.self);
-        };
-        if (!platform::VisitProcesses(visit, this) || _visited > MostProcesses) _found = 0;
+        const auto visit = [](const ProcessEntry& entry, void* scan) { static_cast<Scan*>(scan)->Look(entry.self); };
+        if (!VisitProcesses(visit, this) || _visited > MostProcesses) _found = 0;
     }
 
     int Size() const noexcept { return _found; }
     const Task& operator[](int i) const noexcept { return _tasks.get()[i]; }
 
 private:
-    void Look(const platform::ProcessIdentity& process) noexcept {
+    void Look(const ProcessIdentity& process) noexcept {
         if (++_visited > MostProcesses) return;
         Task task = {process, {}};
-        if (!platform::ReadProcessImage(process.pid, task.image)) return;
+        if (!ReadProcessImage(process.pid, task.image)) return;
         const std::string_view image(task.image);
         const bool isProgram = image.find(".exe") != image.npos || image.find(".EXE") != image.npos;
         if (!isProgram || !BeginsWith(image, _prefix)) return;
@@ -111,7 +111,7 @@ bool TAInsTaskList::Add(int pid, __int64 born, const char* image) noexcept {
         ReportAllocFailure("TAInsTaskList", NameSize);
         return false;
     }
-    static_assert(NameSize == platform::ImagePathSize);
+    static_assert(NameSize == ImagePathSize);
     std::memcpy(name, image, NameSize);
     _names[_count] = name;
     _pids[_count] = pid;

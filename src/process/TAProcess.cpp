@@ -17,6 +17,8 @@
 #include "process/child_ledger.h"
 #include "process/process_tree.h"
 
+using namespace zel;
+
 namespace {
 
 enum Status { NoChild = 201, CannotTell = 202, NoProcess = 203, StillRuns = 259 };
@@ -36,15 +38,15 @@ ZELString BatchLine(ZELString line) {
 }  // namespace
 
 struct TAProcess::Target {
-    platform::ProcessIdentity process;  // pid 0 when the object stands for nobody who could be hit
+    ProcessIdentity process;  // pid 0 when the object stands for nobody who could be hit
     bool isOver;
 };
 
 TAProcess::TAProcess() noexcept : _message("no error") {}
 
 TAProcess::TAProcess(int& pid) noexcept : _message("no error"), _pid(pid) {
-    platform::ProcessEntry entry;
-    if (platform::ReadProcess(pid, entry)) _born = entry.self.born;
+    ProcessEntry entry;
+    if (ReadProcess(pid, entry)) _born = entry.self.born;
 }
 
 TAProcess::TAProcess(const TAProcess&) noexcept = default;
@@ -77,17 +79,16 @@ int TAProcess::Start(ZELString command, int) noexcept {
 }
 
 int TAProcess::Launch(const ZELString& line) noexcept {
-    platform::ChildFile input, output;
+    ChildFile input, output;
     if (_output.Length() > 0 && !output.OpenForWriting(_output)) return Fail("Unable to redirect output in ", _output);
     if (_input.Length() > 0 && !input.OpenForReading(_input)) return Fail("Unable to redirect input in ", _input);
     std::shared_ptr<TAChild> child = MakeChild();
     if (!child) return Fail("Not enough memory");
-    platform::ChildProcess process;
-    platform::LaunchFailure failure;
-    bool isStarted = platform::Launch(line, input, output, process, failure);
-    if (!isStarted && !failure.isTooLong)
-        isStarted = platform::Launch(BatchLine(line), input, output, process, failure);
-    platform::ResetRemoteKill();
+    ChildProcess process;
+    LaunchFailure failure;
+    bool isStarted = zel::Launch(line, input, output, process, failure);
+    if (!isStarted && !failure.isTooLong) isStarted = zel::Launch(BatchLine(line), input, output, process, failure);
+    ResetRemoteKill();
     if (!isStarted) return Fail(failure.text);
     _pid = process.Pid();
     _born = 0;
@@ -136,30 +137,30 @@ int TAProcess::Kill() noexcept {
 
 int TAProcess::KillTree() noexcept {
     if (_pid == 0) return -1;
-    const platform::ProcessIdentity root = TheTarget().process;
+    const ProcessIdentity root = TheTarget().process;
     if (root.pid == 0) return 1;
-    const platform::DebugPrivilege privilege;
+    const DebugPrivilege privilege;
     return KillProcessTree(root, true);
 }
 
 int TAProcess::GetProcessTree(ZELListValZELString& list) noexcept {
     if (_pid == 0) return -1;
     if (list.Size() == 0) list.Append(toString(_pid));
-    platform::DebugPrivilege privilege;
+    DebugPrivilege privilege;
     privilege.Keep();
     ProcessEntries all;
     if (!ListProcesses(all)) KillAndNote(TheTarget().process, ForcedExitCode);
-    for (const platform::ProcessEntry& entry : all) {
+    for (const ProcessEntry& entry : all) {
         const ZELString number = toString(entry.self.pid);
         if (list.Locate(number) != 0 || list.Locate(toString(entry.parent)) == 0) continue;
-        const platform::ProcessEntry* const parent = all.Find(entry.parent);
+        const ProcessEntry* const parent = all.Find(entry.parent);
         if (parent == nullptr || CanBeChild(entry, *parent)) list.Append(number);
     }
     return 0;
 }
 
 int TAProcess::Getpid() noexcept {
-    return platform::GetOwnProcessId();
+    return GetOwnProcessId();
 }
 
 int TAProcess::Exec(ZELString command) noexcept {

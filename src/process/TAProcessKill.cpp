@@ -10,7 +10,7 @@
 #include "process/polite_end.h"
 #include "process/process_tree.h"
 
-using platform::Anybody;
+using namespace zel;
 
 int KillPid(unsigned long pid, unsigned int exitCode) noexcept {
     return KillAndNote(Anybody(pid), exitCode) ? 1 : 0;
@@ -22,33 +22,33 @@ int CloseOrKillPid(unsigned long pid) noexcept {
 
 int KillBaseProcess(unsigned long pid, const int& forceOnly) noexcept {
     if (pid == 0) return -1;
-    const platform::DebugPrivilege privilege;
+    const DebugPrivilege privilege;
     const int killed = forceOnly != 0 ? KillPid(pid, ForcedExitCode) : CloseOrKillPid(pid);
     return killed == 1 ? 0 : 1;
 }
 
 int KillBaseProcessTree(unsigned long pid, const int& forceOnly) noexcept {
     if (pid == 0) return -1;
-    const platform::ProcessIdentity root = Anybody(pid);
+    const ProcessIdentity root = Anybody(pid);
     if (root.pid == 0) return 1;
-    const platform::DebugPrivilege privilege;
+    const DebugPrivilege privilege;
     return KillProcessTree(root, forceOnly != 0);
 }
 
 int SetPrivilege(void* token, const unsigned short* name, int enable) noexcept {
-    return name != nullptr && platform::SetTokenPrivilege(token, name, enable != 0) ? 1 : 0;
+    return name != nullptr && SetTokenPrivilege(token, name, enable != 0) ? 1 : 0;
 }
 
 int TAGetParentProcessId(unsigned long pid, unsigned long& parent) noexcept {
-    platform::ProcessEntry entry;
-    if (!platform::ReadProcess(Anybody(pid).pid, entry)) return 0;
+    ProcessEntry entry;
+    if (!ReadProcess(Anybody(pid).pid, entry)) return 0;
     parent = static_cast<unsigned long>(entry.parent);
     return 1;
 }
 
 int GetEpochStartTimeOfProcess(int pid, __int64& start) noexcept {
     std::int64_t seconds = 0;
-    if (!platform::GetStartTime(pid, seconds)) return 1;
+    if (!GetStartTime(pid, seconds)) return 1;
     start = seconds;
     return 0;
 }

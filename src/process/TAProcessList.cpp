@@ -17,6 +17,8 @@
 #include "base/failure_report.h"
 #include "process/process_tree.h"
 
+using namespace zel;
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -52,8 +54,8 @@ struct TAProcessList::Entry {
     bool IsLate(Clock::time_point now) const noexcept { return status == Running && deadline != 0 && now >= end; }
     // A child that runs, which the process object keeps open: its number is nobody else's.
     void AddRoot(ProcessEntries& roots) const noexcept {
-        platform::ProcessEntry root;
-        if (platform::ReadProcess(process.GetprocessID(), root) && !root.hasEnded) roots.Append(root);
+        ProcessEntry root;
+        if (ReadProcess(process.GetprocessID(), root) && !root.hasEnded) roots.Append(root);
     }
     void AddLate(Clock::time_point now, ProcessEntries& roots) const noexcept {
         if (IsLate(now)) AddRoot(roots);

@@ -14,6 +14,8 @@
 #include "base/failure_report.h"
 #include "platform/process_kill.h"
 
+using namespace zel;
+
 namespace {
 
 struct Ledger {
@@ -45,17 +47,17 @@ Ledger& TheLedger() noexcept {
 
 // All functions from here to the end of the namespace run under the lock.
 
-int ExitCodeOf(const TAChild& child, const platform::ChildEnd& end) noexcept {
-    if (end.how == platform::ChildEnd::Killed && child.wasKilled) return child.killCode;
-    if (end.how == platform::ChildEnd::AskedToEnd && child.wasAsked) return static_cast<int>(ForcedExitCode);
+int ExitCodeOf(const TAChild& child, const ChildEnd& end) noexcept {
+    if (end.how == ChildEnd::Killed && child.wasKilled) return child.killCode;
+    if (end.how == ChildEnd::AskedToEnd && child.wasAsked) return static_cast<int>(ForcedExitCode);
     return end.code;
 }
 
 ChildState Look(TAChild& child) noexcept {
     if (child.isOver) return ChildState::Over;
-    platform::ChildEnd end;
+    ChildEnd end;
     if (!child.process.GetEnd(end)) return ChildState::Untold;
-    if (end.how == platform::ChildEnd::Running) return ChildState::Running;
+    if (end.how == ChildEnd::Running) return ChildState::Running;
     child.isOver = true;
     child.exitCode = ExitCodeOf(child, end);
     return ChildState::Over;
@@ -70,7 +72,7 @@ void GiveBack(TAChild& child) noexcept {
 
 }  // namespace
 
-std::shared_ptr<TAChild> MakeChild() noexcept {
+std::shared_ptr<TAChild> zel::MakeChild() noexcept {
     try {
         return std::make_shared<TAChild>();
     } catch (const std::bad_alloc&) {
@@ -79,7 +81,7 @@ std::shared_ptr<TAChild> MakeChild() noexcept {
     }
 }
 
-void EnterChild(const std::shared_ptr<TAChild>& child, platform::ChildProcess process) noexcept {
+void zel::EnterChild(const std::shared_ptr<TAChild>& child, ChildProcess process) noexcept {
     const std::lock_guard guard(TheLedger().lock);
     child->process = std::move(process);
     child->isOpen = true;
@@ -87,7 +89,7 @@ void EnterChild(const std::shared_ptr<TAChild>& child, platform::ChildProcess pr
     TheLedger().Link(*child);
 }
 
-void ReapDroppedChildren() noexcept {
+void zel::ReapDroppedChildren() noexcept {
     const std::lock_guard guard(TheLedger().lock);
     for (TAChild *child = TheLedger().first, *next = nullptr; child != nullptr; child = next) {
         next = child->next;
@@ -95,7 +97,7 @@ void ReapDroppedChildren() noexcept {
     }
 }
 
-ChildState LookAtChild(TAChild& child, int& exitCode) noexcept {
+ChildState zel::LookAtChild(TAChild& child, int& exitCode) noexcept {
     const std::lock_guard guard(TheLedger().lock);
     if (!child.isOpen) return ChildState::NotOpen;
     const ChildState state = Look(child);
@@ -103,7 +105,7 @@ ChildState LookAtChild(TAChild& child, int& exitCode) noexcept {
     return state;
 }
 
-ChildState AwaitChild(TAChild& child, int& exitCode) noexcept {
+ChildState zel::AwaitChild(TAChild& child, int& exitCode) noexcept {
     std::unique_lock guard(TheLedger().lock);
     if (!child.isOpen) return ChildState::NotOpen;
     if (!child.isOver) {
@@ -119,23 +121,23 @@ ChildState AwaitChild(TAChild& child, int& exitCode) noexcept {
     return state;
 }
 
-void CloseChild(TAChild& child) noexcept {
+void zel::CloseChild(TAChild& child) noexcept {
     const std::lock_guard guard(TheLedger().lock);
     child.isOpen = false;
     if (child.waiters == 0 && child.self) GiveBack(child);
 }
 
-platform::ProcessIdentity IdentityOfChild(TAChild& child) noexcept {
+ProcessIdentity zel::IdentityOfChild(TAChild& child) noexcept {
     const std::lock_guard guard(TheLedger().lock);
-    platform::ProcessEntry entry = {{child.process.Pid(), 0}};
+    ProcessEntry entry = {{child.process.Pid(), 0}};
     if (!child.isOpen) return {0, 0};
-    platform::ReadProcess(entry.self.pid, entry);
+    ReadProcess(entry.self.pid, entry);
     return entry.self;
 }
 
-bool KillAndNote(const platform::ProcessIdentity& process, unsigned int exitCode) noexcept {
+bool zel::KillAndNote(const ProcessIdentity& process, unsigned int exitCode) noexcept {
     const std::lock_guard guard(TheLedger().lock);
-    if (!platform::KillProcess(process, exitCode)) return false;
+    if (!KillProcess(process, exitCode)) return false;
     TAChild* const child = TheLedger().Find(process.pid);
     if (child == nullptr || child->wasKilled) return true;
     child->wasKilled = true;
@@ -143,7 +145,7 @@ bool KillAndNote(const platform::ProcessIdentity& process, unsigned int exitCode
     return true;
 }
 
-void NoteRequest(const platform::ProcessIdentity& process) noexcept {
+void zel::NoteRequest(const ProcessIdentity& process) noexcept {
     const std::lock_guard guard(TheLedger().lock);
     TAChild* const child = TheLedger().Find(process.pid);
     if (child != nullptr) child->wasAsked = true;

@@ -7,9 +7,11 @@
 #include "platform/process_launch.h"
 #include "platform/process_table.h"
 
+namespace zel {
+
 // What the copies of a process object know together. Guarded by the ledger's lock.
 struct TAChild {
-    platform::ChildProcess process;
+    ChildProcess process;
     bool isOpen = false;    // false: somebody saw the end
     bool isOver = false;    // the end is known, and `exitCode` with it
     bool wasAsked = false;  // to end
@@ -28,7 +30,7 @@ enum class ChildState { Running, Over, NotOpen, Untold };
 // Null when memory ran out (said on standard output).
 std::shared_ptr<TAChild> MakeChild() noexcept;
 // Begins to keep a child that has just been started.
-void EnterChild(const std::shared_ptr<TAChild>& child, platform::ChildProcess process) noexcept;
+void EnterChild(const std::shared_ptr<TAChild>& child, ChildProcess process) noexcept;
 // Forgets the children that no object stands for and that are over.
 void ReapDroppedChildren() noexcept;
 
@@ -38,14 +40,16 @@ ChildState LookAtChild(TAChild& child, int& exitCode) noexcept;
 ChildState AwaitChild(TAChild& child, int& exitCode) noexcept;
 void CloseChild(TAChild& child) noexcept;
 // Pid 0 for one that is not open.
-platform::ProcessIdentity IdentityOfChild(TAChild& child) noexcept;
+ProcessIdentity IdentityOfChild(TAChild& child) noexcept;
 
 // Ends a process, whoever started it; one of ours then has that exit code on both targets. False when the system
 // refuses, or the process is over.
-bool KillAndNote(const platform::ProcessIdentity& process, unsigned int exitCode) noexcept;
+bool KillAndNote(const ProcessIdentity& process, unsigned int exitCode) noexcept;
 // Notes that a process is about to be asked to end: one of ours that dies of it has the exit code of a forced end.
-void NoteRequest(const platform::ProcessIdentity& process) noexcept;
+void NoteRequest(const ProcessIdentity& process) noexcept;
 
 constexpr unsigned int ForcedExitCode = 999;
+
+}  // namespace zel
 
 #endif

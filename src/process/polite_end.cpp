@@ -7,9 +7,9 @@
 #include "platform/process_kill.h"
 #include "process/child_ledger.h"
 
-namespace {
+using namespace zel;
 
-using platform::ProcessIdentity;
+namespace {
 
 struct PoliteEnd {
     ProcessIdentity process;
@@ -26,24 +26,24 @@ int Force(const ProcessIdentity& process) {
 }  // namespace
 
 int EnumWindowsProc(HWND window, unsigned long pid) noexcept {
-    ProcessIdentity process = platform::Anybody(pid);
+    ProcessIdentity process = Anybody(pid);
     if (process.pid == polite.process.pid) process = polite.process;
     if (process.pid == 0) return 1;
-    const platform::Answer answer = platform::AskToEnd(window, process);
-    if (answer == platform::Answer::NotIts) return 1;
+    const Answer answer = AskToEnd(window, process);
+    if (answer == Answer::NotIts) return 1;
     polite.isFound = true;
-    if (answer == platform::Answer::Ended)
+    if (answer == Answer::Ended)
         polite.result = 1;
     else
-        polite.result = answer == platform::Answer::Unknown ? 0 : Force(process);
+        polite.result = answer == Answer::Unknown ? 0 : Force(process);
     return 0;
 }
 
-int EndPolitely(const ProcessIdentity& process) noexcept {
+int zel::EndPolitely(const ProcessIdentity& process) noexcept {
     if (process.pid <= 0) return 0;
     NoteRequest(process);
     polite = {process, false, 0};
-    platform::VisitWindows(EnumWindowsProc, static_cast<unsigned long>(process.pid));
+    VisitWindows(EnumWindowsProc, static_cast<unsigned long>(process.pid));
     const PoliteEnd outcome = polite;
     polite = {};
     return outcome.isFound ? outcome.result : Force(process);

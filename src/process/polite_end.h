@@ -4,7 +4,11 @@
 
 #include "platform/process_table.h"
 
+namespace zel {
+
 // As CloseOrKillPid of TAProcessKill.h, for one certain process.
-int EndPolitely(const platform::ProcessIdentity& process) noexcept;
+int EndPolitely(const ProcessIdentity& process) noexcept;
+
+}  // namespace zel
 
 #endif

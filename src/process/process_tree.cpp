@@ -22,7 +22,7 @@
 #include "process/child_ledger.h"
 #include "process/polite_end.h"
 
-using platform::ProcessEntry;
+using namespace zel;
 
 ProcessEntries::~ProcessEntries() {
     std::free(_entries);
@@ -58,16 +58,16 @@ void ProcessEntries::Sort() noexcept {
     });
 }
 
-bool ListProcesses(ProcessEntries& all) noexcept {
+bool zel::ListProcesses(ProcessEntries& all) noexcept {
     const auto append = [](const ProcessEntry& entry, void* to) { static_cast<ProcessEntries*>(to)->Append(entry); };
-    const bool isListed = platform::VisitProcesses(append, &all);
+    const bool isListed = VisitProcesses(append, &all);
     all.Sort();
     return isListed;
 }
 
 namespace {
 
-bool End(const platform::ProcessIdentity& process, bool forceOnly) {
+bool End(const ProcessIdentity& process, bool forceOnly) {
     return forceOnly ? KillAndNote(process, ForcedExitCode) : EndPolitely(process) == 1;
 }
 
@@ -95,7 +95,7 @@ private:
     void Kill(const ProcessEntry& entry) noexcept;
 
     const bool _forceOnly;
-    const int _caller = platform::GetOwnProcessId();
+    const int _caller = GetOwnProcessId();
     ProcessEntries _members;
     ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
     int _next = 0;
@@ -108,12 +108,12 @@ private:
 void ProcessTree::Kill(const ProcessEntry& entry) noexcept {
     const bool isKilled = End(entry.self, _forceOnly);
     const bool isRoot = entry.self.pid == _members[0].self.pid;
-    if (isKilled || (_forceOnly && !isRoot && platform::AwaitProcessEnd(entry.self, 0))) ++_killed;
+    if (isKilled || (_forceOnly && !isRoot && AwaitProcessEnd(entry.self, 0))) ++_killed;
 }
 
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
     if (!_members.Append(entry) || entry.self.pid == _caller) return;
-    const bool canWait = !_forceOnly || platform::HoldProcess(entry.self);
+    const bool canWait = !_forceOnly || HoldProcess(entry.self);
     if (!canWait || !_waiting.Append(entry)) Kill(entry);
 }
 
@@ -134,7 +134,7 @@ bool ProcessTree::Look() noexcept {
     const auto consider = [](const ProcessEntry& entry, void* tree) {
         static_cast<ProcessTree*>(tree)->Consider(entry);
     };
-    return platform::VisitProcesses(consider, this);
+    return VisitProcesses(consider, this);
 }
 
 bool ProcessTree::KillOthers() noexcept {
@@ -161,9 +161,9 @@ bool ProcessTree::KillOthers() noexcept {
 
 void ProcessTree::AwaitEnds() const noexcept {
     constexpr int LongestWait = 2000;
-    const platform::Deadline deadline(LongestWait);
+    const Deadline deadline(LongestWait);
     for (const ProcessEntry& member : _members)
-        if (member.self.pid != _caller) platform::AwaitProcessEnd(member.self, deadline.Left());
+        if (member.self.pid != _caller) AwaitProcessEnd(member.self, deadline.Left());
 }
 
 void ProcessTree::KillCaller() noexcept {
@@ -186,13 +186,13 @@ bool ProcessTree::KillAll() noexcept {
 
 }  // namespace
 
-int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept {
+int zel::KillProcessTree(const ProcessIdentity& root, bool forceOnly) noexcept {
     ProcessEntry entry = {root};
     const bool isThere =
-        platform::ReadProcess(root.pid, entry) && !entry.hasEnded && (root.born == 0 || root.born == entry.self.born);
+        ReadProcess(root.pid, entry) && !entry.hasEnded && (root.born == 0 || root.born == entry.self.born);
     if (!isThere) {
         const auto ignore = [](const ProcessEntry&, void*) {};
-        if (!platform::VisitProcesses(ignore, nullptr)) End(root, forceOnly);  // nobody at all is in sight
+        if (!VisitProcesses(ignore, nullptr)) End(root, forceOnly);  // nobody at all is in sight
         return 1;
     }
     ProcessTree tree(forceOnly);
@@ -201,7 +201,7 @@ int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexc
     return isListed && tree.IsKilled() ? 0 : 1;
 }
 
-void KillProcessTrees(const ProcessEntries& roots) noexcept {
+void zel::KillProcessTrees(const ProcessEntries& roots) noexcept {
     ProcessTree tree(true);
     for (const ProcessEntry& root : roots) tree.Enter(root);
     tree.KillAll();

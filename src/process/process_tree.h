@@ -4,6 +4,8 @@
 
 #include "platform/process_table.h"
 
+namespace zel {
+
 // A growing list of processes. When memory runs out, what does not fit is left out (said on standard output).
 class ProcessEntries {
 public:
@@ -13,24 +15,24 @@ public:
     ~ProcessEntries();
 
     int Size() const noexcept { return _size; }
-    const platform::ProcessEntry& operator[](int index) const noexcept { return _entries[index]; }
-    const platform::ProcessEntry* begin() const noexcept { return _entries; }
-    const platform::ProcessEntry* end() const noexcept { return _entries + _size; }
+    const ProcessEntry& operator[](int index) const noexcept { return _entries[index]; }
+    const ProcessEntry* begin() const noexcept { return _entries; }
+    const ProcessEntry* end() const noexcept { return _entries + _size; }
     // False when memory ran out.
-    bool Append(const platform::ProcessEntry& entry) noexcept;
+    bool Append(const ProcessEntry& entry) noexcept;
     // The last one of that number; null when there is none.
-    const platform::ProcessEntry* Find(int pid) const noexcept;
+    const ProcessEntry* Find(int pid) const noexcept;
     // By birth, then by number, so that a process stands behind its parent.
     void Sort() noexcept;
 
 private:
-    platform::ProcessEntry* _entries = nullptr;  // malloc'd
+    ProcessEntry* _entries = nullptr;  // malloc'd
     int _size = 0;
     int _room = 0;
 };
 
 // Whether a process that names `parent` as its parent can be its child: nobody is older than who started him.
-inline bool CanBeChild(const platform::ProcessEntry& child, const platform::ProcessEntry& parent) noexcept {
+inline bool CanBeChild(const ProcessEntry& child, const ProcessEntry& parent) noexcept {
     return child.self.born >= parent.self.born;
 }
 
@@ -38,9 +40,11 @@ inline bool CanBeChild(const platform::ProcessEntry& child, const platform::Proc
 bool ListProcesses(ProcessEntries& all) noexcept;
 
 // As KillBaseProcessTree of TAProcessKill.h, for one certain process.
-int KillProcessTree(const platform::ProcessIdentity& root, bool forceOnly) noexcept;
+int KillProcessTree(const ProcessIdentity& root, bool forceOnly) noexcept;
 
 // Ends several trees by force, together: most of the cost is in looking at all processes.
 void KillProcessTrees(const ProcessEntries& roots) noexcept;
+
+}  // namespace zel
 
 #endif

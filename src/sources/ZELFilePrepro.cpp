@@ -12,6 +12,8 @@
 #include "base/memory.h"
 #include "sources/source_scanner.h"
 
+using namespace zel;
+
 namespace {
 
 char* MakeBlock(std::size_t length) noexcept {

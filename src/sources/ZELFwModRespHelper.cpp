@@ -22,6 +22,8 @@
 #include "base/memory.h"
 #include "base/shared_body.h"
 
+using namespace zel;
+
 namespace {
 
 struct Framework {
@@ -31,20 +33,16 @@ struct Framework {
     ZELHashSCMap modules;  // to codes
 };
 
-char* CopyText(std::string_view text) noexcept {
-    char* const copy = static_cast<char*>(Allocate(text.size() + 1));
-    if (copy == nullptr) {
-        ReportAllocFailure("ZELFwModRespHelper", text.size() + 1);
-        return nullptr;
-    }
-    if (!text.empty()) std::memcpy(copy, text.data(), text.size());
-    copy[text.size()] = '\0';
+// A copy of the text; null without memory, which is reported.
+char* CopyOf(std::string_view text) noexcept {
+    char* const copy = CopyText(text);
+    if (copy == nullptr) ReportAllocFailure("ZELFwModRespHelper", text.size() + 1);
     return copy;
 }
 
 // Gives a copy of `text` to the map under the key; false when memory ran out.
 bool InsertCopy(ZELHashSCMap& map, const ZELString& key, std::string_view text) noexcept {
-    char* const copy = CopyText(text);
+    char* const copy = CopyOf(text);
     if (copy != nullptr && map.insert(key, copy) != nullptr) return true;
     std::free(copy);
     return false;
@@ -147,7 +145,7 @@ void ZELFwModRespHelper::Shared::AddFramework(const Declaration& declaration, co
         Say({"# Error: fw ", declaration.declared, " referenced multiple time in file ", path, "\n"});
         return;
     }
-    char* const code = CopyText(UpperCase(declaration.code).View());
+    char* const code = CopyOf(UpperCase(declaration.code).View());
     Framework* const framework = code != nullptr ? NewObject<Framework>(code) : nullptr;
     if (framework != nullptr && frameworks->insert(ZELString(name), framework) != nullptr) return;
     if (code != nullptr && framework == nullptr) ReportAllocFailure("ZELFwModRespHelper", sizeof(Framework));

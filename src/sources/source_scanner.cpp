@@ -14,6 +14,8 @@
 
 #include "ZELFilePrepro.h"
 
+using namespace zel;
+
 namespace {
 
 class Scanner {
@@ -168,7 +170,7 @@ void Scanner::Strip(int removed) noexcept {
 
 }  // namespace
 
-std::size_t StripSource(const char* text, std::size_t length, int removed, char* output, bool& complete) noexcept {
+std::size_t zel::StripSource(const char* text, std::size_t length, int removed, char* output, bool& complete) noexcept {
     Scanner scanner(text, length, output);
     scanner.Strip(removed);
     complete = scanner.IsComplete();

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+namespace zel {
+
 // What may be read behind the text, and written behind the output.
 inline constexpr std::size_t SourceScannerSlack = 16;
 
@@ -11,5 +13,7 @@ inline constexpr std::size_t SourceScannerSlack = 16;
 // not overlap. Returns the length of the output, which is never more than `length`; nothing is put behind it.
 // `complete` tells whether the text ended outside of every element.
 std::size_t StripSource(const char* text, std::size_t length, int removed, char* output, bool& complete) noexcept;
+
+}  // namespace zel
 
 #endif

@@ -6,6 +6,8 @@
 
 #include "platform/text.h"
 
+using namespace zel;
+
 namespace {
 
 int IsCommentText(std::string_view line) noexcept {
@@ -57,7 +59,7 @@ TAFileName SearchConcatenation(ZELString name, ZELString directories) noexcept {
 
 int ZELToolsToUnicode(ZELString text, unsigned short* out, int capacity) noexcept {
     if (out == nullptr || capacity < 0) return 1;
-    const std::size_t units = platform::ToUtf16(text.View(), out, static_cast<std::size_t>(capacity));
+    const std::size_t units = ToUtf16(text.View(), out, static_cast<std::size_t>(capacity));
     out[units] = 0;
     return units > 0 ? 0 : 1;
 }

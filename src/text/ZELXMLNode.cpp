@@ -18,6 +18,8 @@
 #include "base/failure_report.h"
 #include "text/xml_text.h"
 
+using namespace zel;
+
 ZELXMLNodeListener::~ZELXMLNodeListener() = default;
 
 ZELXMLNode::ZELXMLNode(const char* tag) noexcept : _tag(MakeXMLName(tag != nullptr ? tag : "")) {}

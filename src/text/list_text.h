@@ -6,6 +6,8 @@
 
 #include "ZELListValZELString.h"
 
+namespace zel {
+
 // Appends a text; false, and the list as it was, when memory runs out.
 inline bool AppendText(ZELListValZELString& list, std::string_view text) noexcept {
     if (list.Append(ZELString()) != 0) return false;
@@ -15,5 +17,7 @@ inline bool AppendText(ZELListValZELString& list, std::string_view text) noexcep
     list.RemovePosition(list.Size());
     return false;
 }
+
+}  // namespace zel
 
 #endif

@@ -22,6 +22,8 @@
 #include "base/failure_report.h"
 #include "text/wildcard.h"
 
+using namespace zel;
+
 namespace {
 
 struct Range {

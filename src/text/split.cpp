@@ -13,6 +13,8 @@
 #include "TATextUtilities.h"
 #include "foundations/text_search.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::string_view Blank = " ";

@@ -5,6 +5,8 @@
 
 #include "TATextUtilities.h"
 
+using namespace zel;
+
 namespace {
 
 int Sign(std::string_view left, std::string_view right) noexcept {

@@ -13,6 +13,8 @@
 #include "TATextUtilities.h"
 #include "foundations/text_search.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -37,7 +39,7 @@ bool TakeLast(std::string_view text, std::string_view& pattern, std::size_t& siz
 
 }  // namespace
 
-bool MatchesWildcard(std::string_view text, std::string_view pattern) noexcept {
+bool zel::MatchesWildcard(std::string_view text, std::string_view pattern) noexcept {
     std::string_view inner = pattern;  // in the end what stands between the anchored pieces
     if (!TakeFirst(text, inner)) return false;
     if (inner.empty()) return pattern.empty() ? text.empty() : text.ends_with(pattern);
@@ -58,7 +60,7 @@ bool MatchesWildcard(std::string_view text, std::string_view pattern) noexcept {
     return hasPieces || pattern.size() == 1 || pattern == text;
 }
 
-bool MatchesWildcardNoCase(std::string_view text, std::string_view pattern) noexcept {
+bool zel::MatchesWildcardNoCase(std::string_view text, std::string_view pattern) noexcept {
     ZELString upperText(text);
     ZELString upperPattern(pattern);
     if (upperText.View().size() != text.size() || upperPattern.View().size() != pattern.size()) return false;

@@ -18,6 +18,8 @@
 #include "base/failure_report.h"
 #include "foundations/text_search.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;

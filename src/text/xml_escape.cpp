@@ -17,6 +17,8 @@
 #include "foundations/text_search.h"
 #include "text/xml_text.h"
 
+using namespace zel;
+
 namespace {
 
 struct Entity {

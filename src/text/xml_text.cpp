@@ -8,6 +8,8 @@
 
 #include "base/utf8.h"
 
+using namespace zel;
+
 namespace {
 
 struct Range {
@@ -66,7 +68,7 @@ std::string_view Escape(char32_t code, XMLPlace place) noexcept {
 
 }  // namespace
 
-ZELString MakeXMLName(std::string_view text) noexcept {
+ZELString zel::MakeXMLName(std::string_view text) noexcept {
     ZELString name;
     while (!text.empty()) {
         const std::string_view before = text;

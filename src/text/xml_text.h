@@ -7,6 +7,8 @@
 
 #include "ZELString.h"
 
+namespace zel {
+
 // The UTF-8 text as a name: "_" for each character (and each byte that is not UTF-8) that a name must not hold where it
 // stands, and for an empty text.
 ZELString MakeXMLName(std::string_view text) noexcept;
@@ -31,5 +33,7 @@ private:
     ZELString _xml;
     bool _failed = false;
 };
+
+}  // namespace zel
 
 #endif

@@ -9,10 +9,12 @@
 #include "base/failure_report.h"
 #include "platform/named_mutex.h"
 
+using namespace zel;
+
 struct TAMutex::Shared {
     explicit Shared(std::string_view name) noexcept : mutex(name) {}
 
-    platform::NamedMutex mutex;
+    NamedMutex mutex;
     std::atomic<bool> isClosed{false};
 };
 

@@ -21,6 +21,8 @@
 #include "platform/threads.h"
 #include "platform/waiting.h"
 
+using namespace zel;
+
 namespace {
 
 struct Register {
@@ -33,7 +35,7 @@ struct Register {
 
     void Announce() noexcept {
         ++changes;
-        platform::WakeAll(changes);
+        WakeAll(changes);
     }
     // Takes the queue over. Room for what runs stays in it, so that queuing never needs memory.
     ZELListPtrTAThread TakeFinished() noexcept {
@@ -104,7 +106,7 @@ TAThread::~TAThread() {
     }
     while (_state.load() == Running && !shared.exitIsCalled.load()) {
         const std::uint32_t seen = shared.changes.load();
-        if (_state.load() == Running) platform::WaitOnWord(shared.changes, seen);
+        if (_state.load() == Running) WaitOnWord(shared.changes, seen);
     }
     if (_state.load() == Registered) Leave();
 }
@@ -143,7 +145,7 @@ int TAThread::Begin(bool detached) noexcept {
     for (;;) {
         const std::uint32_t seen = shared.changes.load();
         if (_state.load() != Running) break;
-        platform::WaitOnWord(shared.changes, seen);
+        WaitOnWord(shared.changes, seen);
     }
     shared.lock.Lock();
     const bool isRegistered = _state.load() == Registered || shared.running.Append(this) == 0;
@@ -156,7 +158,7 @@ int TAThread::Begin(bool detached) noexcept {
         ownObject = static_cast<TAThread*>(object);
         ownObject->Run();
     };
-    if (platform::StartThread(body, this)) return 0;
+    if (StartThread(body, this)) return 0;
     _state.store(Registered);
     return 1;
 }
@@ -203,7 +205,7 @@ void TAThread::WaitForAll() noexcept {
     while (shared.running.Size() > (isRegistered ? shared.waiting : 0)) {
         const std::uint32_t seen = shared.changes.load();
         shared.lock.Unlock();
-        platform::WaitOnWord(shared.changes, seen);
+        WaitOnWord(shared.changes, seen);
         shared.lock.Lock();
     }
     if (isRegistered) --shared.waiting;

@@ -11,6 +11,8 @@
 #include "base/shared_body.h"
 #include "threads/binary_semaphore.h"
 
+using namespace zel;
+
 struct TAThreadLock::Shared {
     std::atomic<std::uint32_t> word{0};
     std::atomic<int> owners{1};

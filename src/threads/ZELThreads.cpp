@@ -19,6 +19,8 @@
 #include "platform/waiting.h"
 #include "threads/binary_semaphore.h"
 
+using namespace zel;
+
 int ZELMutex::Lock() noexcept {
     AcquireSemaphore(_state);
     return 0;
@@ -85,10 +87,10 @@ int ZELThreads::Run(int argument) {
     state->endRequested.store(false);
     state->threadId.store(0);
     const auto body = [this, state, argument] {
-        platform::NameCurrentThread(_name);
+        NameCurrentThread(_name);
         state->self.store(std::this_thread::get_id());
-        state->threadId.store(platform::CurrentThreadId());
-        platform::WakeAll(state->threadId);
+        state->threadId.store(CurrentThreadId());
+        WakeAll(state->threadId);
         const int code = Execute(argument);
         state->self.store({});
         state->Finish(ZELThreadFinished, code);
@@ -101,7 +103,7 @@ int ZELThreads::Run(int argument) {
         state->status.store(before);
         return 1;
     }
-    while (state->threadId.load() == 0) platform::WaitOnWord(state->threadId, 0);
+    while (state->threadId.load() == 0) WaitOnWord(state->threadId, 0);
     return 0;
 }
 

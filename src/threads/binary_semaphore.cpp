@@ -5,13 +5,15 @@
 
 #include "platform/waiting.h"
 
+using namespace zel;
+
 namespace {
 
 enum : std::uint32_t { Free = 0, Taken = 1, Awaited = 2, Closed = 3 };
 
 }  // namespace
 
-bool AcquireSemaphore(std::atomic<std::uint32_t>& state) noexcept {
+bool zel::AcquireSemaphore(std::atomic<std::uint32_t>& state) noexcept {
     std::uint32_t seen = Free;
     if (state.compare_exchange_strong(seen, Taken, std::memory_order_acquire, std::memory_order_relaxed)) return true;
     while (seen != Closed) {
@@ -19,21 +21,21 @@ bool AcquireSemaphore(std::atomic<std::uint32_t>& state) noexcept {
         if (!state.compare_exchange_strong(seen, Awaited, std::memory_order_acquire, std::memory_order_relaxed))
             continue;
         if (seen == Free) return true;
-        platform::WaitOnWord(state, Awaited);
+        WaitOnWord(state, Awaited);
         seen = state.load(std::memory_order_relaxed);
     }
     return false;
 }
 
-bool ReleaseSemaphore(std::atomic<std::uint32_t>& state) noexcept {
+bool zel::ReleaseSemaphore(std::atomic<std::uint32_t>& state) noexcept {
     std::uint32_t seen = Taken;
     while (!state.compare_exchange_strong(seen, Free, std::memory_order_release, std::memory_order_relaxed))
         if (seen == Free || seen == Closed) return false;
     // The word may be gone as soon as it is free: the wake-up uses its address alone.
-    if (seen == Awaited) platform::WakeOne(state);
+    if (seen == Awaited) WakeOne(state);
     return true;
 }
 
-void CloseSemaphore(std::atomic<std::uint32_t>& state) noexcept {
-    if (state.exchange(Closed) == Awaited) platform::WakeAll(state);
+void zel::CloseSemaphore(std::atomic<std::uint32_t>& state) noexcept {
+    if (state.exchange(Closed) == Awaited) WakeAll(state);
 }

@@ -9,11 +9,15 @@
 #include <atomic>
 #include <cstdint>
 
+namespace zel {
+
 // False when it is or becomes closed: then nothing was taken.
 bool AcquireSemaphore(std::atomic<std::uint32_t>& state) noexcept;
 // False when it was free or closed: then nothing changes.
 bool ReleaseSemaphore(std::atomic<std::uint32_t>& state) noexcept;
 // Ends every wait, also to come. Waking uses the address of the word alone.
 void CloseSemaphore(std::atomic<std::uint32_t>& state) noexcept;
+
+}  // namespace zel
 
 #endif

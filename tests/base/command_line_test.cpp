@@ -6,7 +6,7 @@
 namespace {
 
 std::vector<std::string> WordsOf(const std::string& line) {
-    const platform::CommandWords words(line);
+    const zel::CommandWords words(line);
     EXPECT_TRUE(words.AreComplete());
     return {words.Texts(), words.Texts() + words.Count()};
 }
@@ -35,7 +35,7 @@ TEST(CommandWords, WhatIsWrittenByTheRuleIsReadBack) {
             line += " \t"[random() % 2] + Quoted(words.back());
         }
         ASSERT_EQ(WordsOf(line), words) << line;
-        const platform::CommandWords read(line);
+        const zel::CommandWords read(line);
         for (std::size_t i = 1; i < words.size(); ++i)
             ASSERT_TRUE(read.Behind(static_cast<int>(i) - 1).starts_with(Quoted(words[i]))) << line;
     }
@@ -43,8 +43,8 @@ TEST(CommandWords, WhatIsWrittenByTheRuleIsReadBack) {
 
 TEST(CommandWords, KnowTheInterpreter) {
     for (const char* const line : {"cmd /c x", "CMD.exe /C x", "\"cmd\" /c"})
-        EXPECT_TRUE(platform::IsInterpreterCall(platform::CommandWords(line))) << line;
+        EXPECT_TRUE(zel::IsInterpreterCall(zel::CommandWords(line))) << line;
     for (const char* const line : {"cmd", "cmd x /c", "cmd.bat /c x", "bin\\cmd /c x"})
-        EXPECT_FALSE(platform::IsInterpreterCall(platform::CommandWords(line))) << line;
-    EXPECT_EQ(platform::CommandWords("cmd  /c  a  b ").Behind(1), "a  b ");
+        EXPECT_FALSE(zel::IsInterpreterCall(zel::CommandWords(line))) << line;
+    EXPECT_EQ(zel::CommandWords("cmd  /c  a  b ").Behind(1), "a  b ");
 }

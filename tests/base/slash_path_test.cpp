@@ -15,8 +15,8 @@ TEST(SlashPath, EveryShortPathAgreesWithItsDefinition) {
         std::replace(expected.begin(), expected.end(), '\\', '/');
         // Exactly as long as promised, so that the sanitizer sees one byte more.
         const std::unique_ptr<char[]> result(new char[path.size() + 1]);
-        platform::WriteSlashPath(path.c_str(), result.get());
+        zel::WriteSlashPath(path.c_str(), result.get());
         ASSERT_EQ(result.get(), expected) << path;
-        ASSERT_EQ(platform::NeedsSlashPath(path.c_str()), path != expected) << path;
+        ASSERT_EQ(zel::NeedsSlashPath(path.c_str()), path != expected) << path;
     }
 }

@@ -14,7 +14,7 @@ TEST(Utf8ToUtf16, ConvertsWithinTheRoom) {
     for (const auto& [text, expected] : rows)
         for (std::size_t capacity = 0; capacity <= expected.size() + 1; ++capacity) {
             std::vector<unsigned short> out(capacity);
-            const std::size_t count = platform::Utf8ToUtf16(text, out.data(), capacity);
+            const std::size_t count = zel::Utf8ToUtf16(text, out.data(), capacity);
             out.resize(count);
             ASSERT_EQ(out, capacity < expected.size() ? std::vector<unsigned short>() : expected) << text;
         }

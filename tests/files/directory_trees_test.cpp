@@ -180,7 +180,7 @@ TEST_F(Trees, CannotBeRacedOutOfTheTree) {
 TEST_F(Trees, ACursorRefusesAWayUpThatLeadsElsewhere) {
     constexpr int Depth = 40, Moved = 10;
     EXPECT_EQ(MakeDeepTree(tree, Depth), Depth);
-    platform::TreeCursor cursor(platform::TreeCursor::Purpose::Remove);
+    zel::TreeCursor cursor(zel::TreeCursor::Purpose::Remove);
     ASSERT_TRUE(cursor.Open(tree.c_str()));
     for (int i = 0; i < Depth; ++i) ASSERT_TRUE(cursor.Enter("d"));
     EXPECT_FALSE(cursor.Enter("d"));

@@ -4,7 +4,7 @@
 #include "support/failing_memory.h"
 #include "support/testing.h"
 
-class FilterInspector {
+class zel::FilterInspector {
 public:
     static std::string Print(const TAUnicodeRegularExpression& filter) {
         return Printed([&] { filter._print(); });

@@ -25,11 +25,11 @@ TEST(TADiagnostics, LinesOfThreadsStayWhole) {
 }
 
 TEST(TADiagnostics, ServesStaticObjectsAndSurvivesDeadStreams) {
-    ASSERT_TRUE(platform::PutEnvironment("ZEL_PROBE_STATIC=1"));
+    ASSERT_TRUE(zel::PutEnvironment("ZEL_PROBE_STATIC=1"));
     EXPECT_EQ(RunProgram("probe", {"none"}).out, "   before\n   ERROR :after\n");
     for (const std::string& dead : {FullDevice, ClosedStream})
         EXPECT_EQ(RunProgram("probe", {"threads"}, dead).exitCode, 0);
-    platform::PutEnvironment("ZEL_PROBE_STATIC=");
+    zel::PutEnvironment("ZEL_PROBE_STATIC=");
 }
 
 TEST(TADiagnostics, FatalSaysWhyShowsTheStackAndAborts) {

@@ -18,7 +18,7 @@ std::string Written(std::time_t moment, const char* format) {
 }  // namespace
 
 TEST(TAEnvironment, DatesHaveTheirLayouts) {
-    const std::tuple<platform::LocalTime, const char*, const char*, const char*> rows[] = {
+    const std::tuple<zel::LocalTime, const char*, const char*, const char*> rows[] = {
         {{2024, 3, 5, 7, 8, 9}, "05/03/2024", "03-05.07:08", "2024-03-05-07-08-09"},
         {{1999, 12, 31, 23, 59, 60}, "31/12/1999", "12-31.23:59", "1999-12-31-23-59-60"},
         {{12345, 1, 1, 0, 0, 0}, "01/01/12345", "01-01.00:00", "12345-01-01-00-00-00"},
@@ -32,9 +32,9 @@ TEST(TAEnvironment, DatesHaveTheirLayouts) {
     // Two thousand moments, among them the ends of years and of months.
     for (int step = 0; step < 2000; ++step) {
         const std::time_t moment = 1000000000 + std::time_t{step} * 777777;
-        platform::LocalTime time;
-        char text[platform::ClockTextLength + 1];
-        ASSERT_TRUE(platform::ToLocalTime(moment, time) && platform::ToClockText(moment, text));
+        zel::LocalTime time;
+        char text[zel::ClockTextLength + 1];
+        ASSERT_TRUE(zel::ToLocalTime(moment, time) && zel::ToClockText(moment, text));
         ASSERT_EQ(FormatSortDate(time), Written(moment, "%Y-%m-%d-%H-%M-%S").c_str());
         ASSERT_EQ(text, std::string(std::ctime(&moment)).substr(0, 24));
     }

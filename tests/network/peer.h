@@ -21,21 +21,19 @@ struct Listener {
     int port = 0;
 };
 
-inline platform::NetworkAddress Loopback(int port, const char* host = "127.0.0.1") {
-    platform::AddressList list;
-    EXPECT_EQ(platform::ResolveAddresses(host, port, platform::Purpose::Connect, list), 0);
-    return list.count > 0 ? *list.begin() : platform::NetworkAddress();
+inline zel::NetworkAddress Loopback(int port, const char* host = "127.0.0.1") {
+    zel::AddressList list;
+    EXPECT_EQ(zel::ResolveAddresses(host, port, zel::Purpose::Connect, list), 0);
+    return list.count > 0 ? *list.begin() : zel::NetworkAddress();
 }
 
 class Peer {
 public:
     // Connects.
-    explicit Peer(int port) : _socket(platform::Socket::MakeIPv4()) {
-        EXPECT_TRUE(_socket.Connect(Loopback(port), 10000));
-    }
+    explicit Peer(int port) : _socket(zel::Socket::MakeIPv4()) { EXPECT_TRUE(_socket.Connect(Loopback(port), 10000)); }
     bool Send(std::string_view bytes) {
-        const platform::Piece piece = {bytes.data(), bytes.size()};
-        return _socket.Send(&piece, 1) == platform::SendStatus::Sent;
+        const zel::Piece piece = {bytes.data(), bytes.size()};
+        return _socket.Send(&piece, 1) == zel::SendStatus::Sent;
     }
     // What comes before `size` bytes are there, the end, or 10 seconds.
     std::string Receive(std::size_t size = std::string::npos) {
@@ -43,14 +41,14 @@ public:
         char part[65536];
         std::size_t count = 0;
         while (all.size() < size && _socket.Receive(part, std::min(sizeof part, size - all.size()), 10000, count) ==
-                                        platform::ReceiveStatus::Received)
+                                        zel::ReceiveStatus::Received)
             all.append(part, count);
         return all;
     }
     void Close() { _socket.Close(); }
 
 private:
-    platform::Socket _socket;
+    zel::Socket _socket;
 };
 
 // Whether a call on the socket gave this result and this message.
@@ -83,7 +81,7 @@ public:
     ~Variable() { Put(""); }
 
 private:
-    void Put(const std::string& value) const { platform::PutEnvironment((_name + '=' + value).c_str()); }
+    void Put(const std::string& value) const { zel::PutEnvironment((_name + '=' + value).c_str()); }
     std::string _name;
 };
 

@@ -13,10 +13,10 @@
 
 namespace {
 
-using platform::AddressFamily;
-using platform::AddressList;
-using platform::NetworkAddress;
-using platform::Purpose;
+using zel::AddressFamily;
+using zel::AddressList;
+using zel::NetworkAddress;
+using zel::Purpose;
 
 std::string OutputOf(const std::function<void()>& work) {
     testing::internal::CaptureStdout();
@@ -39,9 +39,9 @@ AddressList ListOf(const std::vector<NetworkAddress>& addresses) {
 // The system's address to listen at by IPv6; no address where there is none.
 NetworkAddress Any6() {
     AddressList list;
-    platform::ResolveAddresses(nullptr, 0, Purpose::Listen, list);
+    zel::ResolveAddresses(nullptr, 0, Purpose::Listen, list);
     for (const NetworkAddress& address : list)
-        if (address.family == AddressFamily::IPv6 && platform::Socket::Make(address).Bind(address)) return address;
+        if (address.family == AddressFamily::IPv6 && zel::Socket::Make(address).Bind(address)) return address;
     return {};
 }
 
@@ -58,7 +58,7 @@ void Check(const std::vector<Row>& rows, const std::string& operation, Make make
     const SetupTrace trace(operation.c_str(), "");
     for (const Row& row : rows) {
         const char* failure = nullptr;
-        platform::Socket socket;
+        zel::Socket socket;
         const AddressList list = ListOf(row.addresses);
         std::string said = OutputOf([&] { socket = make(list, trace, failure); });
         said = std::regex_replace(said, std::regex(operation + ": "), "");
@@ -82,9 +82,9 @@ std::string Kept(const std::string& what) {
 TEST(SocketSetup, DualServer) {
     const Listener other;
     const NetworkAddress none;
-    const NetworkAddress any4 = platform::AnyIPv4Address(0);
+    const NetworkAddress any4 = zel::AnyIPv4Address(0);
     const NetworkAddress any6 = Any6();
-    const NetworkAddress taken = platform::AnyIPv4Address(other.port);
+    const NetworkAddress taken = zel::AnyIPv4Address(other.port);
     NetworkAddress no6 = any4;  // its sockets claim to be of IPv6 and are not
     no6.family = AddressFamily::IPv6;
     NetworkAddress datagram = any4;  // its sockets cannot listen
@@ -104,7 +104,7 @@ TEST(SocketSetup, DualServer) {
     };
     // Some systems have no IPv6, and some set its options on any socket.
     if (any6.size == 0) rows.resize(6);
-    if (platform::Socket::Make(no6).AcceptBothFamilies()) rows.resize(std::min<std::size_t>(rows.size(), 7));
+    if (zel::Socket::Make(no6).AcceptBothFamilies()) rows.resize(std::min<std::size_t>(rows.size(), 7));
     Check(rows, "OpenServer", ListenAtOneOf);
 }
 
@@ -232,8 +232,8 @@ TEST(SocketSetup, WithoutLibrary) {
 
 // With descriptors beyond those that select can wait for, where the system gives so many.
 TEST(SocketSetup, Queries) {
-    std::vector<platform::Socket> sockets(1100);
-    for (platform::Socket& socket : sockets) socket = platform::Socket::MakeIPv4();
+    std::vector<zel::Socket> sockets(1100);
+    for (zel::Socket& socket : sockets) socket = zel::Socket::MakeIPv4();
     const Interruptions interruptions;
     Listener listener;
     TASocket client;
@@ -284,9 +284,9 @@ TEST(SocketSetup, RestartAtOnce) {
 
 TEST(SocketSetup, ConnectTimeOut) {
     // A queue that is full takes nobody and refuses nobody.
-    ASSERT_TRUE(platform::StartSockets());
-    platform::Socket full = platform::Socket::MakeIPv4();
-    ASSERT_TRUE(full.Bind(platform::AnyIPv4Address(0)) && full.Listen(0));
+    ASSERT_TRUE(zel::StartSockets());
+    zel::Socket full = zel::Socket::MakeIPv4();
+    ASSERT_TRUE(full.Bind(zel::AnyIPv4Address(0)) && full.Listen(0));
     const Interruptions interruptions;
     TASocket sockets[10];
     const auto begin = std::chrono::steady_clock::now();
@@ -303,9 +303,9 @@ TEST(SocketSetup, NoDescriptorIsLeft) {
     RunConfined([&] {
         Listener listener;
         Peer peer(listener.port);
-        std::vector<platform::Socket> sockets;
+        std::vector<zel::Socket> sockets;
         while (sockets.size() < 100 && (sockets.empty() || sockets.back().IsOpen()))
-            sockets.push_back(platform::Socket::MakeIPv4());
+            sockets.push_back(zel::Socket::MakeIPv4());
         isExhausted = !sockets.back().IsOpen();
         if (!isExhausted) return;
         TASocket socket;

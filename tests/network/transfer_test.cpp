@@ -90,9 +90,9 @@ TEST(Transfer, Mapping) {
     std::string content(40 << 20, '\0');
     for (std::size_t i = 0; i < content.size(); i += 1000) content[i] = static_cast<char>(i / 1000);
     WriteBytes(folder / "in", content);
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(platform::OpenStream((folder / "in").c_str(), "rb"),
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(zel::OpenStream((folder / "in").c_str(), "rb"),
                                                                std::fclose);
-    platform::FileMapping mapping(file.get());
+    zel::FileMapping mapping(file.get());
     if (mapping.Size() < 0) GTEST_SKIP() << "nothing is mapped here";
     EXPECT_EQ(mapping.Size(), static_cast<std::int64_t>(content.size()));
     EXPECT_EQ(mapping.At(1, 40 << 20), nullptr);  // more than a window
@@ -102,11 +102,11 @@ TEST(Transfer, Mapping) {
     std::filesystem::resize_file(folder / "in", 100000);
     EXPECT_EQ(mapping.Size(), 100000);
     Listener listener;
-    platform::Socket socket = platform::Socket::MakeIPv4();
+    zel::Socket socket = zel::Socket::MakeIPv4();
     ASSERT_TRUE(socket.Connect(Loopback(listener.port), 10000));
     for (const int count : {1, 2}) {
-        const platform::Piece pieces[] = {{bytes + 200000, 1000}, {bytes, 0}};
-        EXPECT_EQ(socket.Send(pieces, count), platform::SendStatus::Unreadable);
+        const zel::Piece pieces[] = {{bytes + 200000, 1000}, {bytes, 0}};
+        EXPECT_EQ(socket.Send(pieces, count), zel::SendStatus::Unreadable);
     }
 }
 

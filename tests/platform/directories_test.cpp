@@ -5,15 +5,15 @@
 
 namespace {
 
-using platform::EntryKind;
-using platform::ListingStep;
+using zel::EntryKind;
+using zel::ListingStep;
 
 using Entries = std::map<std::string, EntryKind>;
 const Entries nothing = {{".", EntryKind::Directory}, {"..", EntryKind::Directory}};
 
 Entries List(const std::string& path) {
     Entries found;
-    platform::DirectoryListing listing;
+    zel::DirectoryListing listing;
     EXPECT_TRUE(listing.Open(path.c_str())) << path;
     const char* name = nullptr;
     EntryKind kind;
@@ -73,7 +73,7 @@ TEST(DirectoryListing, GivesNamesAsTheyWereStored) {
 TEST(DirectoryListing, RefusesWhatIsNoDirectory) {
     const TemporaryFolder folder;
     WriteBytes(folder / "file", "x");
-    platform::DirectoryListing listing;
+    zel::DirectoryListing listing;
     for (const std::string& path : {std::string(), folder / "missing", folder / "file", folder / "*", folder / "f*"})
         EXPECT_FALSE(listing.Open(path.c_str())) << path;
     EXPECT_FALSE(listing.Open(nullptr) || listing.IsOpen());
@@ -90,7 +90,7 @@ TEST(DirectoryListing, ADriveAloneIsItsRoot) {
     const auto expected = List("C:\\");
     EXPECT_GT(expected.size(), 0u);
     EXPECT_EQ(List("C:"), expected);
-    platform::DirectoryListing first;
+    zel::DirectoryListing first;
     ASSERT_TRUE(first.Open("C:\\"));
-    EXPECT_TRUE(platform::DirectoryListing(std::move(first)).IsOpen());
+    EXPECT_TRUE(zel::DirectoryListing(std::move(first)).IsOpen());
 }

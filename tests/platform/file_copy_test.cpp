@@ -6,7 +6,7 @@
 
 namespace {
 
-using platform::CopyStatus;
+using zel::CopyStatus;
 
 using std::filesystem::perms;
 
@@ -25,7 +25,7 @@ struct FileCopy : testing::Test {
     }
 
     CopyStatus Copy(const std::string& from, const std::string& to, bool replace = true) {
-        return platform::CopyWholeFile(from.c_str(), to.c_str(), replace);
+        return zel::CopyWholeFile(from.c_str(), to.c_str(), replace);
     }
 
     const TemporaryFolder folder;
@@ -124,8 +124,8 @@ TEST_F(FileCopy, FailuresAreToldApartAndLeaveNothing) {
         rows.push_back({source, folder / "pipe", CopyStatus::TargetUnwritable});
     }
     for (const auto& [from, to, expected] : rows) EXPECT_EQ(Copy(from, to), expected) << from << " -> " << to;
-    EXPECT_EQ(platform::CopyWholeFile(nullptr, "x", true), CopyStatus::NullArgument);
-    EXPECT_EQ(platform::CopyWholeFile("x", nullptr, true), CopyStatus::NullArgument);
+    EXPECT_EQ(zel::CopyWholeFile(nullptr, "x", true), CopyStatus::NullArgument);
+    EXPECT_EQ(zel::CopyWholeFile("x", nullptr, true), CopyStatus::NullArgument);
     EXPECT_FALSE(std::filesystem::exists(target));
 }
 
@@ -167,11 +167,11 @@ TEST_F(FileCopy, ReadersAlwaysSeeOneWholeTarget) {
 
 TEST_F(FileCopy, StreamsAppendOrEmptyAndAreUnbuffered) {
     for (const char* const expected : {"ab", "abab", "ab"}) {
-        std::FILE* const stream = platform::OpenTextForWriting(target.c_str(), std::strlen(expected) > 2);
+        std::FILE* const stream = zel::OpenTextForWriting(target.c_str(), std::strlen(expected) > 2);
         ASSERT_NE(stream, nullptr);
         std::fputs("ab", stream);
         EXPECT_EQ(ReadBytes(target), expected);
         std::fclose(stream);
     }
-    EXPECT_EQ(platform::OpenTextForWriting(nullptr, true), nullptr);
+    EXPECT_EQ(zel::OpenTextForWriting(nullptr, true), nullptr);
 }

@@ -13,20 +13,20 @@ TEST(NativePath, LeadsToTheFileAtEveryLength) {
         std::string longPath = path;
         while (longPath.size() + 7 <= length) longPath += "\\.";
         longPath += std::string(length - longPath.size() - 4, '\\') + "file";
-        const platform::NativePath native(longPath.c_str());
+        const zel::NativePath native(longPath.c_str());
         ASSERT_NE(native.Text(), nullptr);
         EXPECT_EQ(std::strlen(native.Text()), length);
         EXPECT_TRUE(length >= 250 || ReadBytes(native.Text()) == "x") << length;
     }
-    EXPECT_EQ(platform::NativePath(nullptr).Text(), nullptr);
+    EXPECT_EQ(zel::NativePath(nullptr).Text(), nullptr);
 }
 
 // Going to a directory and back is tested where names of files and the environment do it.
 TEST(NativePath, TheWorkingDirectoryNeedsItsRoom) {
     char inside[2048], small[3];
-    ASSERT_TRUE(platform::GetWorkingDirectory(inside, sizeof inside));
+    ASSERT_TRUE(zel::GetWorkingDirectory(inside, sizeof inside));
     EXPECT_EQ(std::string(inside).find('/'), std::string::npos);
-    EXPECT_FALSE(platform::GetWorkingDirectory(small, sizeof small));
+    EXPECT_FALSE(zel::GetWorkingDirectory(small, sizeof small));
     for (const char* const refused : {"missing", "", static_cast<const char*>(nullptr)})
-        EXPECT_FALSE(platform::SetWorkingDirectory(refused));
+        EXPECT_FALSE(zel::SetWorkingDirectory(refused));
 }

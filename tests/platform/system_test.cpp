@@ -11,8 +11,8 @@ TEST(Children, InheritNothingOfTheLibrarys) {
     const std::vector<long> before = InheritedDescriptors();
     EXPECT_FALSE(before.empty());
     const TemporaryFolder folder;
-    std::FILE* const stream = platform::OpenTextForWriting((folder / "stream").c_str(), true);
-    platform::DirectoryListing listing;
+    std::FILE* const stream = zel::OpenTextForWriting((folder / "stream").c_str(), true);
+    zel::DirectoryListing listing;
     ASSERT_TRUE(stream != nullptr && listing.Open(folder.Path().c_str()));
     EXPECT_EQ(InheritedDescriptors(), before);
     std::fclose(stream);
@@ -20,27 +20,27 @@ TEST(Children, InheritNothingOfTheLibrarys) {
 
 TEST(System, RefusesWhatCannotBeWrittenOrSet) {
     char name[256];
-    EXPECT_TRUE(platform::GetHost(name, sizeof name) && !platform::GetHost(name, 1));
+    EXPECT_TRUE(zel::GetHost(name, sizeof name) && !zel::GetHost(name, 1));
     constexpr std::int64_t Year11000 = 285000000000;
-    char text[platform::ClockTextLength + 1] = "old";
+    char text[zel::ClockTextLength + 1] = "old";
     for (const std::int64_t moment : {Year11000, std::int64_t{INT64_MAX}, std::int64_t{INT64_MIN}}) {
-        EXPECT_FALSE(platform::ToClockText(moment, text));
+        EXPECT_FALSE(zel::ToClockText(moment, text));
         EXPECT_STREQ(text, "");
     }
-    platform::LocalTime time;
-    EXPECT_FALSE(platform::ToLocalTime(INT64_MAX, time));
-    for (const char* const refused : {"=x", "ZEL_SEAM", ""}) EXPECT_FALSE(platform::PutEnvironment(refused));
+    zel::LocalTime time;
+    EXPECT_FALSE(zel::ToLocalTime(INT64_MAX, time));
+    for (const char* const refused : {"=x", "ZEL_SEAM", ""}) EXPECT_FALSE(zel::PutEnvironment(refused));
 }
 
 TEST(Frames, NamesAreReadableAndCut) {
-    platform::FrameName name = {};
-    platform::SetFunction(name, "_Z5FATALiPKc", 4);
+    zel::FrameName name = {};
+    zel::SetFunction(name, "_Z5FATALiPKc", 4);
     EXPECT_STREQ(name.function, "FATAL(int, char const*)");
-    platform::SetFunction(name, "f", 4);  // spells the type float
+    zel::SetFunction(name, "f", 4);  // spells the type float
     EXPECT_STREQ(name.function, "f");
-    platform::SetFunction(name, ("_Z" + std::string(3000, 'x')).c_str(), 4);
+    zel::SetFunction(name, ("_Z" + std::string(3000, 'x')).c_str(), 4);
     EXPECT_EQ(std::strlen(name.function), sizeof name.function - 1);
-    platform::SetModule(name, "C:\\tools/bin\\a.exe", 7);
+    zel::SetModule(name, "C:\\tools/bin\\a.exe", 7);
     EXPECT_STREQ(name.module, "a.exe");
     EXPECT_EQ(name.moduleOffset, 7u);
 }

@@ -7,7 +7,7 @@
 #include "process/processes.h"
 #include "support/programs.h"
 
-using platform::ProcessEntry;
+using zel::ProcessEntry;
 
 namespace {
 
@@ -71,10 +71,10 @@ TEST(Kill, EndsATreeThatKeepsGrowing) {
     ProcessEntries tree;
     for (const int pid : Numbers(list)) {
         ProcessEntry entry;
-        if (platform::ReadProcess(pid, entry)) tree.Append(entry);
+        if (zel::ReadProcess(pid, entry)) tree.Append(entry);
     }
     EXPECT_EQ(process.KillTree(), 0);
-    for (const ProcessEntry& entry : tree) EXPECT_TRUE(platform::AwaitProcessEnd(entry.self, 0));
+    for (const ProcessEntry& entry : tree) EXPECT_TRUE(zel::AwaitProcessEnd(entry.self, 0));
     int status = 0;
     EXPECT_TRUE(process.Check(status) == 1 && status == 999);
     // Nobody was started unseen: somebody would go on breeding. (Older processes may have had a parent whose number was
@@ -94,15 +94,15 @@ TEST(Kill, SparesWhoGotTheNumberLater) {
     ASSERT_EQ(process.Start(ChildCommand("sleep 60000"), 0), 0);
     int pid = process.GetprocessID();
     ProcessEntry entry;
-    ASSERT_TRUE(platform::ReadProcess(pid, entry));
+    ASSERT_TRUE(zel::ReadProcess(pid, entry));
     EXPECT_EQ(entry.parent, TAProcess::Getpid());
     for (const std::int64_t born : {entry.self.born - 1, entry.self.born + 1}) {
-        const platform::ProcessIdentity another = {pid, born};
-        EXPECT_FALSE(platform::KillProcess(another, 9));
+        const zel::ProcessIdentity another = {pid, born};
+        EXPECT_FALSE(zel::KillProcess(another, 9));
         EXPECT_EQ(KillProcessTree(another, true), 1);
-        EXPECT_TRUE(platform::AwaitProcessEnd(another, 0));
+        EXPECT_TRUE(zel::AwaitProcessEnd(another, 0));
     }
-    EXPECT_FALSE(platform::AwaitProcessEnd(entry.self, 1));
+    EXPECT_FALSE(zel::AwaitProcessEnd(entry.self, 1));
     TAProcess found(pid);
     EXPECT_TRUE(IsRunning(pid) && found.Kill() == 0);
     int status = 0;

@@ -188,12 +188,12 @@ TEST(TAProcess, BatchFilesRunByNameAndByRetry) {
 TEST(TAProcess, ChildrenKnowTheirLauncher) {
     const std::string own = '[' + std::to_string(TAProcess::Getpid()) + "]\n";
     for (const char* const value : {"RemoteKill=else", "RemoteKill=NO", "RemoteKill="}) {
-        platform::PutEnvironment(value);
+        zel::PutEnvironment(value);
         EXPECT_EQ(OutputOf(ChildCommand("env RemoteKill")), own);
         EXPECT_STREQ(std::getenv("RemoteKill"), "NO");
         EXPECT_EQ(RunProgram("child", {"env", "RemoteKill"}).out, "[NO]\n");
     }
-    platform::PutEnvironment("RemoteKill=");
+    zel::PutEnvironment("RemoteKill=");
     EXPECT_EQ(TAProcess().Start("no_such_tool", 0), 1);
     EXPECT_STREQ(std::getenv("RemoteKill"), "NO");
 }

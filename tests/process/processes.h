@@ -25,8 +25,8 @@ inline int RunToEnd(TAProcess& process, const ZELString& command) {
 }
 
 inline bool IsRunning(int pid) {
-    platform::ProcessEntry entry;
-    return platform::ReadProcess(pid, entry) && !entry.hasEnded;
+    zel::ProcessEntry entry;
+    return zel::ReadProcess(pid, entry) && !entry.hasEnded;
 }
 
 // Polls, for up to 20 s.

@@ -27,6 +27,10 @@
 
 #include "support/files.h"
 
+// White-box tests name the internals of the library as its own sources do.
+namespace zel {}
+using namespace zel;
+
 // Something to store where a pointer is asked for; never null, and of its own for each number.
 inline void* Value(int number) {
     return reinterpret_cast<void*>(static_cast<std::intptr_t>(number) + 1);

@@ -16,7 +16,9 @@
 #include "platform/posix/descriptor.h"
 #include "platform/read_bytes.h"
 
-std::FILE* platform::OpenStream(const char* path, const char* mode) noexcept {
+using namespace zel;
+
+std::FILE* zel::OpenStream(const char* path, const char* mode) noexcept {
     const NativePath native(path);
     char closedToChildren[32];
     const std::size_t length = std::strlen(mode);
@@ -36,11 +38,11 @@ std::FILE* platform::OpenStream(const char* path, const char* mode) noexcept {
     return nullptr;
 }
 
-std::ptrdiff_t platform::ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept {
+std::ptrdiff_t zel::ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept {
     return RetryInterrupted([&] { return read(fileno(stream), bytes, size); });
 }
 
-bool platform::WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept {
+bool zel::WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept {
     if (std::fflush(stream) != 0) return false;
     iovec parts[MostPieces];
     std::size_t wanted = 0;
@@ -62,12 +64,11 @@ bool platform::WritePieces(std::FILE* stream, const std::string_view* pieces, in
     return std::fflush(stream) == 0;
 }
 
-void platform::ForgetEnd(std::FILE* stream) noexcept {
+void zel::ForgetEnd(std::FILE* stream) noexcept {
     std::clearerr(stream);
 }
 
-std::size_t platform::ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room,
-                                bool& met) noexcept {
+std::size_t zel::ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room, bool& met) noexcept {
     if (most != SIZE_MAX || delimiter < 0 || delimiter > UCHAR_MAX) {
         flockfile(stream);
         const std::size_t read = ReadBytes([=] { return getc_unlocked(stream); }, delimiter, most, room, met);

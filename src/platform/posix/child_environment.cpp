@@ -20,6 +20,8 @@
 #include "base/failure_report.h"
 #include "platform/process_launch.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr char Name[] = "RemoteKill=";
@@ -73,8 +75,6 @@ void AddMark(char** texts, std::size_t count) {
 
 }  // namespace
 
-namespace platform {
-
 ChildEnvironment::ChildEnvironment() noexcept {
     std::snprintf(_remoteKill, sizeof _remoteKill, "%s%d", Name, static_cast<int>(getpid()));
     char** const own = Environment();
@@ -99,7 +99,7 @@ ChildEnvironment::~ChildEnvironment() {
     std::free(_texts);
 }
 
-void ResetRemoteKill() noexcept {
+void zel::ResetRemoteKill() noexcept {
     static std::mutex one;
     const std::lock_guard guard(one);
     char** const own = Environment();
@@ -113,5 +113,3 @@ void ResetRemoteKill() noexcept {
     }
     AddMark(own, count);
 }
-
-}  // namespace platform

@@ -2,7 +2,7 @@
 #ifndef PLATFORM_POSIX_CHILD_ENVIRONMENT_H
 #define PLATFORM_POSIX_CHILD_ENVIRONMENT_H
 
-namespace platform {
+namespace zel {
 
 // The caller's variables, with RemoteKill=PID of the caller in place of any other of that name. The texts are the
 // caller's.
@@ -21,6 +21,6 @@ private:
     char _remoteKill[32];
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -5,7 +5,9 @@
 #include <cstring>
 #include <ctime>
 
-bool platform::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
+using namespace zel;
+
+bool zel::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
     const std::time_t instant = seconds;
     std::tm broken;
     if (localtime_r(&instant, &broken) == nullptr) return false;
@@ -13,7 +15,7 @@ bool platform::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
     return true;
 }
 
-bool platform::ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept {
+bool zel::ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept {
     const std::time_t instant = seconds;
     char line[64];
     const bool told = ctime_r(&instant, line) != nullptr && std::strlen(line) == ClockTextLength + 1;

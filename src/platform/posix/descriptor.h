@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace platform {
+namespace zel {
 
 // Calls again while a signal interrupts: for calls that fail with a negative result and EINTR.
 template <class Call>
@@ -42,6 +42,6 @@ private:
     int _number;
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -12,7 +12,9 @@
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entry_kind.h"
 
-bool platform::DirectoryListing::Open(const char* path) noexcept {
+using namespace zel;
+
+bool DirectoryListing::Open(const char* path) noexcept {
     Close();
     const NativePath native(path);
     if (native.Text() == nullptr) return false;
@@ -23,12 +25,12 @@ bool platform::DirectoryListing::Open(const char* path) noexcept {
     return _state != nullptr;
 }
 
-void platform::DirectoryListing::Close() noexcept {
+void DirectoryListing::Close() noexcept {
     if (_state != nullptr) closedir(static_cast<DIR*>(_state));
     _state = nullptr;
 }
 
-platform::ListingStep platform::DirectoryListing::Next(const char** name, EntryKind* kind) noexcept {
+ListingStep DirectoryListing::Next(const char** name, EntryKind* kind) noexcept {
     if (_state == nullptr) return ListingStep::Error;
     DIR* const directory = static_cast<DIR*>(_state);
     const dirent* entry;

@@ -8,7 +8,7 @@
 
 #include "platform/directories.h"
 
-namespace platform {
+namespace zel {
 
 inline EntryKind KindOfMode(mode_t mode) noexcept {
     if (S_ISREG(mode)) return EntryKind::File;
@@ -24,6 +24,6 @@ inline EntryKind KindOfEntry(int folder, const char* name, unsigned char type) n
     return fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 ? KindOfMode(status.st_mode) : EntryKind::Other;
 }
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -12,28 +12,30 @@
 #include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 
-platform::PathKind platform::KindOf(const char* path) noexcept {
+using namespace zel;
+
+PathKind zel::KindOf(const char* path) noexcept {
     const NativePath native(path);
     struct stat status;
     if (native.Text() == nullptr || stat(native.Text(), &status) != 0) return PathKind::Missing;
     return S_ISDIR(status.st_mode) ? PathKind::Directory : PathKind::File;
 }
 
-bool platform::RemoveFile(const char* path) noexcept {
+bool zel::RemoveFile(const char* path) noexcept {
     const NativePath native(path);
     return native.Text() != nullptr && unlink(native.Text()) == 0;
 }
 
-bool platform::RemoveFileUnicode(const char* path) noexcept {
+bool zel::RemoveFileUnicode(const char* path) noexcept {
     return RemoveFile(path);
 }
 
-bool platform::MakeDirectory(const char* path) noexcept {
+bool zel::MakeDirectory(const char* path) noexcept {
     const NativePath native(path);
     return native.Text() != nullptr && mkdir(native.Text(), 0777) == 0;
 }
 
-bool platform::MakeTemporaryFile(const char* prefix, char (&path)[TemporaryPathSize]) noexcept {
+bool zel::MakeTemporaryFile(const char* prefix, char (&path)[TemporaryPathSize]) noexcept {
     const char* const configured = std::getenv("TMPDIR");
     const char* const directory = configured != nullptr && *configured != '\0' ? configured : "/tmp";
     const int length = std::snprintf(path, sizeof path, "%s/%sXXXXXX", directory, prefix);

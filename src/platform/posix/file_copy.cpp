@@ -20,11 +20,9 @@
 
 #include "platform/posix/descriptor.h"
 
-namespace {
+using namespace zel;
 
-using platform::CopyStatus;
-using platform::Descriptor;
-using platform::RetryInterrupted;
+namespace {
 
 struct Source {
     Descriptor file;
@@ -101,7 +99,7 @@ public:
     explicit Temporary(const Place& place) noexcept : _place(place) {
         constexpr int MostAttempts = 1000;
         for (int attempt = 0; attempt < MostAttempts && !_file.IsOpen(); ++attempt) {
-            platform::MakeTemporaryName(_name);
+            MakeTemporaryName(_name);
             const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
             _file = Descriptor(RetryInterrupted([&] { return openat(place.folder.Number(), _name, flags, 0600); }));
             if (!_file.IsOpen() && errno != EEXIST) break;
@@ -142,7 +140,7 @@ private:
 
     const Place& _place;
     Descriptor _file;
-    char _name[platform::TemporaryNameSize];
+    char _name[TemporaryNameSize];
     bool _left;  // the temporary name exists
 };
 
@@ -183,7 +181,7 @@ CopyStatus CopyTo(const Place& place, const Source& source, bool replaceExisting
 
 }  // namespace
 
-platform::CopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+CopyStatus zel::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     Source source;
     const CopyStatus opened = OpenSource(from, source);
     if (opened != CopyStatus::Done) return opened;

@@ -11,6 +11,8 @@
 
 #include <utility>
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t WindowSize = std::size_t{16} << 20;
@@ -19,12 +21,12 @@ constexpr std::int64_t Alignment = 1 << 16;
 
 }  // namespace
 
-std::int64_t platform::FileMapping::Size() const noexcept {
+std::int64_t FileMapping::Size() const noexcept {
     struct stat status;
     return fstat(fileno(_stream), &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
 }
 
-const char* platform::FileMapping::At(std::int64_t offset, std::size_t size) noexcept {
+const char* FileMapping::At(std::int64_t offset, std::size_t size) noexcept {
     const auto ends = [&] { return static_cast<std::size_t>(offset - _begin) + size; };
     if (_window == nullptr || offset < _begin || ends() > WindowSize) {
         Unmap();
@@ -37,10 +39,10 @@ const char* platform::FileMapping::At(std::int64_t offset, std::size_t size) noe
     return _window + (offset - _begin);
 }
 
-bool platform::FileMapping::MoveStream(std::int64_t offset) const noexcept {
+bool FileMapping::MoveStream(std::int64_t offset) const noexcept {
     return lseek(fileno(_stream), offset, SEEK_SET) == offset;
 }
 
-void platform::FileMapping::Unmap() noexcept {
+void FileMapping::Unmap() noexcept {
     if (_window != nullptr) munmap(std::exchange(_window, nullptr), WindowSize);
 }

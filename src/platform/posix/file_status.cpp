@@ -8,7 +8,9 @@
 
 #include "platform/native_path.h"
 
-bool platform::ReadFileStatus(const char* path, FileStatus& status) noexcept {
+using namespace zel;
+
+bool zel::ReadFileStatus(const char* path, FileStatus& status) noexcept {
     const NativePath native(path);
     struct stat found;
     if (native.Text() == nullptr || stat(native.Text(), &found) != 0) return false;

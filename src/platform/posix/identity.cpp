@@ -11,10 +11,12 @@
 #include <algorithm>
 #include <new>
 
+using namespace zel;
+
 namespace {
 
 // Whether the entry is an adapter with an address; the loopback's is all zeros.
-bool IsAdapter(const ifaddrs& entry, platform::AdapterAddress& address) noexcept {
+bool IsAdapter(const ifaddrs& entry, AdapterAddress& address) noexcept {
     if (entry.ifa_addr == nullptr || entry.ifa_addr->sa_family != AF_PACKET) return false;
     const auto& link = reinterpret_cast<const sockaddr_ll&>(*entry.ifa_addr);
     if (link.sll_halen != sizeof address.bytes) return false;
@@ -35,7 +37,7 @@ std::atomic<std::uint32_t>* MakeProcessMark() noexcept {
 
 }  // namespace
 
-bool platform::GetAdapterAddress(AdapterAddress& address) noexcept {
+bool zel::GetAdapterAddress(AdapterAddress& address) noexcept {
     ifaddrs* entries = nullptr;
     if (getifaddrs(&entries) != 0) return false;
     const ifaddrs* entry = entries;
@@ -44,7 +46,7 @@ bool platform::GetAdapterAddress(AdapterAddress& address) noexcept {
     return entry != nullptr;
 }
 
-std::atomic<std::uint32_t>* platform::GetProcessMark() noexcept {
+std::atomic<std::uint32_t>* zel::GetProcessMark() noexcept {
     static std::atomic<std::uint32_t>* const mark = MakeProcessMark();
     return mark;
 }

@@ -7,13 +7,17 @@
 #include <cstdint>
 #include <cstdlib>
 
-const std::size_t platform::MostInAdvance = SIZE_MAX;
+#include "base/memory.h"
 
-void* platform::ResizeBlock(void* block, std::size_t size) noexcept {
+using namespace zel;
+
+const std::size_t zel::MostInAdvance = SIZE_MAX;
+
+void* zel::ResizeLargeBlock(void* block, std::size_t size) noexcept {
     constexpr std::size_t HugePage = std::size_t{2} << 20;
-    if (block != nullptr || size < 2 * HugePage) return std::realloc(block, size);
+    if (block != nullptr || size < 2 * HugePage) return Reallocate(block, size);
     void* aligned = nullptr;
-    if (posix_memalign(&aligned, HugePage, size) != 0) return nullptr;
+    if (AllocationFails() || posix_memalign(&aligned, HugePage, size) != 0) return nullptr;
     madvise(aligned, size, MADV_HUGEPAGE);  // a kernel that has none serves small pages
     return aligned;
 }

@@ -33,7 +33,7 @@
 
 #include "platform/posix/descriptor.h"
 
-namespace platform {
+using namespace zel;
 
 namespace {
 
@@ -234,5 +234,3 @@ bool NamedMutex::Unlock() noexcept {
     shared.thread.store(0);
     return pthread_mutex_unlock(&shared.mutex) == 0;
 }
-
-}  // namespace platform

@@ -9,7 +9,9 @@
 #include "base/failure_report.h"
 #include "base/slash_path.h"
 
-platform::NativePath::NativePath(const char* path) noexcept : _text(path) {
+using namespace zel;
+
+NativePath::NativePath(const char* path) noexcept : _text(path) {
     if (path == nullptr || !NeedsSlashPath(path)) return;
     const std::size_t size = std::strlen(path) + 1;
     char* room = _room;
@@ -21,11 +23,11 @@ platform::NativePath::NativePath(const char* path) noexcept : _text(path) {
     _text = room;
 }
 
-platform::NativePath::~NativePath() {
+NativePath::~NativePath() {
     std::free(_block);
 }
 
-void platform::ToPathValue(char* nativePath) noexcept {
+void zel::ToPathValue(char* nativePath) noexcept {
     for (char* c = nativePath; *c != '\0'; ++c)
         if (*c == '/') *c = '\\';
 }

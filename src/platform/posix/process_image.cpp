@@ -10,7 +10,9 @@
 
 #include "platform/native_path.h"
 
-bool platform::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
+using namespace zel;
+
+bool zel::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
     static constexpr char Deleted[] = " (deleted)";
     constexpr std::size_t DeletedLength = sizeof Deleted - 1;
     char link[32];
@@ -28,7 +30,7 @@ bool platform::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
     return true;
 }
 
-bool platform::MakeImagePrefix(const char* directory, char*& prefix) noexcept {
+bool zel::MakeImagePrefix(const char* directory, char*& prefix) noexcept {
     if (directory[0] != '\0' && directory[1] == ':') directory += 2;
     const std::size_t size = std::strlen(directory);
     prefix = static_cast<char*>(std::malloc(size + 2));

@@ -17,27 +17,26 @@
 #include "base/deadline.h"
 #include "platform/posix/descriptor.h"
 
-namespace {
+using namespace zel;
 
-using platform::ProcessEntry;
-using platform::ProcessIdentity;
+namespace {
 
 bool IsAlive(const ProcessIdentity& process) {
     ProcessEntry entry;
-    if (!platform::ReadProcess(process.pid, entry) || entry.hasEnded) return false;
+    if (!ReadProcess(process.pid, entry) || entry.hasEnded) return false;
     return process.born == 0 || entry.self.born == process.born;
 }
 
 // In a root directory without /proc nobody's identity can be told, and numbers are all there is.
 bool IsBlind() {
     ProcessEntry own;
-    return !platform::ReadProcess(getpid(), own);
+    return !ReadProcess(getpid(), own);
 }
 
 bool Signal(const ProcessIdentity& process, int signal) {
     if (process.pid <= 0) return false;
     // Opened before the look: when the look finds the right process, the descriptor cannot stand for a later one.
-    const platform::Descriptor held(static_cast<int>(syscall(SYS_pidfd_open, process.pid, 0)));
+    const Descriptor held(static_cast<int>(syscall(SYS_pidfd_open, process.pid, 0)));
     const bool isNone = !held.IsOpen() && (errno == ESRCH || errno == EINVAL || errno == ENOENT);  // or a thread
     if (isNone || !(IsAlive(process) || (process.born == 0 && IsBlind()))) return false;
     if (held.IsOpen()) return syscall(SYS_pidfd_send_signal, held.Number(), signal, nullptr, 0) == 0;
@@ -46,18 +45,16 @@ bool Signal(const ProcessIdentity& process, int signal) {
 
 }  // namespace
 
-namespace platform {
-
-bool KillProcess(const ProcessIdentity& process, unsigned int) noexcept {
+bool zel::KillProcess(const ProcessIdentity& process, unsigned int) noexcept {
     return Signal(process, SIGKILL);
 }
 
-bool HoldProcess(const ProcessIdentity& process) noexcept {
+bool zel::HoldProcess(const ProcessIdentity& process) noexcept {
     return Signal(process, SIGSTOP);
 }
 
 // Looks again and again, more rarely as time goes by: needs no descriptor and bears a process of any parent.
-bool AwaitProcessEnd(const ProcessIdentity& process, int milliseconds) noexcept {
+bool zel::AwaitProcessEnd(const ProcessIdentity& process, int milliseconds) noexcept {
     const Deadline deadline(milliseconds);
     std::chrono::microseconds pause(50);
     constexpr std::chrono::microseconds LongestPause(10000);
@@ -69,11 +66,11 @@ bool AwaitProcessEnd(const ProcessIdentity& process, int milliseconds) noexcept 
     return true;
 }
 
-void VisitWindows(int (*visit)(HWND window, unsigned long pid), unsigned long pid) noexcept {
+void zel::VisitWindows(int (*visit)(HWND window, unsigned long pid), unsigned long pid) noexcept {
     visit(nullptr, pid);
 }
 
-Answer AskToEnd(HWND window, const ProcessIdentity& process) noexcept {
+Answer zel::AskToEnd(HWND window, const ProcessIdentity& process) noexcept {
     constexpr int TimeToEnd = 5000;
     if (window != nullptr || !Signal(process, SIGTERM)) return Answer::NotIts;
     return AwaitProcessEnd(process, TimeToEnd) ? Answer::Ended : Answer::Stays;
@@ -84,8 +81,6 @@ DebugPrivilege::DebugPrivilege() noexcept = default;
 DebugPrivilege::~DebugPrivilege() = default;
 void DebugPrivilege::Keep() noexcept {}
 
-bool SetTokenPrivilege(void*, const unsigned short*, bool) noexcept {
+bool zel::SetTokenPrivilege(void*, const unsigned short*, bool) noexcept {
     return false;
 }
-
-}  // namespace platform

@@ -30,6 +30,8 @@
 #include "platform/posix/descriptor.h"
 #include "platform/posix/program_plan.h"
 
+using namespace zel;
+
 // Instrumented code would leave its marks in the caller's shadow memory.
 #define ZEL_RUNS_IN_CHILD __attribute__((no_sanitize("address", "thread", "undefined")))
 
@@ -38,10 +40,6 @@
 extern "C" int __clone(int (*function)(void*), void* stack, int flags, void* argument, ...) noexcept;
 
 namespace {
-
-using platform::Descriptor;
-using platform::ProgramPlan;
-using platform::RetryInterrupted;
 
 constexpr std::size_t KernelMaskSize = 8;  // bytes of the kernel's set of signals, whatever sigset_t holds
 
@@ -130,15 +128,15 @@ void Reap(int pid) {
     RetryInterrupted([&] { return waitid(P_PID, static_cast<id_t>(pid), &about, WEXITED); });
 }
 
-void DescribeLimit(const char* line, const ProgramPlan& plan, platform::LaunchFailure& failure) {
+void DescribeLimit(const char* line, const ProgramPlan& plan, LaunchFailure& failure) {
     constexpr std::size_t LongestArgument = 131071;  // the kernel's MAX_ARG_STRLEN, without the terminator
     auto limit = static_cast<std::size_t>(sysconf(_SC_ARG_MAX));
     for (char** text = plan.arguments; *text != nullptr; ++text)
         if (std::strlen(*text) > LongestArgument) limit = LongestArgument;
-    platform::DescribeTooLong(std::strlen(line), limit, failure);
+    DescribeTooLong(std::strlen(line), limit, failure);
 }
 
-void Describe(int error, platform::LaunchFailure& failure) {
+void Describe(int error, LaunchFailure& failure) {
     failure.isTooLong = false;
     char room[sizeof failure.text];
     std::snprintf(failure.text, sizeof failure.text, "%s", strerror_r(error, room, sizeof room));
@@ -151,8 +149,6 @@ int MoveAboveStreams(Descriptor file) {
 }
 
 }  // namespace
-
-namespace platform {
 
 ChildFile::~ChildFile() {
     Descriptor(static_cast<int>(_file)).Close();
@@ -204,8 +200,8 @@ void ChildProcess::Close() noexcept {
     _pid = 0;
 }
 
-bool Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
-            LaunchFailure& failure) noexcept {
+bool zel::Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
+                 LaunchFailure& failure) noexcept {
     const CommandWords words(line);
     ProgramPlan plan;
     const ChildEnvironment environment;
@@ -228,5 +224,3 @@ bool Launch(const char* line, const ChildFile& input, const ChildFile& output, C
         Describe(started.error, failure);
     return false;
 }
-
-}  // namespace platform

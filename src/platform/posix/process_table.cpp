@@ -15,16 +15,15 @@
 
 #include "platform/posix/descriptor.h"
 
-namespace {
+using namespace zel;
 
-using platform::ProcessEntry;
+namespace {
 
 // Reads a small file whole, as text; false when there is none.
 bool ReadText(int folder, const char* name, char* text, std::size_t size) {
-    const platform::Descriptor file(
-        platform::RetryInterrupted([&] { return openat(folder, name, O_RDONLY | O_CLOEXEC); }));
+    const Descriptor file(RetryInterrupted([&] { return openat(folder, name, O_RDONLY | O_CLOEXEC); }));
     if (!file.IsOpen()) return false;
-    const ssize_t length = platform::RetryInterrupted([&] { return read(file.Number(), text, size - 1); });
+    const ssize_t length = RetryInterrupted([&] { return read(file.Number(), text, size - 1); });
     if (length <= 0) return false;  // the process may go between the two calls
     text[length] = '\0';
     return true;
@@ -65,7 +64,7 @@ struct CloseFolder {
 ProcessEntry::Activity ActivityOfThreads(int folder, int pid) {
     char name[32];
     std::snprintf(name, sizeof name, "%d/task", pid);
-    platform::Descriptor descriptor(openat(folder, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    Descriptor descriptor(openat(folder, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const std::unique_ptr<DIR, CloseFolder> tasks(descriptor.IsOpen() ? fdopendir(descriptor.Number()) : nullptr);
     if (!tasks) return ProcessEntry::Acts;
     descriptor.Release();
@@ -108,15 +107,13 @@ std::int64_t SystemStart() {
 
 }  // namespace
 
-namespace platform {
-
-bool ReadProcess(int pid, ProcessEntry& entry) noexcept {
+bool zel::ReadProcess(int pid, ProcessEntry& entry) noexcept {
     if (pid <= 0) return false;
     const Descriptor folder(RetryInterrupted([] { return open("/proc", O_PATH | O_DIRECTORY | O_CLOEXEC); }));
     return folder.IsOpen() && ReadEntry(folder.Number(), pid, entry);
 }
 
-bool VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
+bool zel::VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
     const std::unique_ptr<DIR, CloseFolder> folder(opendir("/proc"));
     if (!folder) return false;
     bool found = false;
@@ -131,12 +128,10 @@ bool VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), voi
     return found;
 }
 
-bool GetStartTime(int pid, std::int64_t& seconds) noexcept {
+bool zel::GetStartTime(int pid, std::int64_t& seconds) noexcept {
     ProcessEntry entry;
     const std::int64_t systemStart = SystemStart();
     if (systemStart == 0 || !ReadProcess(pid, entry)) return false;
     seconds = systemStart + (entry.self.born - 1) / sysconf(_SC_CLK_TCK);
     return true;
 }
-
-}  // namespace platform

@@ -16,6 +16,8 @@
 #include "base/failure_report.h"
 #include "base/slash_path.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr const char* Shell = "/bin/sh";
@@ -39,7 +41,7 @@ void WriteProgram(std::string_view word, char* path) {
     char* const name = path + 2;
     std::memcpy(name, word.data(), word.size());
     name[word.size()] = '\0';
-    if (platform::NeedsSlashPath(name)) platform::WriteSlashPath(name, name);
+    if (NeedsSlashPath(name)) WriteSlashPath(name, name);
     const bool isLocalBatch = word.ends_with(BatchEnding) && std::strchr(name, '/') == nullptr && IsFile(name);
     if (!isLocalBatch) std::memmove(path, name, std::strlen(name) + 1);
 }
@@ -73,8 +75,6 @@ void WriteBatchCall(std::string_view word, std::string_view rest, char* path, ch
 }
 
 }  // namespace
-
-namespace platform {
 
 ProgramPlan::~ProgramPlan() {
     std::free(_block);
@@ -130,5 +130,3 @@ bool ProgramPlan::MakeInterpreterCall(const CommandWords& words) noexcept {
     arguments = shellArguments = _shell;
     return true;
 }
-
-}  // namespace platform

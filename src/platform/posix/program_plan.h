@@ -4,7 +4,7 @@
 
 #include "base/command_line.h"
 
-namespace platform {
+namespace zel {
 
 // Everything that a child needs for execve, made before there is a child.
 //
@@ -34,6 +34,6 @@ private:
     char* _shell[4] = {};
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

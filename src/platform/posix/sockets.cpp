@@ -25,6 +25,8 @@ using SocketLength = socklen_t;
 
 #include "platform/socket_addresses.h"
 
+using namespace zel;
+
 namespace {
 
 void SetOption(std::intptr_t number, int level, int option, int value) noexcept {
@@ -39,7 +41,7 @@ void SetLimit(std::intptr_t number, int option, std::int64_t limit) noexcept {
 }
 
 // What poll says of the one descriptor: 0 when the time is over, -1 when there is nothing to wait on.
-int Wait(std::intptr_t number, short events, const platform::Deadline& deadline) noexcept {
+int Wait(std::intptr_t number, short events, const Deadline& deadline) noexcept {
     for (;;) {
         pollfd entry = {static_cast<int>(number), events, 0};
         const int left = deadline.Left();
@@ -50,47 +52,47 @@ int Wait(std::intptr_t number, short events, const platform::Deadline& deadline)
     }
 }
 
-platform::SendStatus WhySendFailed() noexcept {
-    return errno == EFAULT ? platform::SendStatus::Unreadable : platform::SendStatus::Broken;
+SendStatus WhySendFailed() noexcept {
+    return errno == EFAULT ? SendStatus::Unreadable : SendStatus::Broken;
 }
 
 // Cheaper than gathering one piece: of a small request by some per cent.
-platform::SendStatus SendOne(int number, const char* bytes, std::size_t size) noexcept {
+SendStatus SendOne(int number, const char* bytes, std::size_t size) noexcept {
     while (size > 0) {
-        const ssize_t sent = platform::RetryInterrupted([&] { return send(number, bytes, size, MSG_NOSIGNAL); });
+        const ssize_t sent = RetryInterrupted([&] { return send(number, bytes, size, MSG_NOSIGNAL); });
         if (sent <= 0) return WhySendFailed();
         bytes += sent;
         size -= static_cast<std::size_t>(sent);
     }
-    return platform::SendStatus::Sent;
+    return SendStatus::Sent;
 }
 
 }  // namespace
 
-bool platform::StartSockets() noexcept {
+bool zel::StartSockets() noexcept {
     return true;
 }
 
-void platform::ResolveErrorText(int code, char (&text)[256]) noexcept {
+void zel::ResolveErrorText(int code, char (&text)[256]) noexcept {
     std::snprintf(text, sizeof text, "%s", gai_strerror(code));
 }
 
-platform::Socket platform::Socket::MakeIPv4() noexcept {
+Socket Socket::MakeIPv4() noexcept {
     return Socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
 }
 
-platform::Socket platform::Socket::Make(const NetworkAddress& address) noexcept {
+Socket Socket::Make(const NetworkAddress& address) noexcept {
     if (address.size == 0) return {};
     return Socket(socket(SystemForm(address)->sa_family, address.type | SOCK_CLOEXEC, address.protocol));
 }
 
-void platform::Socket::Close() noexcept {
+void Socket::Close() noexcept {
     // Not retried: after an interruption the number is free already.
     if (IsOpen()) close(static_cast<int>(std::exchange(_number, NoSocket)));
     _receiveLimit = -1;
 }
 
-bool platform::Socket::Connect(const NetworkAddress& address, std::int64_t limit) noexcept {
+bool Socket::Connect(const NetworkAddress& address, std::int64_t limit) noexcept {
     const Deadline deadline(limit);
     const int number = static_cast<int>(_number);
     const int flags = fcntl(number, F_GETFL);
@@ -106,24 +108,24 @@ bool platform::Socket::Connect(const NetworkAddress& address, std::int64_t limit
     return fcntl(number, F_SETFL, flags) == 0;
 }
 
-bool platform::Socket::AcceptBothFamilies() noexcept {
+bool Socket::AcceptBothFamilies() noexcept {
     const int off = 0;
     return setsockopt(static_cast<int>(_number), IPPROTO_IPV6, IPV6_V6ONLY, &off, sizeof off) == 0;
 }
 
-bool platform::Socket::Bind(const NetworkAddress& address) noexcept {
+bool Socket::Bind(const NetworkAddress& address) noexcept {
     // Here this lets a new server in while connections of the last one fade away, and no two servers at once.
     SetOption(_number, SOL_SOCKET, SO_REUSEADDR, 1);
     return bind(static_cast<int>(_number), SystemForm(address), address.size) == 0;
 }
 
-bool platform::Socket::Listen(int backlog) noexcept {
+bool Socket::Listen(int backlog) noexcept {
     // Without blocking, since a client that poll has seen may be gone when it is accepted.
     const int number = static_cast<int>(_number);
     return listen(number, backlog) == 0 && fcntl(number, F_SETFL, fcntl(number, F_GETFL) | O_NONBLOCK) == 0;
 }
 
-platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) noexcept {
+Socket Socket::Accept(std::int64_t limit, bool& isTimeOut) noexcept {
     const Deadline deadline(limit);
     isTimeOut = false;
     for (;;) {
@@ -140,7 +142,7 @@ platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) n
     }
 }
 
-platform::SendStatus platform::Socket::Send(const Piece* pieces, int count) noexcept {
+SendStatus Socket::Send(const Piece* pieces, int count) noexcept {
     if (count == 1) return SendOne(static_cast<int>(_number), static_cast<const char*>(pieces->bytes), pieces->size);
     iovec parts[MaxPieces];
     for (int i = 0; i < count; ++i) parts[i] = {const_cast<void*>(pieces[i].bytes), pieces[i].size};
@@ -165,12 +167,11 @@ platform::SendStatus platform::Socket::Send(const Piece* pieces, int count) noex
     }
 }
 
-void platform::Socket::LimitSends(std::int64_t limit) noexcept {
+void Socket::LimitSends(std::int64_t limit) noexcept {
     SetLimit(_number, SO_SNDTIMEO, limit);
 }
 
-platform::ReceiveStatus platform::Socket::Receive(void* bytes, std::size_t size, std::int64_t limit,
-                                                  std::size_t& count) noexcept {
+ReceiveStatus Socket::Receive(void* bytes, std::size_t size, std::int64_t limit, std::size_t& count) noexcept {
     count = 0;
     // A limit of the kernel's that is too short does no harm, since the deadline decides.
     if (limit >= 0 && (_receiveLimit < 0 || limit < _receiveLimit)) {

@@ -9,7 +9,9 @@
 
 #include "platform/frame_text.h"
 
-int platform::CaptureStack(void** frames, int limit, int skip) noexcept {
+using namespace zel;
+
+int zel::CaptureStack(void** frames, int limit, int skip) noexcept {
     constexpr int Walked = 200;
     void* all[Walked];
     const int found = backtrace(all, Walked);
@@ -19,7 +21,7 @@ int platform::CaptureStack(void** frames, int limit, int skip) noexcept {
     return count;
 }
 
-void platform::DescribeFrame(const void* address, FrameName& name) noexcept {
+void zel::DescribeFrame(const void* address, FrameName& name) noexcept {
     name = {};
     Dl_info found;
     if (dladdr(address, &found) == 0) return;

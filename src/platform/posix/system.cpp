@@ -12,23 +12,25 @@
 #include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 
-bool platform::GetHost(char* name, std::size_t size) noexcept {
+using namespace zel;
+
+bool zel::GetHost(char* name, std::size_t size) noexcept {
     // A name that does not fit may come back cut and without its terminator.
     return gethostname(name, size) == 0 && std::memchr(name, '\0', size) != nullptr;
 }
 
-bool platform::GetWorkingDirectory(char* path, std::size_t size) noexcept {
+bool zel::GetWorkingDirectory(char* path, std::size_t size) noexcept {
     if (getcwd(path, size) == nullptr || path[0] != '/') return false;  // no slash: out of reach of this process's root
     ToPathValue(path);
     return true;
 }
 
-bool platform::SetWorkingDirectory(const char* path) noexcept {
+bool zel::SetWorkingDirectory(const char* path) noexcept {
     const NativePath native(path);
     return native.Text() != nullptr && RetryInterrupted([&] { return chdir(native.Text()); }) == 0;
 }
 
-bool platform::GetSystemVersion(OSVERSIONINFOEXW& version) noexcept {
+bool zel::GetSystemVersion(OSVERSIONINFOEXW& version) noexcept {
     version = {};
     version.dwOSVersionInfoSize = sizeof version;
     utsname system;
@@ -43,23 +45,23 @@ bool platform::GetSystemVersion(OSVERSIONINFOEXW& version) noexcept {
     return true;
 }
 
-int platform::GetProcessorCount() noexcept {
+int zel::GetProcessorCount() noexcept {
     return static_cast<int>(std::max(sysconf(_SC_NPROCESSORS_ONLN), 1L));
 }
 
-bool platform::IsAdministrator() noexcept {
+bool zel::IsAdministrator() noexcept {
     return geteuid() == 0;
 }
 
-int platform::GetOwnProcessId() noexcept {
+int zel::GetOwnProcessId() noexcept {
     return getpid();
 }
 
-const char* platform::GetEnvironment(const char* name) noexcept {
+const char* zel::GetEnvironment(const char* name) noexcept {
     return std::getenv(name);
 }
 
-bool platform::PutEnvironment(const char* assignment) noexcept {
+bool zel::PutEnvironment(const char* assignment) noexcept {
     const char* const equals = std::strchr(assignment, '=');
     if (equals == nullptr || equals == assignment) return false;
     // Only a copy of the name is needed: the C runtime copies what it keeps.

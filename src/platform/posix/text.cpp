@@ -4,6 +4,8 @@
 
 #include "base/utf16.h"
 
-std::size_t platform::ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept {
+using namespace zel;
+
+std::size_t zel::ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept {
     return Utf8ToUtf16(text, out, capacity);
 }

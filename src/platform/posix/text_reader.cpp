@@ -8,7 +8,9 @@
 #include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 
-std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept {
+using namespace zel;
+
+std::FILE* zel::OpenTextForWriting(const char* path, bool append) noexcept {
     const NativePath native(path);
     if (native.Text() == nullptr) return nullptr;
     const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | (append ? O_APPEND : O_TRUNC);
@@ -20,7 +22,7 @@ std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept 
     return stream;
 }
 
-bool platform::TextReader::Open(const char* path) noexcept {
+bool TextReader::Open(const char* path) noexcept {
     Close();
     const NativePath native(path);
     if (native.Text() == nullptr) return false;
@@ -33,10 +35,10 @@ bool platform::TextReader::Open(const char* path) noexcept {
     return true;
 }
 
-void platform::TextReader::Close() noexcept {
+void TextReader::Close() noexcept {
     Descriptor(std::exchange(_descriptor, -1)).Close();
 }
 
-std::ptrdiff_t platform::TextReader::Read(char* bytes, std::size_t size) noexcept {
+std::ptrdiff_t TextReader::Read(char* bytes, std::size_t size) noexcept {
     return RetryInterrupted([&] { return read(_descriptor, bytes, size); });
 }

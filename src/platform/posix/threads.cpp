@@ -9,6 +9,8 @@
 #include <cstring>
 #include <new>
 
+using namespace zel;
+
 namespace {
 
 struct Call {
@@ -25,19 +27,17 @@ void* MakeCall(void* made) {
 
 }  // namespace
 
-namespace platform {
-
-unsigned int CurrentThreadId() noexcept {
+unsigned int zel::CurrentThreadId() noexcept {
     return static_cast<unsigned int>(gettid());
 }
 
-void NameCurrentThread(const char* name) noexcept {
+void zel::NameCurrentThread(const char* name) noexcept {
     char shortName[16] = {};  // the kernel takes 15 bytes and refuses longer names
     std::strncpy(shortName, name, sizeof shortName - 1);
     pthread_setname_np(pthread_self(), shortName);
 }
 
-bool StartThread(void (*body)(void* argument), void* argument) noexcept {
+bool zel::StartThread(void (*body)(void* argument), void* argument) noexcept {
     auto* const call = new (std::nothrow) Call{body, argument};
     if (call == nullptr) return false;
     pthread_attr_t detached;
@@ -50,7 +50,7 @@ bool StartThread(void (*body)(void* argument), void* argument) noexcept {
     return started;
 }
 
-void KeepLibraryLoaded() noexcept {
+void zel::KeepLibraryLoaded() noexcept {
     static const bool kept = [] {
         Dl_info library;
         if (dladdr(reinterpret_cast<void*>(&MakeCall), &library) == 0) return false;
@@ -60,5 +60,3 @@ void KeepLibraryLoaded() noexcept {
     }();
     static_cast<void>(kept);
 }
-
-}  // namespace platform

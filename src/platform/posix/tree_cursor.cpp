@@ -22,6 +22,8 @@
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entry_kind.h"
 
+using namespace zel;
+
 namespace {
 
 constexpr std::size_t MostOpen = 14;
@@ -41,7 +43,7 @@ bool IsDots(const char* name) noexcept {
 
 }  // namespace
 
-struct platform::TreeCursor::State {
+struct TreeCursor::State {
     State(const char* path, bool removes) noexcept : top(path), removing(removes) {}
     State(const State&) = delete;
     State& operator=(const State&) = delete;
@@ -69,7 +71,7 @@ struct platform::TreeCursor::State {
     alignas(dirent64) char records[1 << 15];
 };
 
-bool platform::TreeCursor::State::MakeRoom() noexcept {
+bool TreeCursor::State::MakeRoom() noexcept {
     if (depth < capacity) return true;
     const std::size_t wanted = capacity == 0 ? 64 : capacity * 2;
     void* const grown = std::realloc(levels, wanted * sizeof(Level));
@@ -83,14 +85,14 @@ bool platform::TreeCursor::State::MakeRoom() noexcept {
 }
 
 // Never the current level.
-bool platform::TreeCursor::State::CloseOldest() noexcept {
+bool TreeCursor::State::CloseOldest() noexcept {
     if (firstOpen + 1 >= depth) return false;
     close(std::exchange(levels[firstOpen].descriptor, -1));
     ++firstOpen;
     return true;
 }
 
-platform::Descriptor platform::TreeCursor::State::OpenBelow(int folder, const char* name, int flags) noexcept {
+Descriptor TreeCursor::State::OpenBelow(int folder, const char* name, int flags) noexcept {
     bool permitted = !removing;
     for (;;) {
         Descriptor directory(RetryInterrupted([&] { return openat(folder, name, flags); }));
@@ -103,7 +105,7 @@ platform::Descriptor platform::TreeCursor::State::OpenBelow(int folder, const ch
 }
 
 // Makes an open directory the current level.
-bool platform::TreeCursor::State::Push(Descriptor directory) noexcept {
+bool TreeCursor::State::Push(Descriptor directory) noexcept {
     struct stat status;
     if (!directory.IsOpen() || fstat(directory.Number(), &status) != 0 || !MakeRoom()) return false;
     // Another's directory refuses; removing what is in it then tells.
@@ -114,7 +116,7 @@ bool platform::TreeCursor::State::Push(Descriptor directory) noexcept {
     return true;
 }
 
-bool platform::TreeCursor::State::ReopenParent() noexcept {
+bool TreeCursor::State::ReopenParent() noexcept {
     Level& parent = levels[depth - 2];
     const int flags = O_PATH | O_DIRECTORY | O_CLOEXEC;  // needs no right to list, which was done before
     Descriptor directory(RetryInterrupted([&] { return openat(Current(), "..", flags); }));
@@ -126,7 +128,7 @@ bool platform::TreeCursor::State::ReopenParent() noexcept {
     return true;
 }
 
-bool platform::TreeCursor::Open(const char* top) noexcept {
+bool TreeCursor::Open(const char* top) noexcept {
     if (top == nullptr || *top == '\0' || _state != nullptr) return false;
     const bool removing = _purpose == Purpose::Remove;
     _state = new (std::nothrow) State(top, removing);
@@ -136,11 +138,11 @@ bool platform::TreeCursor::Open(const char* top) noexcept {
     return _state->Push(_state->OpenBelow(AT_FDCWD, _state->top.Text(), flags));
 }
 
-void platform::TreeCursor::Close() noexcept {
+void TreeCursor::Close() noexcept {
     delete std::exchange(_state, nullptr);
 }
 
-platform::ListingStep platform::TreeCursor::Next(const char** name, EntryKind* kind) noexcept {
+ListingStep TreeCursor::Next(const char** name, EntryKind* kind) noexcept {
     if (_state == nullptr || _state->depth == 0) return ListingStep::Error;
     State& state = *_state;
     for (;;) {
@@ -160,19 +162,19 @@ platform::ListingStep platform::TreeCursor::Next(const char** name, EntryKind* k
     }
 }
 
-bool platform::TreeCursor::Enter(const char* name) noexcept {
+bool TreeCursor::Enter(const char* name) noexcept {
     if (_state == nullptr || _state->depth == 0) return false;
     return _state->Push(_state->OpenBelow(_state->Current(), name, OpenFlags | O_NOFOLLOW));
 }
 
-bool platform::TreeCursor::Leave() noexcept {
+bool TreeCursor::Leave() noexcept {
     if (_state == nullptr || _state->depth < 2) return false;
     if (_state->firstOpen == _state->depth - 1 && !_state->ReopenParent()) return false;
     close(_state->levels[--_state->depth].descriptor);
     return true;
 }
 
-bool platform::TreeCursor::RemoveFile(const char* name) noexcept {
+bool TreeCursor::RemoveFile(const char* name) noexcept {
     const int folder = _state->Current();
     if (unlinkat(folder, name, 0) == 0 || errno == ENOENT) return true;
     struct stat status;
@@ -180,11 +182,11 @@ bool platform::TreeCursor::RemoveFile(const char* name) noexcept {
     return fchmodat(folder, name, FileRights, AT_SYMLINK_NOFOLLOW) == 0 && unlinkat(folder, name, 0) == 0;
 }
 
-bool platform::TreeCursor::RemoveFolder(const char* name) noexcept {
+bool TreeCursor::RemoveFolder(const char* name) noexcept {
     return unlinkat(_state->Current(), name, AT_REMOVEDIR) == 0 || errno == ENOENT;
 }
 
-bool platform::TreeCursor::CloseAndRemoveTop() noexcept {
+bool TreeCursor::CloseAndRemoveTop() noexcept {
     const bool removed = _state != nullptr && _state->top.Text() != nullptr && rmdir(_state->top.Text()) == 0;
     Close();
     return removed;

@@ -8,14 +8,16 @@
 
 #include <climits>
 
-void platform::WaitOnWord(const std::atomic<std::uint32_t>& word, std::uint32_t value) noexcept {
+using namespace zel;
+
+void zel::WaitOnWord(const std::atomic<std::uint32_t>& word, std::uint32_t value) noexcept {
     syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, value, nullptr, nullptr, 0);
 }
 
-void platform::WakeOne(const std::atomic<std::uint32_t>& word) noexcept {
+void zel::WakeOne(const std::atomic<std::uint32_t>& word) noexcept {
     syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 
-void platform::WakeAll(const std::atomic<std::uint32_t>& word) noexcept {
+void zel::WakeAll(const std::atomic<std::uint32_t>& word) noexcept {
     syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0);
 }

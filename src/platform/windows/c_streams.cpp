@@ -13,6 +13,8 @@
 #include "platform/native_path.h"
 #include "platform/read_bytes.h"
 
+using namespace zel;
+
 namespace {
 
 // The flags of _open that a mode of fopen stands for; -1 for a mode that is none.
@@ -37,7 +39,7 @@ int OpenFlags(const char* mode) noexcept {
 
 }  // namespace
 
-std::FILE* platform::OpenStream(const char* path, const char* mode) noexcept {
+std::FILE* zel::OpenStream(const char* path, const char* mode) noexcept {
     const NativePath native(path);
     const int flags = OpenFlags(mode);
     if (native.Text() == nullptr || flags < 0) {
@@ -51,24 +53,23 @@ std::FILE* platform::OpenStream(const char* path, const char* mode) noexcept {
     return stream;
 }
 
-std::ptrdiff_t platform::ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept {
+std::ptrdiff_t zel::ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept {
     return _read(_fileno(stream), bytes, static_cast<unsigned>(size));
 }
 
-bool platform::WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept {
+bool zel::WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept {
     for (int i = 0; i < count; ++i)
         if (std::fwrite(pieces[i].data(), 1, pieces[i].size(), stream) != pieces[i].size()) return false;
     return std::fflush(stream) == 0;
 }
 
-void platform::ForgetEnd(std::FILE* stream) noexcept {
+void zel::ForgetEnd(std::FILE* stream) noexcept {
     std::clearerr(stream);
     // In text mode the descriptor keeps an end in mind as well, until it is moved.
     _lseeki64(_fileno(stream), 0, SEEK_CUR);
 }
 
-std::size_t platform::ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room,
-                                bool& met) noexcept {
+std::size_t zel::ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room, bool& met) noexcept {
     _lock_file(stream);
     const std::size_t read = ReadBytes([=] { return _getc_nolock(stream); }, delimiter, most, room, met);
     _unlock_file(stream);

@@ -6,7 +6,9 @@
 
 #include <cstring>
 
-bool platform::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
+using namespace zel;
+
+bool zel::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
     const __time64_t instant = seconds;
     const tm* const broken = _localtime64(&instant);
     if (broken == nullptr) return false;
@@ -15,7 +17,7 @@ bool platform::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
     return true;
 }
 
-bool platform::ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept {
+bool zel::ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept {
     const __time64_t instant = seconds;
     const char* const line = _ctime64(&instant);
     const bool told = line != nullptr && std::strlen(line) == ClockTextLength + 1;

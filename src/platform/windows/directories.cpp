@@ -12,6 +12,8 @@
 #include "platform/native_path.h"
 #include "platform/windows/file_look.h"
 
+using namespace zel;
+
 namespace {
 
 struct Search {
@@ -20,19 +22,19 @@ struct Search {
     bool waiting;  // `found` has not been delivered
 };
 
-platform::EntryKind KindOfEntry(const WIN32_FIND_DATAA& found) {
+EntryKind KindOfEntry(const WIN32_FIND_DATAA& found) {
     const DWORD attributes = found.dwFileAttributes;
     const bool isLink =
         (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
         (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
-    if (isLink) return platform::EntryKind::Link;
-    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return platform::EntryKind::Directory;
-    return (attributes & FILE_ATTRIBUTE_DEVICE) != 0 ? platform::EntryKind::Other : platform::EntryKind::File;
+    if (isLink) return EntryKind::Link;
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return EntryKind::Directory;
+    return (attributes & FILE_ATTRIBUTE_DEVICE) != 0 ? EntryKind::Other : EntryKind::File;
 }
 
 // The pattern for everything in `path`; false for what is no directory, so that patterns in `path` itself find nothing.
 bool MakePattern(const char* path, char (&pattern)[MAX_PATH + 2]) {
-    if (!platform::HasAttributes(path, FILE_ATTRIBUTE_DIRECTORY)) return false;
+    if (!HasAttributes(path, FILE_ATTRIBUTE_DIRECTORY)) return false;
     const std::size_t length = std::strlen(path);
     if (length == 0 || length >= MAX_PATH) return false;
     const bool separated = path[length - 1] == '\\' || path[length - 1] == '/';
@@ -42,7 +44,7 @@ bool MakePattern(const char* path, char (&pattern)[MAX_PATH + 2]) {
 
 }  // namespace
 
-bool platform::DirectoryListing::Open(const char* path) noexcept {
+bool DirectoryListing::Open(const char* path) noexcept {
     Close();
     const NativePath native(path);
     char pattern[MAX_PATH + 2];
@@ -62,14 +64,14 @@ bool platform::DirectoryListing::Open(const char* path) noexcept {
     return true;
 }
 
-void platform::DirectoryListing::Close() noexcept {
+void DirectoryListing::Close() noexcept {
     Search* const search = static_cast<Search*>(_state);
     if (search != nullptr && search->handle != INVALID_HANDLE_VALUE) FindClose(search->handle);
     delete search;
     _state = nullptr;
 }
 
-platform::ListingStep platform::DirectoryListing::Next(const char** name, EntryKind* kind) noexcept {
+ListingStep DirectoryListing::Next(const char** name, EntryKind* kind) noexcept {
     if (_state == nullptr) return ListingStep::Error;
     Search* const search = static_cast<Search*>(_state);
     if (search->handle == INVALID_HANDLE_VALUE) return ListingStep::End;

@@ -7,29 +7,31 @@
 
 #include "platform/native_path.h"
 
-platform::PathKind platform::KindOf(const char* path) noexcept {
+using namespace zel;
+
+PathKind zel::KindOf(const char* path) noexcept {
     const NativePath native(path);
     const DWORD attributes = native.Text() != nullptr ? GetFileAttributesA(native.Text()) : INVALID_FILE_ATTRIBUTES;
     if (attributes == INVALID_FILE_ATTRIBUTES) return PathKind::Missing;
     return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? PathKind::Directory : PathKind::File;
 }
 
-bool platform::RemoveFile(const char* path) noexcept {
+bool zel::RemoveFile(const char* path) noexcept {
     const NativePath native(path);
     return native.Text() != nullptr && DeleteFileA(native.Text());
 }
 
-bool platform::RemoveFileUnicode(const char* path) noexcept {
+bool zel::RemoveFileUnicode(const char* path) noexcept {
     wchar_t wide[MAX_PATH];
     return path != nullptr && MultiByteToWideChar(CP_UTF8, 0, path, -1, wide, MAX_PATH) > 0 && DeleteFileW(wide);
 }
 
-bool platform::MakeDirectory(const char* path) noexcept {
+bool zel::MakeDirectory(const char* path) noexcept {
     const NativePath native(path);
     return native.Text() != nullptr && _mkdir(native.Text()) == 0;
 }
 
-bool platform::MakeTemporaryFile(const char* prefix, char (&path)[TemporaryPathSize]) noexcept {
+bool zel::MakeTemporaryFile(const char* prefix, char (&path)[TemporaryPathSize]) noexcept {
     static_assert(TemporaryPathSize >= MAX_PATH);
     char directory[MAX_PATH];
     const DWORD length = GetTempPathA(sizeof directory, directory);

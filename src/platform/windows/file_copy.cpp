@@ -14,10 +14,9 @@
 
 #include "platform/windows/file_look.h"
 
-namespace {
+using namespace zel;
 
-using platform::CopyStatus;
-using platform::Handle;
+namespace {
 
 // Whether it is a file with contents; `about` is filled then.
 bool IsRegular(const Handle& file, BY_HANDLE_FILE_INFORMATION& about) {
@@ -32,7 +31,7 @@ bool IsSameFile(const BY_HANDLE_FILE_INFORMATION& left, const BY_HANDLE_FILE_INF
 
 // Replaces the name of a link by the name of the file it leads to.
 bool FollowLink(const Handle& file, char (&path)[MAX_PATH]) {
-    if (!platform::HasAttributes(path, FILE_ATTRIBUTE_REPARSE_POINT)) return true;
+    if (!HasAttributes(path, FILE_ATTRIBUTE_REPARSE_POINT)) return true;
     char target[MAX_PATH + 4];
     const DWORD length = GetFinalPathNameByHandleA(file.Get(), target, sizeof target, FILE_NAME_NORMALIZED);
     if (length == 0 || length >= sizeof target) return false;
@@ -44,7 +43,7 @@ bool FollowLink(const Handle& file, char (&path)[MAX_PATH]) {
 // Looks at the target and replaces its name if it is a link. CopyStatus::Done: the way is free, or `sameFile` is set.
 CopyStatus CheckTarget(char (&path)[MAX_PATH], const BY_HANDLE_FILE_INFORMATION& source, bool replaceExisting,
                        bool& sameFile) {
-    const Handle target = platform::OpenToLook(path, 0);
+    const Handle target = OpenToLook(path, 0);
     if (!target.IsOpen()) {
         // A link that leads nowhere exists, while its file does not.
         const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
@@ -64,8 +63,8 @@ CopyStatus CheckTarget(char (&path)[MAX_PATH], const BY_HANDLE_FILE_INFORMATION&
 bool MakeTemporaryPath(const char* target, char (&path)[MAX_PATH]) {
     std::size_t folder = std::strlen(target);
     while (folder > 0 && std::strchr("\\/:", target[folder - 1]) == nullptr) --folder;
-    char name[platform::TemporaryNameSize];
-    platform::MakeTemporaryName(name);
+    char name[TemporaryNameSize];
+    MakeTemporaryName(name);
     const int length = std::snprintf(path, sizeof path, "%.*s%s", static_cast<int>(folder), target, name);
     return length > 0 && length < MAX_PATH;
 }
@@ -85,15 +84,14 @@ CopyStatus CopyBeside(const char* source, const char* target, char (&temporary)[
         if (error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS) continue;
         // The system does not say which side failed. Nothing of that name was there before, so what is there is ours.
         RemoveTemporary(temporary);
-        return platform::OpenToLook(source, GENERIC_READ).IsOpen() ? CopyStatus::TargetUnwritable
-                                                                   : CopyStatus::SourceUnreadable;
+        return OpenToLook(source, GENERIC_READ).IsOpen() ? CopyStatus::TargetUnwritable : CopyStatus::SourceUnreadable;
     }
     return CopyStatus::TargetUnwritable;
 }
 
 }  // namespace
 
-platform::CopyStatus platform::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
+CopyStatus zel::CopyNativeFile(const char* from, const char* to, bool replaceExisting) noexcept {
     BY_HANDLE_FILE_INFORMATION source;
     {
         const Handle file = OpenToLook(from, 0);

@@ -6,7 +6,7 @@
 
 #include "platform/windows/handle.h"
 
-namespace platform {
+namespace zel {
 
 // Opens a file or directory that is there and keeps nobody from anything; links are followed. The error of a failure is
 // the system's last one.
@@ -21,6 +21,6 @@ inline bool HasAttributes(const char* path, DWORD wanted) noexcept {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & wanted) == wanted;
 }
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -8,17 +8,19 @@
 #include "platform/windows/file_look.h"
 #include "platform/windows/file_time.h"
 
+using namespace zel;
+
 namespace {
 
 std::int64_t ToUnixSeconds(const FILETIME& time) {
     constexpr std::int64_t TicksPerSecond = 10'000'000;
     constexpr std::int64_t SecondsTo1970 = 11'644'473'600;
-    return platform::Ticks(time) / TicksPerSecond - SecondsTo1970;
+    return Ticks(time) / TicksPerSecond - SecondsTo1970;
 }
 
 }  // namespace
 
-bool platform::ReadFileStatus(const char* path, FileStatus& status) noexcept {
+bool zel::ReadFileStatus(const char* path, FileStatus& status) noexcept {
     const NativePath native(path);
     if (native.Text() == nullptr) return false;
     const Handle file = OpenToLook(native.Text(), FILE_READ_ATTRIBUTES);

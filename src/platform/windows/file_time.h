@@ -6,13 +6,13 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace zel {
 
 // Units of 100 nanoseconds since 1601.
 inline std::int64_t Ticks(const FILETIME& time) noexcept {
     return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
 }
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace platform {
+namespace zel {
 
 // Owns a handle; both of the system's values for none count as none.
 class Handle {
@@ -29,6 +29,6 @@ private:
     HANDLE _handle;
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif

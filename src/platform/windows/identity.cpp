@@ -8,6 +8,8 @@
 
 #include <cstring>
 
+using namespace zel;
+
 namespace {
 
 using NetbiosCall = UCHAR(APIENTRY*)(PNCB);
@@ -22,7 +24,7 @@ NetbiosCall LoadNetbios() noexcept {
 
 }  // namespace
 
-bool platform::GetAdapterAddress(AdapterAddress& address) noexcept {
+bool zel::GetAdapterAddress(AdapterAddress& address) noexcept {
     static const NetbiosCall netbios = LoadNetbios();
     if (netbios == nullptr) return false;
     NCB reset = {};
@@ -40,7 +42,7 @@ bool platform::GetAdapterAddress(AdapterAddress& address) noexcept {
     return true;
 }
 
-std::atomic<std::uint32_t>* platform::GetProcessMark() noexcept {
+std::atomic<std::uint32_t>* zel::GetProcessMark() noexcept {
     static std::atomic<std::uint32_t> mark = 0;
     return &mark;
 }

@@ -2,10 +2,12 @@
 
 #include "platform/large_block.h"
 
-#include <cstdlib>
+#include "base/memory.h"
 
-const std::size_t platform::MostInAdvance = std::size_t{64} << 20;
+using namespace zel;
 
-void* platform::ResizeBlock(void* block, std::size_t size) noexcept {
-    return std::realloc(block, size);
+const std::size_t zel::MostInAdvance = std::size_t{64} << 20;
+
+void* zel::ResizeLargeBlock(void* block, std::size_t size) noexcept {
+    return Reallocate(block, size);
 }

@@ -8,7 +8,7 @@
 #include <memory>
 #include <new>
 
-namespace platform {
+using namespace zel;
 
 NamedMutex::NamedMutex(std::string_view name) noexcept {
     const int bytes = static_cast<int>(name.size());
@@ -33,5 +33,3 @@ int NamedMutex::Lock() noexcept {
 bool NamedMutex::Unlock() noexcept {
     return _state != nullptr && ReleaseMutex(_state) != 0;
 }
-
-}  // namespace platform

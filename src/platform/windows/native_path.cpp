@@ -2,8 +2,10 @@
 
 #include "platform/native_path.h"
 
-platform::NativePath::NativePath(const char* path) noexcept : _text(path) {}
+using namespace zel;
 
-platform::NativePath::~NativePath() = default;
+NativePath::NativePath(const char* path) noexcept : _text(path) {}
 
-void platform::ToPathValue(char*) noexcept {}
+NativePath::~NativePath() = default;
+
+void zel::ToPathValue(char*) noexcept {}

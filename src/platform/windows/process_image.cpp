@@ -11,7 +11,9 @@
 
 #include "platform/windows/handle.h"
 
-bool platform::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
+using namespace zel;
+
+bool zel::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
     const Handle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, static_cast<DWORD>(pid)));
     if (!process.IsOpen()) return false;
     const DWORD length = GetProcessImageFileNameA(process.Get(), path, ImagePathSize);
@@ -19,7 +21,7 @@ bool platform::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
     return length != 0;
 }
 
-bool platform::MakeImagePrefix(const char* directory, char*& prefix) noexcept {
+bool zel::MakeImagePrefix(const char* directory, char*& prefix) noexcept {
     const bool hasDrive = directory[0] != '\0' && directory[1] == ':';
     const char device[3] = {directory[0], ':', '\0'};
     char target[2048];

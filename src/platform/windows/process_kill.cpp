@@ -9,17 +9,16 @@
 #include "platform/windows/file_time.h"
 #include "platform/windows/handle.h"
 
-namespace {
+using namespace zel;
 
-using platform::Handle;
-using platform::ProcessIdentity;
+namespace {
 
 bool IsIt(HANDLE process, const ProcessIdentity& identity) {
     if (GetProcessId(process) != static_cast<DWORD>(identity.pid)) return false;
     if (identity.born == 0) return true;
     FILETIME born, ended, kernel, user;
     if (!GetProcessTimes(process, &born, &ended, &kernel, &user)) return false;
-    return platform::Ticks(born) == identity.born;
+    return Ticks(born) == identity.born;
 }
 
 bool HasEnded(HANDLE process) {
@@ -46,23 +45,21 @@ const unsigned short* DebugPrivilegeName() {
 
 }  // namespace
 
-namespace platform {
-
-bool KillProcess(const ProcessIdentity& identity, unsigned int exitCode) noexcept {
+bool zel::KillProcess(const ProcessIdentity& identity, unsigned int exitCode) noexcept {
     const Handle process = Open(identity, PROCESS_TERMINATE);
     return process.IsOpen() && !HasEnded(process.Get()) && TerminateProcess(process.Get(), exitCode) != 0;
 }
 
-bool HoldProcess(const ProcessIdentity&) noexcept {
+bool zel::HoldProcess(const ProcessIdentity&) noexcept {
     return false;
 }
 
-bool AwaitProcessEnd(const ProcessIdentity& identity, int milliseconds) noexcept {
+bool zel::AwaitProcessEnd(const ProcessIdentity& identity, int milliseconds) noexcept {
     const Handle process = Open(identity, 0);
     return !process.IsOpen() || WaitForSingleObject(process.Get(), static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
 }
 
-void VisitWindows(int (*visit)(HWND window, unsigned long pid), unsigned long pid) noexcept {
+void zel::VisitWindows(int (*visit)(HWND window, unsigned long pid), unsigned long pid) noexcept {
     struct Visit {
         int (*function)(HWND, unsigned long);
         unsigned long pid;
@@ -75,7 +72,7 @@ void VisitWindows(int (*visit)(HWND window, unsigned long pid), unsigned long pi
     EnumWindows(visitOne, reinterpret_cast<LPARAM>(&all));
 }
 
-Answer AskToEnd(HWND window, const ProcessIdentity& identity) noexcept {
+Answer zel::AskToEnd(HWND window, const ProcessIdentity& identity) noexcept {
     constexpr UINT TimeToHear = 2000;
     constexpr DWORD TimeToEnd = 5000;
     DWORD owner = 0;
@@ -105,7 +102,7 @@ void DebugPrivilege::Keep() noexcept {
 }
 
 // In two steps: the first switches the privilege off and gives its state before, the second builds on that.
-bool SetTokenPrivilege(void* token, const unsigned short* name, bool enable) noexcept {
+bool zel::SetTokenPrivilege(void* token, const unsigned short* name, bool enable) noexcept {
     TOKEN_PRIVILEGES wanted = {};
     TOKEN_PRIVILEGES before = {};
     DWORD size = sizeof before;
@@ -124,5 +121,3 @@ bool SetTokenPrivilege(void* token, const unsigned short* name, bool enable) noe
     AdjustTokenPrivileges(token, FALSE, &before, size, nullptr, nullptr);
     return GetLastError() == ERROR_SUCCESS;
 }
-
-}  // namespace platform

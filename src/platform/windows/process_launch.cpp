@@ -21,12 +21,9 @@
 #include "platform/windows/handle.h"
 #include "platform/windows/wide_text.h"
 
-namespace {
+using namespace zel;
 
-using platform::ChildFile;
-using platform::Handle;
-using platform::LaunchFailure;
-using platform::WideText;
+namespace {
 
 constexpr std::size_t LongestLine = 32766;  // of CreateProcessW, without the terminator
 constexpr wchar_t Name[] = L"RemoteKill=";
@@ -164,8 +161,6 @@ void Describe(DWORD error, LaunchFailure& failure) {
 
 }  // namespace
 
-namespace platform {
-
 ChildFile::~ChildFile() {
     if (IsOpen()) CloseHandle(reinterpret_cast<HANDLE>(_file));
 }
@@ -197,8 +192,8 @@ void ChildProcess::Close() noexcept {
     _pid = 0;
 }
 
-bool Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
-            LaunchFailure& failure) noexcept {
+bool zel::Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
+                 LaunchFailure& failure) noexcept {
     const WideText wide(line);
     const ChildEnvironment environment;
     if (wide.Text() == nullptr || environment.Text() == nullptr) {
@@ -220,11 +215,9 @@ bool Launch(const char* line, const ChildFile& input, const ChildFile& output, C
     return true;
 }
 
-void ResetRemoteKill() noexcept {
+void zel::ResetRemoteKill() noexcept {
     const InheritanceLock lock;
     // Left alone when it is right: the C runtime then moves nothing that others may be reading.
     const char* const value = GetEnvironment("RemoteKill");
     if (value == nullptr || std::strcmp(value, "NO") != 0) PutEnvironment("RemoteKill=NO");
 }
-
-}  // namespace platform

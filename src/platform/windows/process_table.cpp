@@ -16,10 +16,9 @@
 #include "platform/windows/file_time.h"
 #include "platform/windows/handle.h"
 
-namespace {
+using namespace zel;
 
-using platform::Handle;
-using platform::ProcessEntry;
+namespace {
 
 using QueryInformation = NTSTATUS(NTAPI*)(HANDLE, PROCESSINFOCLASS, PVOID, ULONG, PULONG);
 
@@ -62,9 +61,7 @@ DWORD* ListNumbers(std::size_t& count) {
 
 }  // namespace
 
-namespace platform {
-
-bool ReadProcess(int pid, ProcessEntry& entry) noexcept {
+bool zel::ReadProcess(int pid, ProcessEntry& entry) noexcept {
     const Handle process = OpenForLook(pid);
     FILETIME born, ended, kernel, user;
     int parent = 0;
@@ -74,7 +71,7 @@ bool ReadProcess(int pid, ProcessEntry& entry) noexcept {
     return true;
 }
 
-bool VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
+bool zel::VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
     std::size_t count = 0;
     DWORD* const numbers = ListNumbers(count);
     if (numbers == nullptr) return false;
@@ -86,7 +83,7 @@ bool VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), voi
     return true;
 }
 
-bool GetStartTime(int pid, std::int64_t& seconds) noexcept {
+bool zel::GetStartTime(int pid, std::int64_t& seconds) noexcept {
     const Handle process = OpenForLook(pid);
     FILETIME born, ended, kernel, user, local;
     SYSTEMTIME fields;
@@ -107,5 +104,3 @@ bool GetStartTime(int pid, std::int64_t& seconds) noexcept {
     seconds = _mktime64(&calendar);
     return true;
 }
-
-}  // namespace platform

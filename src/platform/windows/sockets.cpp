@@ -18,6 +18,8 @@ using SocketLength = int;
 
 #include "platform/socket_addresses.h"
 
+using namespace zel;
+
 namespace {
 
 SOCKET ToSystem(std::intptr_t number) noexcept {
@@ -36,7 +38,7 @@ bool SetBlocking(std::intptr_t number, bool isBlocking) noexcept {
 enum class Wanted { Reading, Connecting };
 enum class Found { Ready, Nothing, NotMarked, Failure };
 
-Found Wait(std::intptr_t number, Wanted wanted, const platform::Deadline& deadline) noexcept {
+Found Wait(std::intptr_t number, Wanted wanted, const Deadline& deadline) noexcept {
     for (;;) {
         fd_set ready, failed;
         FD_ZERO(&ready);
@@ -64,7 +66,7 @@ std::intptr_t MakeSocket(int family, int type, int protocol) noexcept {
 
 }  // namespace
 
-bool platform::StartSockets() noexcept {
+bool zel::StartSockets() noexcept {
     // Never ended: the last user of the process is unknown.
     static const bool isStarted = [] {
         WSADATA data;
@@ -73,27 +75,27 @@ bool platform::StartSockets() noexcept {
     return isStarted;
 }
 
-void platform::ResolveErrorText(int code, char (&text)[256]) noexcept {
+void zel::ResolveErrorText(int code, char (&text)[256]) noexcept {
     constexpr DWORD Flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
     if (FormatMessageA(Flags, nullptr, static_cast<DWORD>(code), 0, text, sizeof text, nullptr) == 0)
         std::snprintf(text, sizeof text, "error %d", code);
 }
 
-platform::Socket platform::Socket::MakeIPv4() noexcept {
+Socket Socket::MakeIPv4() noexcept {
     return Socket(MakeSocket(AF_INET, SOCK_STREAM, 0));
 }
 
-platform::Socket platform::Socket::Make(const NetworkAddress& address) noexcept {
+Socket Socket::Make(const NetworkAddress& address) noexcept {
     if (address.size == 0) return {};
     return Socket(MakeSocket(SystemForm(address)->sa_family, address.type, address.protocol));
 }
 
-void platform::Socket::Close() noexcept {
+void Socket::Close() noexcept {
     if (IsOpen()) closesocket(ToSystem(std::exchange(_number, NoSocket)));
     _receiveLimit = -1;
 }
 
-bool platform::Socket::Connect(const NetworkAddress& address, std::int64_t limit) noexcept {
+bool Socket::Connect(const NetworkAddress& address, std::int64_t limit) noexcept {
     const Deadline deadline(limit);
     if (!SetBlocking(_number, false)) return false;
     if (connect(ToSystem(_number), SystemForm(address), static_cast<int>(address.size)) != 0 &&
@@ -103,23 +105,23 @@ bool platform::Socket::Connect(const NetworkAddress& address, std::int64_t limit
     return SetBlocking(_number, true);
 }
 
-bool platform::Socket::AcceptBothFamilies() noexcept {
+bool Socket::AcceptBothFamilies() noexcept {
     const DWORD off = 0;
     return setsockopt(ToSystem(_number), IPPROTO_IPV6, IPV6_V6ONLY, reinterpret_cast<const char*>(&off), sizeof off) ==
            0;
 }
 
-bool platform::Socket::Bind(const NetworkAddress& address) noexcept {
+bool Socket::Bind(const NetworkAddress& address) noexcept {
     // Here an address can be bound again at once anyway, and others could bind it beside us without this.
     SetOption(_number, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, 1);
     return bind(ToSystem(_number), SystemForm(address), static_cast<int>(address.size)) == 0;
 }
 
-bool platform::Socket::Listen(int backlog) noexcept {
+bool Socket::Listen(int backlog) noexcept {
     return listen(ToSystem(_number), backlog) == 0 && SetBlocking(_number, false);
 }
 
-platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) noexcept {
+Socket Socket::Accept(std::int64_t limit, bool& isTimeOut) noexcept {
     const Deadline deadline(limit);
     isTimeOut = false;
     for (;;) {
@@ -138,7 +140,7 @@ platform::Socket platform::Socket::Accept(std::int64_t limit, bool& isTimeOut) n
     }
 }
 
-platform::SendStatus platform::Socket::Send(const Piece* pieces, int count) noexcept {
+SendStatus Socket::Send(const Piece* pieces, int count) noexcept {
     WSABUF parts[MaxPieces];
     for (int i = 0; i < count; ++i)
         parts[i] = {static_cast<ULONG>(pieces[i].size), static_cast<char*>(const_cast<void*>(pieces[i].bytes))};
@@ -161,14 +163,13 @@ platform::SendStatus platform::Socket::Send(const Piece* pieces, int count) noex
     }
 }
 
-void platform::Socket::LimitSends(std::int64_t limit) noexcept {
+void Socket::LimitSends(std::int64_t limit) noexcept {
     // 0 would mean for ever.
     const std::int64_t milliseconds = limit < 0 ? 0 : std::clamp<std::int64_t>(limit, 1, INT_MAX);
     SetOption(_number, SOL_SOCKET, SO_SNDTIMEO, static_cast<DWORD>(milliseconds));
 }
 
-platform::ReceiveStatus platform::Socket::Receive(void* bytes, std::size_t size, std::int64_t limit,
-                                                  std::size_t& count) noexcept {
+ReceiveStatus Socket::Receive(void* bytes, std::size_t size, std::int64_t limit, std::size_t& count) noexcept {
     count = 0;
     if (limit >= 0) {
         switch (Wait(_number, Wanted::Reading, Deadline(limit))) {

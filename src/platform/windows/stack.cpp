@@ -12,6 +12,8 @@
 
 #include "platform/frame_text.h"
 
+using namespace zel;
+
 namespace {
 
 // The system's own lock: it needs no start-up code and is never destroyed.
@@ -31,18 +33,17 @@ HANDLE SymbolSession() {
     return session;
 }
 
-void DescribeModule(const void* address, platform::FrameName& name) {
+void DescribeModule(const void* address, FrameName& name) {
     HMODULE module = nullptr;
     constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
     char path[MAX_PATH];
     if (!GetModuleHandleExA(flags, static_cast<const char*>(address), &module)) return;
     const DWORD length = GetModuleFileNameA(module, path, sizeof path);
     if (length == 0 || length >= sizeof path) return;
-    platform::SetModule(name, path,
-                        reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(module));
+    SetModule(name, path, reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(module));
 }
 
-void DescribeFunction(const void* address, platform::FrameName& name) {
+void DescribeFunction(const void* address, FrameName& name) {
     constexpr std::size_t NameRoom = 1024;
     alignas(SYMBOL_INFO) char room[sizeof(SYMBOL_INFO) + NameRoom] = {};
     SYMBOL_INFO* const symbol = reinterpret_cast<SYMBOL_INFO*>(room);
@@ -53,19 +54,19 @@ void DescribeFunction(const void* address, platform::FrameName& name) {
     HANDLE const session = SymbolSession();
     const bool known = session != nullptr && SymFromAddr(session, reinterpret_cast<DWORD64>(address), &offset, symbol);
     ReleaseSRWLockExclusive(&symbolLock);
-    if (known) platform::SetFunction(name, symbol->Name, offset);
+    if (known) SetFunction(name, symbol->Name, offset);
 }
 
 }  // namespace
 
-int platform::CaptureStack(void** frames, int limit, int skip) noexcept {
+int zel::CaptureStack(void** frames, int limit, int skip) noexcept {
     // The system leaves itself out; this function is the first.
     const int found = CaptureStackBackTrace(static_cast<DWORD>(skip) + 1, static_cast<DWORD>(limit), frames, nullptr);
     // Below a thread's first function the walk may run into memory that holds no frames.
     return static_cast<int>(std::find(frames, frames + found, nullptr) - frames);
 }
 
-void platform::DescribeFrame(const void* address, FrameName& name) noexcept {
+void zel::DescribeFrame(const void* address, FrameName& name) noexcept {
     name = {};
     DescribeModule(address, name);
     DescribeFunction(address, name);

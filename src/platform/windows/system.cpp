@@ -11,7 +11,9 @@
 
 #include "platform/native_path.h"
 
-bool platform::GetHost(char* name, std::size_t size) noexcept {
+using namespace zel;
+
+bool zel::GetHost(char* name, std::size_t size) noexcept {
     // The socket library counts its users, so this start and end disturb nobody.
     WSADATA data;
     if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return false;
@@ -20,29 +22,29 @@ bool platform::GetHost(char* name, std::size_t size) noexcept {
     return told;
 }
 
-bool platform::GetWorkingDirectory(char* path, std::size_t size) noexcept {
+bool zel::GetWorkingDirectory(char* path, std::size_t size) noexcept {
     const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(size), path);
     return length != 0 && length < size;
 }
 
-bool platform::SetWorkingDirectory(const char* path) noexcept {
+bool zel::SetWorkingDirectory(const char* path) noexcept {
     const NativePath native(path);
     return native.Text() != nullptr && SetCurrentDirectoryA(native.Text());
 }
 
-bool platform::GetSystemVersion(OSVERSIONINFOEXW& version) noexcept {
+bool zel::GetSystemVersion(OSVERSIONINFOEXW& version) noexcept {
     version = {};
     version.dwOSVersionInfoSize = sizeof version;
     return GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version)) != 0;
 }
 
-int platform::GetProcessorCount() noexcept {
+int zel::GetProcessorCount() noexcept {
     SYSTEM_INFO system;
     GetSystemInfo(&system);
     return static_cast<int>(system.dwNumberOfProcessors);
 }
 
-bool platform::IsAdministrator() noexcept {
+bool zel::IsAdministrator() noexcept {
     SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
     PSID group = nullptr;
     if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0,
@@ -54,15 +56,15 @@ bool platform::IsAdministrator() noexcept {
     return told && member;
 }
 
-int platform::GetOwnProcessId() noexcept {
+int zel::GetOwnProcessId() noexcept {
     return static_cast<int>(GetCurrentProcessId());
 }
 
-const char* platform::GetEnvironment(const char* name) noexcept {
+const char* zel::GetEnvironment(const char* name) noexcept {
     return std::getenv(name);
 }
 
-bool platform::PutEnvironment(const char* assignment) noexcept {
+bool zel::PutEnvironment(const char* assignment) noexcept {
     const char* const equals = std::strchr(assignment, '=');
     if (equals == nullptr || equals == assignment) return false;
     return _putenv(assignment) == 0;

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <climits>
 
-std::size_t platform::ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept {
+using namespace zel;
+
+std::size_t zel::ToUtf16(std::string_view text, unsigned short* out, std::size_t capacity) noexcept {
     static_assert(sizeof(wchar_t) == sizeof(unsigned short));
     if (text.empty() || capacity == 0) return 0;
     const auto room = static_cast<int>(std::min(capacity, std::size_t{INT_MAX}));

@@ -8,7 +8,9 @@
 
 #include "platform/native_path.h"
 
-std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept {
+using namespace zel;
+
+std::FILE* zel::OpenTextForWriting(const char* path, bool append) noexcept {
     const NativePath native(path);
     if (native.Text() == nullptr) return nullptr;
     const int flags = _O_WRONLY | _O_CREAT | _O_TEXT | _O_NOINHERIT | (append ? _O_APPEND : _O_TRUNC);
@@ -23,7 +25,7 @@ std::FILE* platform::OpenTextForWriting(const char* path, bool append) noexcept 
     return stream;
 }
 
-bool platform::TextReader::Open(const char* path) noexcept {
+bool TextReader::Open(const char* path) noexcept {
     Close();
     const NativePath native(path);
     if (native.Text() != nullptr) _descriptor = _open(native.Text(), _O_RDONLY | _O_TEXT | _O_NOINHERIT);
@@ -31,11 +33,11 @@ bool platform::TextReader::Open(const char* path) noexcept {
     return _descriptor >= 0;
 }
 
-void platform::TextReader::Close() noexcept {
+void TextReader::Close() noexcept {
     if (_descriptor >= 0) _close(_descriptor);
     _descriptor = -1;
 }
 
-std::ptrdiff_t platform::TextReader::Read(char* bytes, std::size_t size) noexcept {
+std::ptrdiff_t TextReader::Read(char* bytes, std::size_t size) noexcept {
     return _descriptor >= 0 ? _read(_descriptor, bytes, static_cast<unsigned>(size)) : -1;
 }

@@ -8,6 +8,8 @@
 
 #include <new>
 
+using namespace zel;
+
 namespace {
 
 struct Call {
@@ -24,13 +26,11 @@ unsigned __stdcall MakeCall(void* made) {
 
 }  // namespace
 
-namespace platform {
-
-unsigned int CurrentThreadId() noexcept {
+unsigned int zel::CurrentThreadId() noexcept {
     return GetCurrentThreadId();
 }
 
-void NameCurrentThread(const char* name) noexcept {
+void zel::NameCurrentThread(const char* name) noexcept {
     // Present from Windows 10 on.
     using SetDescription = HRESULT(WINAPI*)(HANDLE, PCWSTR);
     const auto setDescription = reinterpret_cast<SetDescription>(
@@ -41,7 +41,7 @@ void NameCurrentThread(const char* name) noexcept {
     setDescription(GetCurrentThread(), wideName);
 }
 
-bool StartThread(void (*body)(void* argument), void* argument) noexcept {
+bool zel::StartThread(void (*body)(void* argument), void* argument) noexcept {
     auto* const call = new (std::nothrow) Call{body, argument};
     if (call == nullptr) return false;
     // The C runtime's call, which gives back at the thread's end what the runtime keeps for it.
@@ -54,10 +54,8 @@ bool StartThread(void (*body)(void* argument), void* argument) noexcept {
     return true;
 }
 
-void KeepLibraryLoaded() noexcept {
+void zel::KeepLibraryLoaded() noexcept {
     HMODULE library;
     GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
                        reinterpret_cast<LPCSTR>(&MakeCall), &library);
 }
-
-}  // namespace platform

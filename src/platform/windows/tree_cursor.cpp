@@ -17,6 +17,8 @@
 #include "platform/windows/file_look.h"
 #include "platform/windows/handle.h"
 
+using namespace zel;
+
 namespace {
 
 bool IsDots(const char* name) noexcept {
@@ -32,14 +34,14 @@ bool IsGone(const char* path) noexcept {
 template <class Remove>
 bool RemoveInSpite(const char* path, Remove remove) noexcept {
     if (remove(path)) return true;
-    const bool isLink = platform::HasAttributes(path, FILE_ATTRIBUTE_REPARSE_POINT);
+    const bool isLink = HasAttributes(path, FILE_ATTRIBUTE_REPARSE_POINT);
     if (!isLink && SetFileAttributesA(path, FILE_ATTRIBUTE_NORMAL) && remove(path)) return true;
     return IsGone(path);
 }
 
 }  // namespace
 
-struct platform::TreeCursor::State {
+struct TreeCursor::State {
     struct Level {
         Handle handle;
         std::size_t length = 0;  // of the path of the directory
@@ -72,7 +74,7 @@ struct platform::TreeCursor::State {
 };
 
 // Makes the directory of `path` the current level.
-bool platform::TreeCursor::State::Push(bool followLink) noexcept {
+bool TreeCursor::State::Push(bool followLink) noexcept {
     if (depth == MostLevels) return false;
     const DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | (removing ? 0 : FILE_SHARE_DELETE);
     const DWORD flags = FILE_FLAG_BACKUP_SEMANTICS | (followLink ? 0 : FILE_FLAG_OPEN_REPARSE_POINT);
@@ -83,7 +85,7 @@ bool platform::TreeCursor::State::Push(bool followLink) noexcept {
     return true;
 }
 
-bool platform::TreeCursor::Open(const char* top) noexcept {
+bool TreeCursor::Open(const char* top) noexcept {
     if (top == nullptr || *top == '\0' || _state != nullptr) return false;
     const NativePath native(top);
     const std::size_t length = std::strlen(native.Text());
@@ -98,11 +100,11 @@ bool platform::TreeCursor::Open(const char* top) noexcept {
     return _state->Push(!removing);
 }
 
-void platform::TreeCursor::Close() noexcept {
+void TreeCursor::Close() noexcept {
     delete std::exchange(_state, nullptr);
 }
 
-platform::ListingStep platform::TreeCursor::Next(const char** name, EntryKind* kind) noexcept {
+ListingStep TreeCursor::Next(const char** name, EntryKind* kind) noexcept {
     if (_state == nullptr) return ListingStep::Error;
     ListingStep step;
     do step = _state->listing.Next(name, kind);
@@ -110,14 +112,14 @@ platform::ListingStep platform::TreeCursor::Next(const char** name, EntryKind* k
     return step;
 }
 
-bool platform::TreeCursor::Enter(const char* name) noexcept {
+bool TreeCursor::Enter(const char* name) noexcept {
     if (_state == nullptr || _state->depth == 0 || !_state->Append(name)) return false;
     if (_state->Push(false)) return true;
     _state->Cut();
     return false;
 }
 
-bool platform::TreeCursor::Leave() noexcept {
+bool TreeCursor::Leave() noexcept {
     if (_state == nullptr || _state->depth < 2) return false;
     _state->listing.Close();
     _state->CloseLevel();
@@ -125,7 +127,7 @@ bool platform::TreeCursor::Leave() noexcept {
     return true;
 }
 
-bool platform::TreeCursor::RemoveFile(const char* name) noexcept {
+bool TreeCursor::RemoveFile(const char* name) noexcept {
     if (!_state->Append(name)) return false;
     const bool isDirectoryLink = HasAttributes(_state->path, FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY);
     const bool removed = RemoveInSpite(_state->path, isDirectoryLink ? RemoveDirectoryA : DeleteFileA);
@@ -133,14 +135,14 @@ bool platform::TreeCursor::RemoveFile(const char* name) noexcept {
     return removed;
 }
 
-bool platform::TreeCursor::RemoveFolder(const char* name) noexcept {
+bool TreeCursor::RemoveFolder(const char* name) noexcept {
     if (!_state->Append(name)) return false;
     const bool removed = RemoveInSpite(_state->path, RemoveDirectoryA);
     _state->Cut();
     return removed;
 }
 
-bool platform::TreeCursor::CloseAndRemoveTop() noexcept {
+bool TreeCursor::CloseAndRemoveTop() noexcept {
     if (_state == nullptr || _state->depth == 0) return false;
     _state->listing.Close();
     const std::size_t length = _state->levels[0].length;

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+using namespace zel;
+
 namespace {
 
 void* AddressOf(const std::atomic<std::uint32_t>& word) {
@@ -12,14 +14,14 @@ void* AddressOf(const std::atomic<std::uint32_t>& word) {
 
 }  // namespace
 
-void platform::WaitOnWord(const std::atomic<std::uint32_t>& word, std::uint32_t value) noexcept {
+void zel::WaitOnWord(const std::atomic<std::uint32_t>& word, std::uint32_t value) noexcept {
     WaitOnAddress(AddressOf(word), &value, sizeof value, INFINITE);
 }
 
-void platform::WakeOne(const std::atomic<std::uint32_t>& word) noexcept {
+void zel::WakeOne(const std::atomic<std::uint32_t>& word) noexcept {
     WakeByAddressSingle(AddressOf(word));
 }
 
-void platform::WakeAll(const std::atomic<std::uint32_t>& word) noexcept {
+void zel::WakeAll(const std::atomic<std::uint32_t>& word) noexcept {
     WakeByAddressAll(AddressOf(word));
 }

@@ -9,7 +9,7 @@
 #include "base/failure_report.h"
 #include "platform/text.h"
 
-namespace platform {
+namespace zel {
 
 // A terminated copy of 8-bit text in the system's encoding.
 class WideText {
@@ -37,6 +37,6 @@ private:
     std::size_t _length = 0;
 };
 
-}  // namespace platform
+}  // namespace zel
 
 #endif
