@@ -18,7 +18,7 @@
 #endif
 
 // Lets compilers check the arguments of printf-style functions; positions count from 1, `this` included.
-#if defined(__MINGW32__)
+#if defined(__MINGW32__) && !defined(__clang__)
 #define ZEL_PRINTF_LIKE(text, first) __attribute__((__format__(__gnu_printf__, text, first)))
 #elif defined(__GNUC__)
 #define ZEL_PRINTF_LIKE(text, first) __attribute__((__format__(__printf__, text, first)))

@@ -109,8 +109,8 @@ public:
     bool contains(const char* key) const noexcept { return key != nullptr && contains(std::string_view(key)); }
 
     // A walk in the order of getIterator() that needs no memory, valid until the map changes.
-    const_iterator begin() const noexcept;
-    const_iterator end() const noexcept;
+    inline const_iterator begin() const noexcept;
+    inline const_iterator end() const noexcept;
 
 protected:
     struct node {

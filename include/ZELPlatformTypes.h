@@ -8,7 +8,7 @@
 
 #if defined(_WIN32)
 
-#include <cstddef>  // brings __int64 along, which is a macro with mingw-w64
+#include <cstdlib>  // mingw-w64 defines __int64 in its C headers
 
 struct _OSVERSIONINFOEXW;
 typedef struct _OSVERSIONINFOEXW OSVERSIONINFOEXW;

@@ -52,7 +52,7 @@ std::uint16_t FilterBit(std::uint32_t hash) noexcept {
 // A key on its way to its bucket. What a look-up is made of is inlined by force: left alone, compilers make calls of it
 // that take a fifth of the time.
 struct ZELHashSCMap::Sought {
-    [[gnu::always_inline]] explicit Sought(std::string_view sought) noexcept
+    ZEL_ALWAYS_INLINE explicit Sought(std::string_view sought) noexcept
         : text(sought.data() != nullptr ? sought : std::string_view("")), hash(HashText(text)) {}
 
     std::string_view text;
@@ -138,7 +138,7 @@ struct ZELHashSCMap::Holds {
 };
 
 // The pointer to the first node from `*at` on that holds the key, or to the null at the end of the chain.
-[[gnu::always_inline]] inline ZELHashSCMap::link* ZELHashSCMap::FindLink(link* at, const Sought& key) const noexcept {
+ZEL_ALWAYS_INLINE ZELHashSCMap::link* ZELHashSCMap::FindLink(link* at, const Sought& key) const noexcept {
     if (_pool != nullptr) {
         while (*at != nullptr && !Holds::Pooled(**at, key)) at = &(*at)->next;
     } else {
@@ -148,7 +148,7 @@ struct ZELHashSCMap::Holds {
 }
 
 // The same for the whole map; null also when the filter knows that the key is absent.
-[[gnu::always_inline]] inline ZELHashSCMap::link* ZELHashSCMap::Find(const Sought& key) const noexcept {
+ZEL_ALWAYS_INLINE ZELHashSCMap::link* ZELHashSCMap::Find(const Sought& key) const noexcept {
     if (_table == nullptr) return nullptr;
     const std::uint32_t bucket = BucketOf(key.hash);
     if ((Filters()[bucket] & FilterBit(key.hash)) == 0) return nullptr;

@@ -11,7 +11,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "base/prefetch.h"
+#include "base/compiler.h"
 #include "containers/bump_area.h"
 
 namespace zel {

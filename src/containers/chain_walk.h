@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "base/prefetch.h"
+#include "base/compiler.h"
 
 namespace zel {
 

@@ -3,14 +3,13 @@
 #ifndef CONTAINERS_STORED_KEY_H
 #define CONTAINERS_STORED_KEY_H
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
 
+#include "base/bytes16.h"
 #include "foundations/text_search.h"
 
 namespace zel {
@@ -52,9 +51,7 @@ inline KeyHeader HeaderOf(const char* storedKey) noexcept {
 inline bool SameKey(const char* left, const char* right, std::size_t size) noexcept {
     if (size <= SearchHeadSize) return SameHead(left, right, size);
     const auto sameStep = [left, right](std::size_t at) {
-        const __m128i equal = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(left + at)),
-                                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(right + at)));
-        return _mm_movemask_epi8(equal) == 0xFFFF;
+        return ByteMask(EqualBytes(LoadBytes(left + at), LoadBytes(right + at))) == 0xFFFF;
     };
     std::size_t at = 0;
     while (at + 16 < size && sameStep(at)) at += 16;

@@ -1,15 +1,12 @@
 // The hash that decides the bucket of a key, and with it the order of every walk: it must never change.
 //
 // Starting at 0, each byte b makes it hash * 31 + b modulo 2^32, with b taken as a signed 8-bit number. That is a
-// polynomial in 31, so parts of a text may be evaluated apart: 16 bytes at a time, as pairs (31 a + b), then fours, in
-// the lanes of one register; the fours are joined by powers of 31. Bytes that are zero in front of a text add nothing,
-// so a rest stands at the end of a register that is zero before it.
+// polynomial in 31, so parts of a text may be evaluated apart: 16 bytes at a time, joined by powers of 31. Bytes that
+// are zero in front of a text add nothing, so a rest stands at the end of a register that is zero before it.
 //
 // Danger: no byte outside the text may be read, so a short text is put together from two loads that overlap inside it.
 #ifndef CONTAINERS_TEXT_HASH_H
 #define CONTAINERS_TEXT_HASH_H
-
-#include <emmintrin.h>  // SSE2 is part of every x86-64
 
 #include <array>
 #include <bit>
@@ -18,9 +15,9 @@
 #include <cstring>
 #include <string_view>
 
-namespace zel {
+#include "base/bytes16.h"
 
-static_assert(std::endian::native == std::endian::little);
+namespace zel {
 
 namespace hash_text {
 
@@ -46,27 +43,8 @@ Word Load(const char* bytes) noexcept {
     return word;
 }
 
-inline __m128i LoadStep(const void* bytes) noexcept {
-    return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
-}
-
-inline std::uint32_t HashStep(__m128i bytes) noexcept {
-    const __m128i timesPair = _mm_set1_epi32((1 << 16) | 31);
-    const __m128i timesFour = _mm_set1_epi32((1 << 16) | 961);
-    const __m128i front = _mm_srai_epi16(_mm_unpacklo_epi8(bytes, bytes), 8);
-    const __m128i back = _mm_srai_epi16(_mm_unpackhi_epi8(bytes, bytes), 8);
-    // Pairs lie between -4096 and 4064, so packing loses nothing.
-    const __m128i pairs = _mm_packs_epi32(_mm_madd_epi16(front, timesPair), _mm_madd_epi16(back, timesPair));
-    const __m128i fours = _mm_madd_epi16(pairs, timesFour);
-    // The products' lower halves are all that counts.
-    const __m128i evens = _mm_mul_epu32(fours, _mm_set_epi64x(powers[4], powers[12]));
-    const __m128i odds = _mm_mul_epu32(_mm_srli_epi64(fours, 32), _mm_set_epi64x(1, powers[8]));
-    const __m128i sums = _mm_add_epi32(evens, odds);
-    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_add_epi32(sums, _mm_unpackhi_epi64(sums, sums))));
-}
-
 // The bytes of a text of fewer than 16, at the end of a register.
-inline __m128i LoadShort(std::string_view text) noexcept {
+inline Bytes16 LoadShort(std::string_view text) noexcept {
     const char* const begin = text.data();
     const std::size_t size = text.size();
     std::uint64_t front = 0;
@@ -82,24 +60,24 @@ inline __m128i LoadShort(std::string_view text) noexcept {
         for (const char byte : text)
             back = back >> 8 | static_cast<std::uint64_t>(static_cast<std::uint8_t>(byte)) << 56;
     }
-    return _mm_set_epi64x(static_cast<std::int64_t>(back), static_cast<std::int64_t>(front));
+    return BytesOf(front, back);
 }
 
 }  // namespace hash_text
 
 // Inlined also where compilers find it large: it is a third of a look-up, and its steps overlap with what follows.
-[[gnu::always_inline]] inline std::uint32_t HashText(std::string_view text) noexcept {
+ZEL_ALWAYS_INLINE std::uint32_t HashText(std::string_view text) noexcept {
     using namespace hash_text;
-    if (text.size() < Step) return HashStep(LoadShort(text));
+    if (text.size() < Step) return NumberToBase31(LoadShort(text));
     const char* at = text.data();
     const char* const end = at + text.size();
     std::uint32_t hash = 0;
     for (; end - at >= static_cast<std::ptrdiff_t>(Step); at += Step)
-        hash = hash * powers[Step] + HashStep(LoadStep(at));
+        hash = hash * powers[Step] + NumberToBase31(LoadBytes(at));
     const auto rest = static_cast<std::size_t>(end - at);
     if (rest == 0) return hash;
-    const __m128i last = _mm_and_si128(LoadStep(end - Step), LoadStep(keepLast.data() + rest));
-    return hash * powers[rest] + HashStep(last);
+    const Bytes16 last = LoadBytes(end - Step) & LoadBytes(keepLast.data() + rest);
+    return hash * powers[rest] + NumberToBase31(last);
 }
 
 }  // namespace zel

@@ -10,8 +10,6 @@
 
 #include "ZELQMAStream.h"
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <atomic>
 #include <bit>
 #include <cstdint>
@@ -19,6 +17,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/bytes16.h"
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "base/shared_body.h"
@@ -33,13 +32,10 @@ constexpr std::size_t FirstCapacity = 64000;
 
 // The bits of the line feeds among the 64 bytes at `place`.
 std::uint64_t FindLineFeeds(const char* place) noexcept {
-    const __m128i lineFeed = _mm_set1_epi8('\n');
+    const Bytes16 lineFeed = RepeatByte('\n');
     std::uint64_t found = 0;
-    for (unsigned part = 0; part < 4; ++part) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place) + part);
-        const int equal = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, lineFeed));
-        found |= static_cast<std::uint64_t>(static_cast<std::uint32_t>(equal)) << (part * 16);
-    }
+    for (std::size_t part = 0; part < Step; part += Bytes16::Size)
+        found |= std::uint64_t{ByteMask(EqualBytes(LoadBytes(place + part), lineFeed))} << part;
     return found;
 }
 

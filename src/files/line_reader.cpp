@@ -7,11 +7,11 @@
 
 #include "files/line_reader.h"
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <algorithm>
 #include <bit>
 #include <cstring>
+
+#include "base/bytes16.h"
 
 using namespace zel;
 
@@ -23,15 +23,14 @@ constexpr std::size_t FirstBlock = (std::size_t{1} << 16) - Step16;
 // Turns bytes that are negative or below the blank into blanks, up to the first end of line from `from` on. Returns its
 // position, or `end`.
 std::size_t CleanLine(char* text, std::size_t from, std::size_t end) noexcept {
-    const __m128i blank = _mm_set1_epi8(' ');
-    const __m128i lineEnd = _mm_set1_epi8('\n');
+    const Bytes16 blank = RepeatByte(' ');
+    const Bytes16 lineEnd = RepeatByte('\n');
     for (; from < end; from += Step16) {
-        auto* const place = reinterpret_cast<__m128i*>(text + from);
-        const __m128i bytes = _mm_loadu_si128(place);
-        const __m128i ends = _mm_cmpeq_epi8(bytes, lineEnd);
-        const __m128i cleaned = _mm_andnot_si128(ends, _mm_cmplt_epi8(bytes, blank));
-        _mm_storeu_si128(place, _mm_or_si128(_mm_andnot_si128(cleaned, bytes), _mm_and_si128(cleaned, blank)));
-        const auto found = static_cast<unsigned>(_mm_movemask_epi8(ends));
+        const Bytes16 bytes = LoadBytes(text + from);
+        const Bytes16 ends = EqualBytes(bytes, lineEnd);
+        const Bytes16 cleaned = Without(LessBytes(bytes, blank), ends);
+        StoreBytes(text + from, Without(bytes, cleaned) | (cleaned & blank));
+        const unsigned found = ByteMask(ends);
         if (found == 0) continue;
         const std::size_t position = from + static_cast<std::size_t>(std::countr_zero(found));
         return position < end ? position : end;

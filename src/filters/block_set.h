@@ -3,12 +3,11 @@
 #ifndef FILTERS_BLOCK_SET_H
 #define FILTERS_BLOCK_SET_H
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <climits>
 #include <cstdint>
 
 #include "ZELUnicodeString.h"
+#include "base/bytes16.h"
 
 namespace zel {
 
@@ -53,15 +52,15 @@ struct BlockSet {
 };
 
 inline unsigned BlockSet::HoldsOfFour(const char32_t* text) const noexcept {
-    const __m128i sign = _mm_set1_epi32(INT_MIN);
-    const __m128i codes = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(text)), sign);
-    __m128i outside = _mm_set1_epi32(-1);
+    const Bytes16 sign = RepeatWord(0x80000000);
+    const Bytes16 codes = LoadBytes(text) ^ sign;
+    Bytes16 outside = RepeatByte(-1);
     for (int i = 0; i < rangeCount; ++i) {
-        const __m128i under = _mm_cmplt_epi32(codes, _mm_set1_epi32(ranges[i].first));
-        const __m128i over = _mm_cmpgt_epi32(codes, _mm_set1_epi32(ranges[i].last));
-        outside = _mm_and_si128(outside, _mm_or_si128(under, over));
+        const Bytes16 under = LessWords(codes, RepeatWord(static_cast<std::uint32_t>(ranges[i].first)));
+        const Bytes16 over = LessWords(RepeatWord(static_cast<std::uint32_t>(ranges[i].last)), codes);
+        outside = outside & (under | over);
     }
-    return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(outside))) ^ 15;
+    return WordMask(outside) ^ 15;
 }
 
 }  // namespace zel

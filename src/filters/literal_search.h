@@ -6,13 +6,12 @@
 #ifndef FILTERS_LITERAL_SEARCH_H
 #define FILTERS_LITERAL_SEARCH_H
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <string_view>
 
+#include "base/bytes16.h"
 #include "filters/reached_positions.h"
 
 namespace zel {
@@ -27,14 +26,12 @@ void FindBorders(std::u32string_view literal, int* borders) noexcept;
 // when there is none.
 inline std::size_t FindEnds(const char32_t* text, std::size_t count, char32_t first, std::size_t distance,
                             char32_t last) noexcept {
-    const auto four = [](const char32_t* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); };
-    const __m128i firsts = _mm_set1_epi32(static_cast<int>(first));
-    const __m128i lasts = _mm_set1_epi32(static_cast<int>(last));
+    const Bytes16 firsts = RepeatWord(first);
+    const Bytes16 lasts = RepeatWord(last);
     for (std::size_t i = 0; count >= 4 && i < count; i += 4) {
         i = std::min(i, count - 4);  // the last four may overlap those before
-        const __m128i found =
-            _mm_and_si128(_mm_cmpeq_epi32(four(text + i), firsts), _mm_cmpeq_epi32(four(text + i + distance), lasts));
-        const auto mask = static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(found)));
+        const Bytes16 begins = EqualWords(LoadBytes(text + i), firsts);
+        const unsigned mask = WordMask(begins & EqualWords(LoadBytes(text + i + distance), lasts));
         if (mask != 0) return i + static_cast<std::size_t>(std::countr_zero(mask));
     }
     if (count >= 4) return count;

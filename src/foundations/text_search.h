@@ -2,13 +2,13 @@
 #ifndef FOUNDATIONS_TEXT_SEARCH_H
 #define FOUNDATIONS_TEXT_SEARCH_H
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+
+#include "base/bytes16.h"
 
 namespace zel {
 
@@ -37,15 +37,14 @@ inline bool SameHead(const char* left, const char* right, std::size_t size) noex
 inline std::size_t FindByEnds(std::string_view text, std::string_view what, std::size_t from) noexcept {
     constexpr std::size_t Places = 16;
     const std::size_t lastStep = text.size() - what.size() + 1 - Places;
-    const __m128i first = _mm_set1_epi8(what.front());
-    const __m128i last = _mm_set1_epi8(what.back());
+    const Bytes16 first = RepeatByte(what.front());
+    const Bytes16 last = RepeatByte(what.back());
     for (std::size_t at = from;; at += Places) {
         if (at > lastStep) at = lastStep;
         const char* const place = text.data() + at;
-        const __m128i begins = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
-        const __m128i ends = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place + what.size() - 1));
-        const __m128i both = _mm_and_si128(_mm_cmpeq_epi8(begins, first), _mm_cmpeq_epi8(ends, last));
-        for (auto found = static_cast<unsigned>(_mm_movemask_epi8(both)); found != 0; found &= found - 1) {
+        const Bytes16 begins = EqualBytes(LoadBytes(place), first);
+        const Bytes16 ends = EqualBytes(LoadBytes(place + what.size() - 1), last);
+        for (unsigned found = ByteMask(begins & ends); found != 0; found &= found - 1) {
             const int offset = std::countr_zero(found);
             if (SameHead(place + offset, what.data(), what.size())) return at + static_cast<std::size_t>(offset);
         }

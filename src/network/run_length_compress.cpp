@@ -11,8 +11,6 @@
 // (WindowReach), which the loop makes sure of; between two flushes less than StageSize bytes are staged.
 // Measured against a byte loop: 3 times as fast on runs of a dozen bytes and of hundreds, 11 times on thousands.
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <algorithm>
 #include <bit>
 #include <climits>
@@ -20,6 +18,7 @@
 #include <cstring>
 
 #include "TARunLength.h"
+#include "base/bytes16.h"
 #include "network/run_length_codes.h"
 
 using namespace zel;
@@ -31,31 +30,24 @@ constexpr std::size_t WindowReach = 2 * Window;  // literals are loaded 64 at a 
 constexpr std::size_t StageSize = 4096;
 constexpr std::size_t StageSlack = 4 * Window;  // what one window writes, useless bytes behind it included
 
-__m128i Load16(const unsigned char* bytes) noexcept {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-}
-
 // Bit i: byte i equals the bytes of `value`.
-std::uint64_t EqualBytes(const unsigned char* window, __m128i value) noexcept {
+std::uint64_t EqualInWindow(const unsigned char* window, Bytes16 value) noexcept {
     std::uint64_t mask = 0;
-    for (int i = 0; i < 4; ++i) {
-        const __m128i equal = _mm_cmpeq_epi8(Load16(window + 16 * i), value);
-        mask |= std::uint64_t{static_cast<unsigned>(_mm_movemask_epi8(equal))} << (16 * i);
-    }
+    for (std::size_t i = 0; i < Window; i += Bytes16::Size)
+        mask |= std::uint64_t{ByteMask(EqualBytes(LoadBytes(window + i), value))} << i;
     return mask;
 }
 
 // How many bytes from `begin` on equal `value`.
 std::size_t CountRun(const unsigned char* begin, const unsigned char* end, unsigned char value) noexcept {
-    const __m128i values = _mm_set1_epi8(static_cast<char>(value));
+    const Bytes16 values = RepeatByte(static_cast<char>(value));
     const unsigned char* at = begin;
     for (; static_cast<std::size_t>(end - at) >= Window; at += Window) {
-        const __m128i first = _mm_cmpeq_epi8(Load16(at), values), second = _mm_cmpeq_epi8(Load16(at + 16), values);
-        const __m128i third = _mm_cmpeq_epi8(Load16(at + 32), values), last = _mm_cmpeq_epi8(Load16(at + 48), values);
-        const __m128i all = _mm_and_si128(_mm_and_si128(first, second), _mm_and_si128(third, last));
-        if (_mm_movemask_epi8(all) != 0xFFFF)
+        const Bytes16 front = EqualBytes(LoadBytes(at), values) & EqualBytes(LoadBytes(at + 16), values);
+        const Bytes16 back = EqualBytes(LoadBytes(at + 32), values) & EqualBytes(LoadBytes(at + 48), values);
+        if (ByteMask(front & back) != 0xFFFF)
             return static_cast<std::size_t>(at - begin) +
-                   static_cast<std::size_t>(std::countr_one(EqualBytes(at, values)));
+                   static_cast<std::size_t>(std::countr_one(EqualInWindow(at, values)));
     }
     while (at < end && *at == value) ++at;
     return static_cast<std::size_t>(at - begin);
@@ -63,10 +55,9 @@ std::size_t CountRun(const unsigned char* begin, const unsigned char* end, unsig
 
 // Puts a zero before each of 16 bytes.
 void PutLiterals(const unsigned char* bytes, unsigned char* codes) noexcept {
-    const __m128i literals = Load16(bytes);
-    auto* const pairs = reinterpret_cast<__m128i*>(codes);
-    _mm_storeu_si128(pairs, _mm_unpacklo_epi8(_mm_setzero_si128(), literals));
-    _mm_storeu_si128(pairs + 1, _mm_unpackhi_epi8(_mm_setzero_si128(), literals));
+    const Bytes16 literals = LoadBytes(bytes);
+    StoreBytes(codes, InterleaveFront(RepeatByte(0), literals));
+    StoreBytes(codes + Bytes16::Size, InterleaveBack(RepeatByte(0), literals));
 }
 
 class Compressor {
@@ -169,11 +160,12 @@ void Compressor::PutRest() noexcept {
 
 // Codes all but the end of the input; false when the output is full.
 bool Compressor::PutWindows() noexcept {
-    const __m128i allOnes = _mm_set1_epi8(-1);
+    const Bytes16 allZeros = RepeatByte(0);
+    const Bytes16 allOnes = RepeatByte(-1);
     while (Left() >= WindowReach) {
         if (_staged >= StageSize && !Flush()) return false;
-        const std::uint64_t zeros = EqualBytes(_position, _mm_setzero_si128());
-        const std::uint64_t ones = EqualBytes(_position, allOnes);
+        const std::uint64_t zeros = EqualInWindow(_position, allZeros);
+        const std::uint64_t ones = EqualInWindow(_position, allOnes);
         if (zeros == UINT64_MAX) {
             const std::size_t count = CountRun(_position, _end, 0x00);
             if (!PutZeros(count)) return false;

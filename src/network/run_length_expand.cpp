@@ -10,14 +10,13 @@
 // Measured against one code at a time with memset: 3.5 times as fast on runs of a dozen bytes, 1.5 times on hundreds,
 // level on thousands, where memset does the work in both.
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 
 #include "TARunLength.h"
+#include "base/bytes16.h"
 #include "base/failure_report.h"
 #include "network/run_length_codes.h"
 
@@ -43,27 +42,20 @@ Run RunOf(std::size_t code) noexcept {
 
 // Writes `run.length` bytes and up to Store - 1 behind them.
 void Fill(unsigned char* to, Run run) noexcept {
-    const __m128i value = _mm_set1_epi8(static_cast<char>(run.value));
+    const Bytes16 value = RepeatByte(static_cast<char>(run.value));
     const unsigned char* const end = to + run.length;
     do {
-        auto* const place = reinterpret_cast<__m128i*>(to);
-        _mm_storeu_si128(place, value);
-        _mm_storeu_si128(place + 1, value);
-        _mm_storeu_si128(place + 2, value);
-        _mm_storeu_si128(place + 3, value);
+        StoreBytes(to, value);
+        StoreBytes(to + 16, value);
+        StoreBytes(to + 32, value);
+        StoreBytes(to + 48, value);
         to += Store;
     } while (to < end);
 }
 
-__m128i LoadPairs(const unsigned char* code) noexcept {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(code));
-}
-
 // Of 8 pairs of a code and a byte: how many bytes the literals at their beginning take, two for each.
-std::size_t LiteralBytes(__m128i pairs) noexcept {
-    const __m128i codes = _mm_and_si128(pairs, _mm_set1_epi16(0x00FF));
-    const __m128i isLiteral = _mm_cmpeq_epi16(codes, _mm_setzero_si128());
-    return static_cast<std::size_t>(std::countr_one(static_cast<unsigned>(_mm_movemask_epi8(isLiteral))));
+std::size_t LiteralBytes(Bytes16 pairs) noexcept {
+    return static_cast<std::size_t>(std::countr_one(ByteMask(PairsThatBeginWithZero(pairs))));
 }
 
 class Expander {
@@ -93,13 +85,13 @@ void Expander::ExpandWide() noexcept {
     const auto room = [&] { return _capacity - (to - _out); };
     while (static_cast<std::size_t>(_end - code) >= WideFrom && room() >= std::int64_t{Store}) {
         if (*code == LiteralCode) {
-            const __m128i pairs = LoadPairs(code);
+            const Bytes16 pairs = LoadBytes(code);
             const std::size_t length = LiteralBytes(pairs);
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(_mm_srli_epi16(pairs, 8), pairs));
-            if (length == sizeof pairs) {
+            StoreFrontHalf(to, SecondOfPairs(pairs));
+            if (length == Bytes16::Size) {
                 // A full step goes on by a constant, for which the next one need not wait.
-                code += sizeof pairs;
-                to += sizeof pairs / 2;
+                code += Bytes16::Size;
+                to += Bytes16::Size / 2;
             } else {
                 code += length;
                 to += length / 2;

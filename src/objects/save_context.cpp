@@ -10,8 +10,8 @@
 #include <string_view>
 
 #include "TADiagnostics.h"
+#include "base/compiler.h"
 #include "base/failure_report.h"
-#include "base/prefetch.h"
 #include "objects/attr_list.h"
 #include "objects/path_node.h"
 #include "objects/shared_text.h"

@@ -7,8 +7,6 @@
 
 #include "TAFileName.h"
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -18,6 +16,7 @@
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
+#include "base/bytes16.h"
 #include "base/failure_report.h"
 #include "paths/normalise.h"
 #include "paths/path_names.h"
@@ -79,13 +78,12 @@ TAFileName::Block* TAFileName::MakeBlock(std::string_view first, std::string_vie
 
 // The last `character` in the first `end` bytes of the text, sixteen bytes at a time: the room of a block allows it.
 std::size_t TAFileName::FindLast(char character, std::size_t end) const noexcept {
-    const __m128i wanted = _mm_set1_epi8(character);
+    const Bytes16 wanted = RepeatByte(character);
     while (end > 0 && _block != nullptr) {
         const std::size_t last = end - 1;
         const std::size_t begin = last / PathPadding * PathPadding;
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(_block->text + begin));
         const unsigned inside = (2U << (last - begin)) - 1;
-        const unsigned found = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted))) & inside;
+        const unsigned found = ByteMask(EqualBytes(LoadBytes(_block->text + begin), wanted)) & inside;
         if (found != 0) return begin + static_cast<std::size_t>(std::bit_width(found)) - 1;
         end = begin;
     }

@@ -5,10 +5,10 @@
 
 #include "paths/normalise.h"
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <bit>
 #include <cstring>
+
+#include "base/bytes16.h"
 
 using namespace zel;
 
@@ -19,19 +19,18 @@ constexpr char Separator = '\\';
 // Rule 1. Tells whether some separator is followed by a separator or a dot; bytes behind the text may only make it
 // answer yes too often.
 bool TurnSlashes(char* text, std::size_t length) noexcept {
-    const __m128i slash = _mm_set1_epi8('/');
-    const __m128i backslash = _mm_set1_epi8(Separator);
-    const __m128i slashToBackslash = _mm_set1_epi8('/' ^ Separator);
-    const __m128i dot = _mm_set1_epi8('.');
+    const Bytes16 slash = RepeatByte('/');
+    const Bytes16 backslash = RepeatByte(Separator);
+    const Bytes16 slashToBackslash = RepeatByte('/' ^ Separator);
+    const Bytes16 dot = RepeatByte('.');
     unsigned suspicious = 0;
     unsigned separatorBefore = 0;  // bit 0: the last byte of the previous 16 was a separator
     for (std::size_t i = 0; i < length; i += PathPadding) {
-        auto* const place = reinterpret_cast<__m128i*>(text + i);
-        __m128i bytes = _mm_loadu_si128(place);
-        bytes = _mm_xor_si128(bytes, _mm_and_si128(_mm_cmpeq_epi8(bytes, slash), slashToBackslash));
-        _mm_storeu_si128(place, bytes);
-        const auto separators = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, backslash)));
-        const auto dots = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, dot)));
+        Bytes16 bytes = LoadBytes(text + i);
+        bytes = bytes ^ (EqualBytes(bytes, slash) & slashToBackslash);
+        StoreBytes(text + i, bytes);
+        const unsigned separators = ByteMask(EqualBytes(bytes, backslash));
+        const unsigned dots = ByteMask(EqualBytes(bytes, dot));
         suspicious |= ((separators << 1) | separatorBefore) & (separators | dots);
         separatorBefore = separators >> (PathPadding - 1);
     }
@@ -41,14 +40,13 @@ bool TurnSlashes(char* text, std::size_t length) noexcept {
 // The first place at or behind `from` where a separator is followed by a separator or a dot, which is where the rules
 // may find something; `length` when there is none.
 std::size_t FindCandidate(const char* text, std::size_t from, std::size_t length) noexcept {
-    const __m128i backslash = _mm_set1_epi8(Separator);
-    const __m128i dot = _mm_set1_epi8('.');
+    const Bytes16 backslash = RepeatByte(Separator);
+    const Bytes16 dot = RepeatByte('.');
     for (; from + PathPadding < length; from += PathPadding) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + from));
-        const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + from + 1));
-        const __m128i either = _mm_or_si128(_mm_cmpeq_epi8(next, backslash), _mm_cmpeq_epi8(next, dot));
-        const int found = _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(bytes, backslash), either));
-        if (found != 0) return from + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(found)));
+        const Bytes16 next = LoadBytes(text + from + 1);
+        const Bytes16 either = EqualBytes(next, backslash) | EqualBytes(next, dot);
+        const unsigned found = ByteMask(EqualBytes(LoadBytes(text + from), backslash) & either);
+        if (found != 0) return from + static_cast<std::size_t>(std::countr_zero(found));
     }
     for (; from + 1 < length; ++from)
         if (text[from] == Separator && (text[from + 1] == Separator || text[from + 1] == '.')) return from;

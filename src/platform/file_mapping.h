@@ -32,9 +32,9 @@ public:
 private:
     void Unmap() noexcept;
 
-    std::FILE* _stream;
-    char* _window = nullptr;
-    std::int64_t _begin = 0;  // where in the file the window begins
+    [[maybe_unused]] std::FILE* _stream;
+    [[maybe_unused]] char* _window = nullptr;
+    [[maybe_unused]] std::int64_t _begin = 0;  // where in the file the window begins
 };
 
 }  // namespace zel

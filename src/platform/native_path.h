@@ -22,8 +22,8 @@ public:
 
 private:
     const char* _text;
-    char* _block = nullptr;  // malloc'd; null while _text is the caller's or lies in _room
-    char _room[256];
+    [[maybe_unused]] char* _block = nullptr;  // malloc'd; null while _text is the caller's or lies in _room
+    [[maybe_unused]] char _room[256];
 };
 
 // Turns a path of the system into a path value, in place and of the same length.

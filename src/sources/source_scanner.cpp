@@ -8,11 +8,10 @@
 
 #include "sources/source_scanner.h"
 
-#include <emmintrin.h>  // SSE2 is part of every x86-64
-
 #include <bit>
 
 #include "ZELFilePrepro.h"
+#include "base/bytes16.h"
 
 using namespace zel;
 
@@ -60,11 +59,9 @@ template <bool Keep, char... Stops>
 void Scanner::Run() noexcept {
     constexpr std::ptrdiff_t Step = 16;
     while (_at < _end) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(_at));
-        if constexpr (Keep) _mm_storeu_si128(reinterpret_cast<__m128i*>(_output), bytes);
-        __m128i stops = _mm_setzero_si128();
-        ((stops = _mm_or_si128(stops, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(Stops)))), ...);
-        const auto found = static_cast<unsigned>(_mm_movemask_epi8(stops));
+        const Bytes16 bytes = LoadBytes(_at);
+        if constexpr (Keep) StoreBytes(_output, bytes);
+        const unsigned found = ByteMask((EqualBytes(bytes, RepeatByte(Stops)) | ...));
         std::ptrdiff_t count = found != 0 ? std::countr_zero(found) : Step;
         if (count > _end - _at) count = _end - _at;
         _at += count;
