@@ -52,6 +52,16 @@ void Diagnostics() {
     Expect(lock.Lock() == 0 && lock.Unlock() == 0, "ZELMutex");
 }
 
+void Boundary() {
+    Expect(ZELVersionLinked() == ZEL_VERSION && ZELVersionText()[0] == '0' + ZEL_VERSION_MAJOR, "ZELVersion");
+    int* const made = ZELNew<int>(7);
+    Expect(made != nullptr && *made == 7, "ZELMemory");
+    ZELDelete(made);
+    const ZELShared<ZELAtomic<int>> count = ZELShared<ZELAtomic<int>>::Make(1);
+    const ZELShared<ZELAtomic<int>> other = count;
+    Expect(other->fetch_add(1) == 1 && count->load() == 2 && count.use_count() == 2, "ZELShared, ZELAtomic");
+}
+
 void Containers() {
     int value = 0;
     TAIndex names;
@@ -209,6 +219,7 @@ void Filters() {
 }  // namespace
 
 int main() {
+    Boundary();
     Foundations();
     Diagnostics();
     Containers();
