@@ -20,13 +20,14 @@
 #ifndef TAPERFO_H
 #define TAPERFO_H
 
-#include <atomic>
 #include <ostream>
 
 #include "TAThreadLock.h"
+#include "ZELAtomic.h"
 #include "ZELExport.h"
 #include "ZELListPtr.h"
 #include "ZELListValZELString.h"
+#include "ZELMemory.h"
 #include "ZELPlatformTypes.h"
 #include "ZELString.h"
 
@@ -78,8 +79,8 @@ protected:
     void Add(int amount) noexcept;
 
     ZELString _name;
-    std::atomic<__int64> _start;  // seconds since 1970-01-01 00:00 UTC
-    std::atomic<__int64> _count;  // atomic for those who read beside the thread that counts
+    ZELAtomic<__int64> _start;  // seconds since 1970-01-01 00:00 UTC
+    ZELAtomic<__int64> _count;  // atomic, because other threads read it while one counts
     mutable TAThreadLock _lock;
 };
 

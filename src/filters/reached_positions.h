@@ -12,7 +12,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
+
+#include "base/memory.h"
 
 namespace zel {
 
@@ -25,7 +26,7 @@ public:
     ReachedPositions(const ReachedPositions&) = delete;
     ReachedPositions& operator=(const ReachedPositions&) = delete;
     ~ReachedPositions() {
-        if (_words != _inlineWords) std::free(_words);
+        if (_words != _inlineWords) Free(_words);
     }
 
     bool IsOutOfMemory() const noexcept { return _isOutOfMemory; }
