@@ -15,7 +15,7 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "objects/attr_list.h"
-#include "objects/object_contents.h"
+#include "objects/tree_contents.h"
 
 using namespace zel;
 

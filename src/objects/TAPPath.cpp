@@ -10,7 +10,7 @@
 #include "TADiagnostics.h"
 #include "base/failure_report.h"
 #include "base/memory.h"
-#include "objects/path_node.h"
+#include "objects/name_chain.h"
 #include "objects/shared_text.h"
 
 using namespace zel;

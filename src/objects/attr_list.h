@@ -3,7 +3,7 @@
 #define OBJECTS_ATTR_LIST_H
 
 #include "TAPAttr.h"
-#include "objects/remains.h"
+#include "objects/deferred_destruction.h"
 
 struct TAPAttr::List final : zel::Remains {
     bool EndNext() noexcept override {

@@ -13,7 +13,7 @@
 #include "base/failure_report.h"
 #include "base/prefetch.h"
 #include "objects/attr_list.h"
-#include "objects/path_node.h"
+#include "objects/name_chain.h"
 #include "objects/shared_text.h"
 
 using namespace zel;

@@ -8,7 +8,7 @@
 #include "TAPAttr.h"
 #include "TAPObject.h"
 #include "objects/dump_file.h"
-#include "objects/object_contents.h"
+#include "objects/tree_contents.h"
 #include "objects/work_stack.h"
 
 class TAPObjectSaveContext {

@@ -3,8 +3,8 @@
 // What an object or a list held when it ended is its remains. They go one by one, first to last, each with all that
 // ends because of it before the next: the order of plain recursion. But each thread keeps its remains on a stack of
 // their own, linked through themselves, so ending needs neither memory nor more of the thread's stack.
-#ifndef OBJECTS_REMAINS_H
-#define OBJECTS_REMAINS_H
+#ifndef OBJECTS_DEFERRED_DESTRUCTION_H
+#define OBJECTS_DEFERRED_DESTRUCTION_H
 
 namespace zel {
 

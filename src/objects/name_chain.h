@@ -1,6 +1,6 @@
 // The chain of names that a path is; for TAPPath and the dump.
-#ifndef OBJECTS_PATH_NODE_H
-#define OBJECTS_PATH_NODE_H
+#ifndef OBJECTS_NAME_CHAIN_H
+#define OBJECTS_NAME_CHAIN_H
 
 #include "TAPPath.h"
 

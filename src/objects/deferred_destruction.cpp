@@ -1,6 +1,6 @@
 // The stack of one thread's remains; the outermost End() works it off.
 
-#include "objects/remains.h"
+#include "objects/deferred_destruction.h"
 
 using namespace zel;
 

@@ -1,9 +1,9 @@
 // What an object holds, apart from it, so that it can outlive the object for as long as ending it takes.
-#ifndef OBJECTS_OBJECT_CONTENTS_H
-#define OBJECTS_OBJECT_CONTENTS_H
+#ifndef OBJECTS_TREE_CONTENTS_H
+#define OBJECTS_TREE_CONTENTS_H
 
 #include "TAPObject.h"
-#include "objects/remains.h"
+#include "objects/deferred_destruction.h"
 
 struct TAPObject::Contents final : zel::Remains {
     Contents() noexcept = default;
