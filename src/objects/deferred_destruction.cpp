@@ -1,22 +1,24 @@
-// The stack of one thread's remains; the outermost End() works it off.
+// The contents that are under way in one thread are a stack. The outermost Destroy() empties it.
 
 #include "objects/deferred_destruction.h"
 
+#include "ZELMemory.h"
+
 using namespace zel;
 
-void Remains::End(Remains* remains) noexcept {
-    static thread_local Remains* top = nullptr;
+void DeferredContents::Destroy(DeferredContents* contents) noexcept {
+    static thread_local DeferredContents* top = nullptr;
     static thread_local bool isWorking = false;
-    if (remains == nullptr) return;
-    remains->_below = top;
-    top = remains;
+    if (contents == nullptr) return;
+    contents->_below = top;
+    top = contents;
     if (isWorking) return;
     isWorking = true;
     while (top != nullptr) {
-        Remains* const current = top;
-        if (current->EndNext()) continue;
+        DeferredContents* const current = top;
+        if (current->DestroyNext()) continue;
         top = current->_below;
-        delete current;
+        ZELDelete(current);
     }
     isWorking = false;
 }

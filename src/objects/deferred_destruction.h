@@ -1,29 +1,30 @@
-// Ends trees of objects and lists without recursion, however deep they are.
+// Destroys trees of objects and lists without recursion, however deep they are.
 //
-// What an object or a list held when it ended is its remains. They go one by one, first to last, each with all that
-// ends because of it before the next: the order of plain recursion. But each thread keeps its remains on a stack of
-// their own, linked through themselves, so ending needs neither memory nor more of the thread's stack.
+// A destroyed object or list leaves its contents here. They are destroyed one by one, first to last, and all that one
+// of them destroys comes before the next: the order of plain recursion. The contents that are under way in a thread
+// form a list, linked through themselves, so destruction needs neither memory nor a deep stack.
 #ifndef OBJECTS_DEFERRED_DESTRUCTION_H
 #define OBJECTS_DEFERRED_DESTRUCTION_H
 
 namespace zel {
 
-class Remains {
+class DeferredContents {
 public:
-    Remains() noexcept = default;
-    Remains(const Remains&) = delete;
-    Remains& operator=(const Remains&) = delete;
-    virtual ~Remains() = default;
+    DeferredContents() noexcept = default;
+    DeferredContents(const DeferredContents&) = delete;
+    DeferredContents& operator=(const DeferredContents&) = delete;
+    virtual ~DeferredContents() = default;
 
-    // Ends what is next, which may call End() for other remains. False when nothing was left: then it called nothing.
-    virtual bool EndNext() noexcept = 0;
+    // Destroys the next element, which may call Destroy() for other contents. False when none was left: then it called
+    // nothing.
+    virtual bool DestroyNext() noexcept = 0;
 
-    // Ends all of `remains`, which come from new, and deletes them: at once, or, when called from within EndNext() of
-    // this thread, as soon as that returns. Null is nothing.
-    static void End(Remains* remains) noexcept;
+    // Destroys all elements of `contents`, an object of ZELNew(), and then the object itself: at once, or, if called
+    // from within a DestroyNext() of this thread, as soon as that returns. Null is ignored.
+    static void Destroy(DeferredContents* contents) noexcept;
 
 private:
-    Remains* _below = nullptr;
+    DeferredContents* _below = nullptr;
 };
 
 }  // namespace zel

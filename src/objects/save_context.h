@@ -7,9 +7,9 @@
 #include "TAFileName.h"
 #include "TAPAttr.h"
 #include "TAPObject.h"
+#include "base/growing_array.h"
 #include "objects/dump_file.h"
 #include "objects/tree_contents.h"
-#include "objects/work_stack.h"
 
 class TAPObjectSaveContext {
 public:
@@ -56,7 +56,7 @@ private:
     zel::DumpFile _files[Kinds];
     int _opened[Kinds] = {};  // kinds, in the order in which their files were opened
     int _openCount = 0;
-    zel::WorkStack<Level> _levels;
+    zel::GrowingArray<Level> _levels;
 };
 
 #endif

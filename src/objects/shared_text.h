@@ -7,8 +7,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
+
+#include "base/memory.h"
 
 namespace zel {
 
@@ -22,7 +23,7 @@ struct SharedText {
     }
     static void Drop(SharedText* text) noexcept {
         if (text == nullptr) return;
-        if (text->IsAlone() || text->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) std::free(text);
+        if (text->IsAlone() || text->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) Free(text);
     }
     // Lengthens the text of one owner by `tail`, which may be part of it. False, and no change, without memory.
     static bool Append(SharedText*& text, std::string_view tail, const char* owner) noexcept;
