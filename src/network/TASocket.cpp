@@ -8,14 +8,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "network/connection.h"
 #include "network/setup_trace.h"
-#include "network/socket_library.h"
 #include "network/socket_setup.h"
 
 using namespace zel;
@@ -29,7 +27,7 @@ constexpr const char* NotOpenForGet = "Socket not opened, unable to get data blo
 // Null when there is no socket, or no memory.
 TASocketConnection* MakeConnection(TASocket& owner, Socket&& socket) noexcept {
     if (!socket.IsOpen()) return nullptr;
-    TASocketConnection* const made = NewObject<TASocketConnection>(owner, std::move(socket));
+    TASocketConnection* const made = ZELNew<TASocketConnection>(owner, std::move(socket));
     if (made == nullptr) ReportAllocFailure("TASocket", sizeof *made);
     return made;
 }
@@ -133,7 +131,7 @@ int TASocket::Close() noexcept {
     if (!HasSockets()) return Fail(NoLibrary);
     if (_connection == nullptr) return Fail("unable to close not opened socket");
     const int result = _connection->Flush();
-    delete _connection;
+    ZELDelete(_connection);
     _connection = nullptr;
     return result;
 }
@@ -206,7 +204,7 @@ int TASocket::GetBinBlock(int* size, void** data, int timeout) noexcept {
     if (data != nullptr)
         *data = block;
     else
-        std::free(block);
+        Free(block);
     return result;
 }
 

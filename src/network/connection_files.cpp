@@ -43,7 +43,7 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 using Block = std::unique_ptr<char, FreeBlock>;
 
 Block MakeBlock(std::size_t size) noexcept {
-    Block block(static_cast<char*>(Allocate(size)));
+    Block block(AllocateArray<char>(size));
     if (block == nullptr) ReportAllocFailure("TASocket", size);
     return block;
 }
@@ -125,20 +125,20 @@ private:
 
 // What a block of a file may hold now: at most what the buffer has room for, and no more than its header can tell.
 std::size_t TASocketConnection::FrameRoom() const noexcept {
-    return static_cast<std::size_t>(std::clamp(_out.Free() - block_header::Size, 0, block_header::MostBytes));
+    return static_cast<std::size_t>(std::clamp(_out.Free() - BlockHeaderSize, 0, MostBlockBytes));
 }
 
 // Sends what waits and the contents in blocks that fill the buffer; the rest, which does not fill one, stays in it.
 int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept {
-    char headers[MostFrames][block_header::Size];
+    char headers[MostFrames][BlockHeaderSize];
     Piece pieces[Socket::MaxPieces];
     for (std::size_t room = FrameRoom(); size >= room;) {
         int count = 0;
         pieces[count++] = {_out.Pending().data(), _out.Pending().size()};
         _out.Clear();  // the bytes stay until something is appended, and the next frames have all of its room
         for (int i = 0; i < MostFrames && size >= room; ++i) {
-            block_header::Encode(static_cast<int>(room), headers[i]);
-            pieces[count++] = {headers[i], block_header::Size};
+            EncodeBlockHeader(static_cast<int>(room), headers[i]);
+            pieces[count++] = {headers[i], BlockHeaderSize};
             pieces[count++] = {data, room};
             data += room;
             size -= room;
@@ -168,11 +168,11 @@ int TASocketConnection::SendMapped(FileMapping& mapping, std::size_t size, Trans
 
 // The block of length 0 behind the contents, and how many bytes they were.
 int TASocketConnection::PutTotal(std::int64_t sent) noexcept {
-    if (MakeRoom(block_header::Size, 0) != 0) return 1;
+    if (MakeRoom(BlockHeaderSize, 0) != 0) return 1;
     AppendHeader(0);
     char digits[24];
     const auto length = static_cast<int>(std::to_chars(digits, digits + sizeof digits, sent).ptr - digits);
-    if (MakeRoom(std::int64_t{block_header::Size} + length, length) != 0) return 1;
+    if (MakeRoom(std::int64_t{BlockHeaderSize} + length, length) != 0) return 1;
     AppendHeader(length);
     _out.Append(digits, static_cast<std::size_t>(length));
     return 0;
@@ -184,7 +184,7 @@ int TASocketConnection::PutFile(const char* path) noexcept {
     if (FrameRoom() == 0 && Flush() != 0) return 1;
     if (FrameRoom() == 0 || !_out.HasMemory()) return Fail("Unable to free write buffer");
     const std::size_t first = FrameRoom();
-    const auto room = static_cast<std::size_t>(std::min(_out.Capacity() - block_header::Size, block_header::MostBytes));
+    const auto room = static_cast<std::size_t>(std::min(_out.Capacity() - BlockHeaderSize, MostBlockBytes));
     const std::size_t size = std::max(AtOnce / room, std::size_t{1}) * room;
     const Block block = MakeBlock(size);
     if (block == nullptr) return Fail("Unable to free write buffer");
@@ -213,7 +213,7 @@ int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noex
     TransferTally tally(ReceiveMeter());
     for (;;) {
         // What is gathered lies in the buffer, which reading on may fill anew.
-        if (_in.Arrived().size() < block_header::Size && !target.WriteGathered()) return Fail(NotWritten);
+        if (_in.Arrived().size() < BlockHeaderSize && !target.WriteGathered()) return Fail(NotWritten);
         if (const int result = Wait(timeout); result != 0) return result;
         int length = 0;
         if (!ReadHeader(length)) return Fail("Unable to get block size");
@@ -240,8 +240,7 @@ int TASocketConnection::CheckTotal(std::int64_t received) noexcept {
     ZELString text;
     int length = 0;
     if (!ReadHeader(length)) return Fail("Unable to get block size ");
-    if (length < 0 || length > block_header::MostBytes || !ReadText(text, length))
-        return Fail("Unable to get full block");
+    if (length < 0 || length > MostBlockBytes || !ReadText(text, length)) return Fail("Unable to get full block");
     std::int64_t total = -1;
     const std::string_view digits = text.View();
     const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), total);

@@ -1,5 +1,5 @@
-// A path is a chain of counted nodes from the last name to the first. The path of a child is one node before the chain of
-// its parent, so the cost for each object does not depend on its depth.
+// A path is a chain of counted nodes from the last name to the first. The path of a child is one node before the chain
+// of its parent, so the cost for each object does not depend on its depth.
 //
 // Invariants: a node holds one reference to its name (which may be null) and is an owner of the node before it; nodes
 // never change. Cost: reading by index walks from the end. Hazard: chains are as long as trees are deep, so they are
