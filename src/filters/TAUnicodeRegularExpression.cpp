@@ -12,7 +12,6 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "filters/answer_memo.h"
-#include "filters/blanks.h"
 #include "filters/filter_matcher.h"
 #include "filters/filter_program.h"
 
@@ -38,10 +37,17 @@ struct zel::FilterState {
 namespace {
 
 const char* const matchesAll = "*";
+constexpr char32_t FilterBlank = U' ';
 // Measured on names of files: up to here finding an answer costs less than looking it up among many, most of all when
 // the names do not fit the cache.
 constexpr int CheapLexemes = 32;
 constexpr int CheapOperations = 256;
+
+std::u32string_view WithoutBlanks(std::u32string_view text) noexcept {
+    while (!text.empty() && text.front() == FilterBlank) text.remove_prefix(1);
+    while (!text.empty() && text.back() == FilterBlank) text.remove_suffix(1);
+    return text;
+}
 
 // Creates the state if there is none. False without memory.
 bool ProvideState(FilterState*& state) noexcept {
