@@ -1,8 +1,8 @@
 // Plain items on their way out, through the write buffer.
 //
-// The one rule of the buffer is in MakeRoom: an item that would reach its end has what waits sent first, and one that
-// would reach it even then is refused before anything of it is written. Contents of binary blocks are the exception:
-// they are sent from where they stand, in one call with what waits in front of them, so that they cost no copy.
+// The one rule of the buffer is in MakeRoom: before an item that would reach its end, the waiting bytes are sent. An
+// item that would reach it even then is rejected before any byte of it is written. Contents of binary blocks are the
+// exception: they are sent from their place, in one call with the waiting bytes, so that they are not copied.
 
 #include "network/block_header.h"
 #include "network/connection.h"
@@ -48,7 +48,7 @@ int TASocketConnection::Flush() noexcept {
     return isSent ? 0 : Fail("Unable to flush buffer");
 }
 
-// `item` in bytes with all that belongs to it, `told` what the message says when it never fits.
+// `item` is the whole size in bytes, `told` the size for the message when the item never fits.
 int TASocketConnection::MakeRoom(std::int64_t item, std::int64_t told) noexcept {
     if (item >= _out.Free() && Flush() != 0) return 1;
     if (item >= _out.Free() || !_out.HasMemory()) return _owner.RefuseItem(told);

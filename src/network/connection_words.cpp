@@ -1,11 +1,11 @@
 // Compressed blocks: each word travels in full once, and then as its number.
 //
 // A word enters the table of the sender when both its number and its text were accepted, so that the tables of both
-// ends agree as long as the connection stands. What would be refused in the middle of a block is found before it
-// begins.
+// ends agree as long as the connection exists. An item that would be rejected in the middle of a block is
+// found before the block begins.
 //
-// The dangerous case is a peer that makes much of little: a number of four bytes stands for a word of any length, so
-// the text that is rebuilt is bounded by what a sender may put into a block.
+// Hazard: a peer that makes much of little. A number of four bytes is a word of any length, so the length of the
+// rebuilt text is limited to that of a block.
 
 #include <algorithm>
 #include <cstdint>
@@ -134,7 +134,7 @@ bool TASocketConnection::ReadCompressedText(ZELString& text) noexcept {
     return true;
 }
 
-// Appends the items, and tells their bytes.
+// Appends the items, and returns their bytes.
 bool TASocketConnection::ReadCompressedList(ZELListValZELString& words, std::int64_t& bytes) noexcept {
     bytes = 0;
     int count = 0;

@@ -61,7 +61,7 @@ bool ReceiveBuffer::Read(Socket& socket, std::int64_t limit, void* bytes, std::s
     while (size > 0) {
         std::size_t count = 0;
         if (IsEmpty() && size >= Capacity && !_hasEnded) {
-            // As much as the buffer takes goes where it is wanted, without the way through it.
+            // Bytes that would fill the buffer are received in their place, without a copy.
             const ReceiveStatus status = socket.Receive(at, size, limit, count);
             _hasEnded = status == ReceiveStatus::Ended;
             if (status != ReceiveStatus::Received) return false;

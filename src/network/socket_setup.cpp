@@ -31,7 +31,7 @@ Socket Refuse(const char* reason, const char*& failure) noexcept {
     return {};
 }
 
-// Puts the address's bound socket into `candidate`. Whether a socket could be made at all tells `isMade`.
+// Puts the address's bound socket into `candidate`. Sets `isMade` when a socket could be created at all.
 bool BindCandidate(const NetworkAddress& address, Candidate& candidate, bool& isMade,
                    const SetupTrace& trace) noexcept {
     Socket socket = Socket::Make(address);

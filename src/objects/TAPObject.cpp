@@ -93,8 +93,8 @@ TAPAttr* TAPObject::Find(const char* name) const noexcept {
     return _contents != nullptr ? static_cast<TAPAttr*>(_contents->attributes[name]) : nullptr;
 }
 
-// Makes `made` the attribute of that name. Returns what has to go in exchange: null, the old attribute (or `made`, then
-// with the old value), or, when nothing could be stored, `made`.
+// Makes `made` the attribute of that name. Returns the attribute to destroy in exchange: null, the old attribute (or
+// `made`, then with the old value), or `made` when it could not be stored.
 TAPAttr* TAPObject::Put(const char* name, TAPAttr* made) noexcept {
     TAIndex* const attributes = GetAttributeList();
     if (attributes == nullptr) return made;
@@ -223,7 +223,7 @@ TAPObject* TAPObject::GetObjectW(TAPPath* path) noexcept {
         object->Release();
         object = found.GetObjectW(nullptr);
     }
-    // The last two steps of a walk have no name, so only one without any step still stands here.
+    // The last two steps of a walk have no name, so only a walk without steps still has an object here.
     if (object != nullptr) object->Release();
     return nullptr;
 }

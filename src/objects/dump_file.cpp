@@ -33,7 +33,7 @@ void DumpFile::WriteOut() noexcept {
     _next = _begin;
 }
 
-// Writes out what waits; false when `size` bytes do not fit even so.
+// Writes the waiting bytes; false when `size` bytes do not fit even so.
 bool DumpFile::MakeRoom(std::size_t size) noexcept {
     WriteOut();
     return size <= static_cast<std::size_t>(_end - _begin);

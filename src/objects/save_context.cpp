@@ -1,5 +1,5 @@
 // Depth first, as a recursive save would do it: an attribute's identifier, the lines of its value and of all below it,
-// then the object's line for it. The levels stand on a stack of their own, so depth costs heap and nothing else.
+// then the object's line for it. The levels are on a stack of their own, so depth needs heap and nothing else.
 //
 // Invariants: the contents of every object on the stack are marked as being saved, so an object inside itself is
 // recognised at once. Hazard: adding a level moves the others, so no reference to a level is kept across Begin().
@@ -64,7 +64,7 @@ void TAPObjectSaveContext::WorkOff(std::size_t height) noexcept {
     }
 }
 
-// Writes the lines of a value, and makes what is below it the topmost level.
+// Writes the lines of a value, and makes its object or list the topmost level.
 void TAPObjectSaveContext::Begin(const TAPAttr& attribute, int id) noexcept {
     switch (attribute._type) {
         case TAPAttr::TypeString:
@@ -104,7 +104,7 @@ void TAPObjectSaveContext::BeginObject(const TAPObject* object, int id) noexcept
     Push({object->_contents, nullptr, id, 0, 0});
 }
 
-// The names from the third on, and two empty ones in the end: what TAPPath::operator[] gives for 1 to Size().
+// The names from the third on, and two empty ones at the end, as TAPPath::operator[] returns them for 1 to Size().
 void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
     DumpFile& file = File(TAPAttr::TypePath);
     file.Put(id, ':');

@@ -23,7 +23,7 @@ public:
     int NextId() noexcept { return static_cast<int>(_nextId++); }
     void SaveObject(const TAPObject& object, int id) noexcept;
     void SaveAttribute(const TAPAttr& attribute, int id) noexcept;
-    // What a save calls the kind of an attribute.
+    // The name of the kind of an attribute in a dump.
     static const char* TypeName(const TAPAttr& attribute) noexcept;
 
 private:

@@ -1,4 +1,4 @@
-// A text that several owners share by count, so that copies cost nothing; null stands for the empty one.
+// A counted text that several owners share, so that copying takes constant time. Null is the empty text.
 //
 // The count is atomic: a copy is a text of its own as far as anybody can tell, also in another thread. The text grows
 // in place only for an owner that has it alone.
