@@ -1,29 +1,41 @@
-// A named registry of things under texts; it never owns them.
+// A named registry of pointers under texts; it never owns their targets.
 //
 //     TAComponent tools;
 //     tools.SetName("tools");
-//     if (tools.Insert("scan", &scanner) != 0) Trace("scan stands already", 0);
+//     if (tools.Insert("scan", &scanner) != 0) Trace("scan is known already", 0);
 //     ZELListValZELString names;
 //     tools.GetList(names);  // sorted
 //
 // For a plain map without a name and a sorted list use ZELHashSCMap or ZELHashRWMap.
 //
-// A copied component, constructed or assigned, has a name of its own and shares the map of the original: what one
-// inserts the other finds. The original owns the map, so it must live longer. Assigning to a component ends its own
-// map. A component whose map got no memory answers 0 and null throughout. Nothing throws, nothing blocks. Threads: as
-// for ZELHashSCMap. No two maps of the process, components included, may be changed at the same time.
+// Ownership: a copied component, constructed or assigned, has a name of its own and shares the map of the original:
+// each
+//   finds what the other inserts. The original owns the map, so it must live longer. Assigning to a component destroys
+//   its own map.
+// Errors: no exceptions. A component without memory for its map returns 0 and null throughout.
+// Threads: as for ZELHashSCMap. No two maps of the process, components included, may be changed at the same time.
 #ifndef TACOMPONENT_H
 #define TACOMPONENT_H
+
+#include <cstddef>
+#include <new>
 
 #include "ZELExport.h"
 #include "ZELListValZELString.h"
 #include "ZELMap.h"
+#include "ZELMemory.h"
 #include "ZELString.h"
 
 class ZELHashRWMap;
 
 class ZEL_API TAComponent {
 public:
+    // On the heap: a block of ZELAllocate(), whichever side deletes it.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
     TAComponent() noexcept;
     TAComponent(const TAComponent& other) noexcept;
     TAComponent& operator=(const TAComponent& other) noexcept;

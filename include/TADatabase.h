@@ -4,25 +4,36 @@
 //     if (database->SQL("schema.sql") != 0) TraceErr("the schema could not be made");
 //     database->Release();
 //
-// For batch work through the maker's own command-line tools, which are found along PATH; for queries that give results
-// back use a client library. Other kinds of databases derive from TADatabase.
+// For batch work through the command-line tools of the database, which are found along PATH; for queries that return
+// results use a client library. Other kinds of databases derive from TADatabase.
 //
-// Security: command lines are put together without any quoting and go through the system's command interpreter, so
-// account, password, connection and file names must not come from anybody who is not trusted; and the password can be
-// read in the machine's list of processes while a command runs. Both belong to this interface (SECURITY.md).
+// Security: command lines are built without quoting and go through the system's command interpreter, so account,
+// password, connection and file names must come from a trusted source only. The password can be read in the machine's
+// list of processes while a command runs. Both belong to this interface (SECURITY.md).
 //
-// A handle is a counted reference (TARefCounter.h); assigning one also takes the count along. Nothing is locked;
-// commands of several threads run beside each other. When memory runs out, texts are empty. Nothing throws.
+// Ownership: objects are created by new and released by Release (TARefCounter.h). Assigning one also takes the count.
+// Errors: no exceptions. When memory runs out, texts are empty.
+// Threads: nothing is locked; commands of several threads run at the same time.
 #ifndef TADATABASE_H
 #define TADATABASE_H
+
+#include <cstddef>
+#include <new>
 
 #include "TAFileName.h"
 #include "TARefCounter.h"
 #include "ZELExport.h"
+#include "ZELMemory.h"
 #include "ZELString.h"
 
 class ZEL_API TADatabase : public TARefCounter {
 public:
+    // On the heap: a block of ZELAllocate(), whichever side deletes it.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
     // `database` is the connect identifier, which stands behind "@".
     TADatabase(ZELString user, ZELString password, ZELString database) noexcept;
     TADatabase(const TADatabase& other) noexcept = default;

@@ -1,4 +1,4 @@
-// A value of one of seven kinds: what the attributes of a TAPObject are.
+// A value of one of seven kinds: an attribute of a TAPObject.
 //
 //     TAPAttr count(5), name("scan"), none;
 //     count.GetInteger();        // 5
@@ -11,26 +11,28 @@
 //
 // For trees that are dumped (TAPObject.h). In a program's own data, std::variant is the better choice.
 //
-// A copy is a value of its own, also for another thread, except that objects and paths are shared by their reference
-// counts (file names: see TAFileName.h). Copying a text takes constant time. Lists may hold lists, as deep as memory
-// allows: copying and ending them use no stack for each level.
-// Whoever gets an object or a path from a getter has a reference to give back by Release.
-//
-// Assignment has an edge of its own, see operator=. So algorithms that assign elements (std::sort on a list that holds
+// Assignment has an edge case, see operator=. So algorithms that assign elements (std::sort on a list that contains
 // lists) do not work; QuickSort moves pointers.
 //
-// When memory runs out, a line that starts with "# Alloc failed in TAPAttr" goes to standard output; an attribute that
-// is being constructed is an empty text then, or null in place of a file name or a list, and one that is assigned to
-// stays as it was. Nothing blocks, nothing throws. Distinct attributes may be used from distinct threads, as long as
-// they share neither object nor path.
+// Ownership: a copy is a value of its own, except that objects and paths are shared by their reference counts (file
+//   names: see TAFileName.h). The caller of a getter releases the returned object or path.
+// Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in TAPAttr" goes to standard
+//   output. Then a constructed attribute is an empty text, or null in place of a file name or a list; an assignment
+//   leaves the attribute as it was.
+// Complexity: copying a text takes constant time. Lists may be nested as deep as memory allows: copying and destroying
+//   them use no stack for each level.
+// Threads: distinct attributes may be used from distinct threads if they share neither object nor path.
 #ifndef TAPATTR_H
 #define TAPATTR_H
 
+#include <cstddef>
+#include <new>
 #include <utility>
 
 #include "TAFileName.h"
 #include "ZELExport.h"
 #include "ZELListVal.h"
+#include "ZELMemory.h"
 #include "ZELString.h"
 
 class TAPAttr;
@@ -44,6 +46,12 @@ struct SharedText;
 
 class ZEL_API TAPAttr {
 public:
+    // On the heap: a block of ZELAllocate(), whichever side deletes it.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
     // The codes of the kinds, as IsType takes them, in the order of operator<.
     enum Type { TypeNull, TypeString, TypeFileName, TypeObject, TypeList, TypeInteger, TypePath };
 

@@ -10,22 +10,28 @@
 //     project->SaveToFile("dump");               // dump\Objects.txt and a file for each kind of value
 //     project->Release();
 //
-// For trees that tools build once and leave for people and scripts to read. Nothing loads a dump. For plain sorted
-// dictionaries use TAIndex.
+// For trees that tools build once and leave for people and scripts to read. The library does not load a dump. For plain
+// sorted dictionaries use TAIndex.
 //
-// Objects are counted references: made by new, given back by Release (TARefCounter.h). Objects that hold each other in
-// a circle are never ended. Attributes stand in the order of their names, by bytes, whatever the order of setting.
-// Trees may be as deep as memory allows: saving and ending them use no stack for each level.
+// The attributes are in the order of their names, by bytes, in any order of setting. A name argument may point into the
+// object. A null name is not set and not found.
 //
-// A copy, constructed or assigned, takes the count of references of its source along (so copy an object that has one
-// reference, or release the copy as often), has an index of its own, and shares the path and the attributes by their
-// counts: what one sets or removes the other does not see, but elements that one appends to a list both see.
-//
-// Names may point into the object. Null as a name names nothing: it is not set and not found. When memory runs out, a
-// line that starts with "# Alloc failed in " goes to standard output, and the object stays as it was. Only saving
-// blocks, as long as the disk does. Nothing throws. A tree belongs to one thread at a time.
+// Ownership: objects are created by new and released by Release (TARefCounter.h). Objects that hold each other in a
+//   circle are never destroyed. A copy, constructed or assigned, takes the reference count of its source (so copy an
+//   object that has one reference, or release the copy as often). It has an index of its own and shares the path and
+//   the attributes by their counts: it does not see what the source sets or removes later, but both see elements that
+//   one of them appends to a list.
+// Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in " goes to standard output,
+// and
+//   the object stays as it was.
+// Threads: a tree belongs to one thread at a time.
+// Blocking: only saving, as long as the disk.
+// Complexity: trees may be as deep as memory allows: saving and destroying them use no stack for each level.
 #ifndef TAPOBJECT_H
 #define TAPOBJECT_H
+
+#include <cstddef>
+#include <new>
 
 #include "TAFileName.h"
 #include "TAIndex.h"
@@ -33,13 +39,20 @@
 #include "TAPPath.h"
 #include "TARefCounter.h"
 #include "ZELExport.h"
+#include "ZELMemory.h"
 
 class ZEL_API TAPObject : public TARefCounter {
 public:
+    // On the heap: a block of ZELAllocate(), whichever side deletes it.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
     TAPObject() noexcept = default;
     TAPObject(const TAPObject& other) noexcept;
     TAPObject& operator=(const TAPObject& other) noexcept;
-    // The attributes go in the order of their names, then the path.
+    // The attributes are destroyed in the order of their names, then the path.
     ~TAPObject() override;
 
     // Sets or replaces. An object as value gets a new path: that of this object, as it is now, and `name`; `name`

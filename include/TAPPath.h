@@ -6,20 +6,24 @@
 //     TAPPath* const longer = new TAPPath(path, name);  // as long as `name` lives
 //     path->Release();
 //
-// TAPObject makes them as objects are set into objects; make one by hand for an attribute that shall hold a path. Both
-// are counted references (TARefCounter.h): made by new, given back by Release. A path costs one small block however
-// long it is, since it shares what it has in common with the one that it prolongs.
+// TAPObject creates them when an object is set into another; create one for an attribute that holds a path. A null text
+// counts as empty; null names and null parents are allowed. Reading by index is shifted, see operator[]. Use
+// GetAttribute of TAPObject to find the object of a path.
 //
-// Reading by index is shifted, see operator[]. Use GetAttribute of TAPObject to find what a path should lead to.
-//
-// A null text counts as empty; null names and null parents are allowed. When memory runs out, a line that starts with
-// "# Alloc failed in TAPName" or "TAPPath" goes to standard output: the name is empty then, and the path has no names.
-// Nothing blocks, nothing throws. Nothing is locked: paths and names that share parts belong to one thread at a time.
+// Ownership: both are created by new and released by Release (TARefCounter.h).
+// Memory: a path of any length is one small block, since it shares the names of its parent.
+// Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in TAPName" or "TAPPath" goes to
+//   standard output: the name is then empty, and the path has no names.
+// Threads: paths and names that share parts belong to one thread at a time.
 #ifndef TAPPATH_H
 #define TAPPATH_H
 
+#include <cstddef>
+#include <new>
+
 #include "TARefCounter.h"
 #include "ZELExport.h"
+#include "ZELMemory.h"
 
 class TAPObjectSaveContext;
 namespace zel {
@@ -28,6 +32,12 @@ struct SharedText;
 
 class ZEL_API TAPName : public TARefCounter {
 public:
+    // On the heap: a block of ZELAllocate(), whichever side deletes it.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
     explicit TAPName(const char* name) noexcept;
     // Both take the count of references of `other` along, as every TARefCounter does, and share the text.
     TAPName(const TAPName& other) noexcept;
@@ -43,6 +53,12 @@ private:
 
 class ZEL_API TAPPath : public TARefCounter {
 public:
+    // On the heap: a block of ZELAllocate(), whichever side deletes it.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
     // A path of one name.
     explicit TAPPath(TAPName* name) noexcept;
     // The names of `parent` and then `name`. Without a parent the path has no names at all, not even `name`.

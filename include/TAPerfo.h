@@ -1,32 +1,35 @@
-// Named counters of events for tools that run long: blocks and bytes of a server, files of a scan.
+// Named event counters for tools that run long: blocks and bytes of a server, files of a scan.
 //
 //     TAPerfoAv bytes("bytes sent");     // an average for each period of 60 seconds
 //     bytes.Count(5000);
 //     ZELString line = bytes.Report();   // "bytes sent 9.76k per 1m, 4.88k in 30s"
 //     TAPerfo::GlobalReport(std::cout);  // a line for each counter that lives, the newest first
 //
-// TAPerfo counts, TAPerfoAv also tells the average of each period, TAPerfoLoad how much came in the last period. They
+// TAPerfo counts, TAPerfoAv also reports the average of each period, TAPerfoLoad the amount of the last period. They
 // are meters for people: times are whole seconds, and amounts are 32 bits wide in reports. For exact measurements of
 // short work use a benchmark and a precise clock.
 //
-// Amounts go up to 1000 as they are and then by steps of 1024 with a unit: "0.97k", "4.88k", "146k", "2.5M", "1.99T".
-// The third unit is written T. Times read "59s", "1h2m5s", "1d1m5s"; where days and hours are told, smaller units are
-// left out. A negative amount or time reads 0.
-//
-// Count and Reset of TAPerfo take no lock: one thread counts, and others may report. All else of the three classes
-// takes the counter's own lock, so several threads may count with a TAPerfoAv or TAPerfoLoad and nothing is lost.
-// `globalList` has no lock: while counters are made or end, no other thread makes, ends or reports all counters.
-// Nothing fails and nothing throws.
+// Format: amounts up to 1000 are written in full, larger ones by steps of 1024 with a unit: "0.97k", "4.88k", "146k",
+//   "2.5M", "1.99T". The third unit is written T. Times read "59s", "1h2m5s", "1d1m5s"; a time with days and hours has
+//   no smaller units. A negative amount or time reads 0.
+// Errors: none, and no exceptions.
+// Threads: Count and Reset of TAPerfo take no lock: one thread counts, and others may report. All other operations of
+//   the three classes take the counter's own lock, so several threads may count with a TAPerfoAv or TAPerfoLoad and no
+//   amount is lost. `globalList` has no lock: while counters are created or destroyed, no other thread creates,
+//   destroys or reports all counters.
 #ifndef TAPERFO_H
 #define TAPERFO_H
 
-#include <atomic>
+#include <cstddef>
+#include <new>
 #include <ostream>
 
 #include "TAThreadLock.h"
+#include "ZELAtomic.h"
 #include "ZELExport.h"
 #include "ZELListPtr.h"
 #include "ZELListValZELString.h"
+#include "ZELMemory.h"
 #include "ZELPlatformTypes.h"
 #include "ZELString.h"
 
@@ -40,17 +43,24 @@ public:
 // The amount since the counter was made or reset: "name 4.88k in 30s".
 class ZEL_API TAPerfo {
 public:
-    // Starts at 0 now and is entered in `globalList`.
+    // Counters on the heap are blocks of ZELAllocate(), whichever side deletes them.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
+    // Starts at 0 now and is appended to `globalList`.
     TAPerfo() noexcept;  // named "no-name"
     explicit TAPerfo(ZELString name) noexcept;
-    // A copy has the name, the amounts and the times, a lock of its own, and is not entered in `globalList`.
+    // A copy has the name, the amounts and the times, and a lock of its own. It is not in `globalList`.
     TAPerfo(const TAPerfo& other) noexcept;
     TAPerfo& operator=(const TAPerfo& other) noexcept;
 
     // Starts again from 0 at the present time.
     virtual void Reset();
     virtual void Count(int amount);
-    // Writes the text and an end of line into the stream's buffer, and flushes it. What the stream refuses is lost.
+    // Writes the text and an end of line into the stream's buffer, and flushes it. Text that the stream rejects is
+    // lost.
     virtual void Report(std::ostream& stream);
     virtual ZELString Report();
     virtual ~TAPerfo();
@@ -58,37 +68,60 @@ public:
     ZELString GetName() const noexcept;
     void SetName(ZELString name) noexcept;
 
-    // Every counter in `globalList`, from the newest to the oldest: a line each, or its text behind those in `texts`.
+    // Report every counter in `globalList`, from the newest to the oldest: as a line each, or appended to `texts`.
     static void GlobalReport(std::ostream& stream);
     static void GlobalReport(ZELListValZELString& texts);
 
-    // The counters that live, but for copies, in the order in which they were made; also in static constructors and
-    // destructors. It owns none of them.
+    // The counters that live, except copies, in the order of their creation; also in static constructors and
+    // destructors. The list owns none of them.
     static ZELListPtrTAPerfo& globalList;
 
 protected:
-    // Copies while `held` keeps other's lock.
+    // Copies while `held` keeps the lock of `other`.
     TAPerfo(const TAPerfo& other, const TALocker& held) noexcept;
 
+    // Takes over the numbers of `other`, which no other thread uses. The caller holds the lock of this counter.
     void Assign(const TAPerfo& other) noexcept;
-    // " 4.88k in 30s": what every report ends with.
+    // " 4.88k in 30s": the end of every report.
     ZELString TotalText() const noexcept;
 
     // Adds without the lock, for one thread at a time.
     void Add(int amount) noexcept;
 
     ZELString _name;
-    std::atomic<__int64> _start;  // seconds since 1970-01-01 00:00 UTC
-    std::atomic<__int64> _count;  // atomic for those who read beside the thread that counts
+    ZELAtomic<__int64> _start;  // seconds since 1970-01-01 00:00 UTC
+    ZELAtomic<__int64> _count;  // atomic, because other threads read it while one counts
     mutable TAThreadLock _lock;
 };
 
-// Tells the average too: "name 9.76k per 1m, 4.88k in 30s". The average is 0 in the first second.
-class ZEL_API TAPerfoAv : public TAPerfo {
+// The common part of the two following classes: a counter with a period. All of its operations take its lock.
+class ZEL_API TAPerfoPeriod : public TAPerfo {
+public:
+    ~TAPerfoPeriod() override;
+
+    // Writes the text of Report() as TAPerfo does.
+    void Report(std::ostream& stream) override;
+    using TAPerfo::Report;
+
+    // Sets the period in seconds and calls Reset. A period below 1 counts as 1.
+    void SetLength(int length);
+
+protected:
+    TAPerfoPeriod(ZELString name, int length) noexcept;
+    TAPerfoPeriod(const TAPerfoPeriod& other, const TALocker& held) noexcept;
+    TAPerfoPeriod& operator=(const TAPerfoPeriod& other) noexcept = delete;
+
+    void Assign(const TAPerfoPeriod& other) noexcept;
+
+    int _length;
+};
+
+// Also reports the average: "name 9.76k per 1m, 4.88k in 30s". The average is 0 in the first second.
+class ZEL_API TAPerfoAv : public TAPerfoPeriod {
 public:
     TAPerfoAv() noexcept;  // named "no-name"
     explicit TAPerfoAv(ZELString name) noexcept;
-    // `length`: the period in seconds, 60 where none is told; one below 1 counts as 1.
+    // `length`: the period in seconds, 60 by default; a period below 1 counts as 1.
     TAPerfoAv(ZELString name, int length) noexcept;
     TAPerfoAv(const TAPerfoAv& other) noexcept;
     TAPerfoAv& operator=(const TAPerfoAv& other) noexcept;
@@ -97,29 +130,21 @@ public:
     // Starts the time again and keeps the amount.
     void Reset() override;
     void Count(int amount) override;
-    void Report(std::ostream& stream) override;
     ZELString Report() override;
-
-    // Sets the period and calls Reset.
-    void SetLength(int length);
-
-private:
-    TAPerfoAv(const TAPerfoAv& other, const TALocker& held) noexcept;
-
-    int _length;
+    using TAPerfoPeriod::Report;
 };
 
-// Tells the amount of the last period too: "name 4k in last 1m, 4.88k in 30s".
+// Also reports the amount of the last period: "name 4k in last 1m, 4.88k in 30s".
 //
-// The period is cut into 20 slices. What is counted enters the report when a later Count falls into a later slice, and
-// leaves it a period afterwards; only Count moves on, so a counter that nobody feeds keeps its last report. Slices are
-// whole seconds: choose a multiple of 20. With other periods the slices drift, and below 20 seconds, where a slice
-// would be less than a second, the amount is that of the latest calls at best.
-class ZEL_API TAPerfoLoad : public TAPerfo {
+// The period is cut into 20 slices. An amount enters the report when a later Count falls into a later slice, and leaves
+// it a period afterwards. Only Count moves the slices, so a counter that is not fed keeps its last report. Slices are
+// whole seconds: choose a multiple of 20. With other periods the slices drift. Below 20 seconds, where a slice would be
+// shorter than a second, the amount is that of the latest calls at best.
+class ZEL_API TAPerfoLoad : public TAPerfoPeriod {
 public:
     TAPerfoLoad() noexcept;  // named "no-name"
     explicit TAPerfoLoad(ZELString name) noexcept;
-    // `length`: the period in seconds, 60 where none is told; one below 1 counts as 1.
+    // `length`: as of TAPerfoAv.
     TAPerfoLoad(ZELString name, int length) noexcept;
     TAPerfoLoad(const TAPerfoLoad& other) noexcept;
     TAPerfoLoad& operator=(const TAPerfoLoad& other) noexcept;
@@ -127,25 +152,23 @@ public:
 
     void Reset() override;
     void Count(int amount) override;
-    void Report(std::ostream& stream) override;
     ZELString Report() override;
-
-    // Sets the period and calls Reset.
-    void SetLength(int length);
+    using TAPerfoPeriod::Report;
 
 private:
     static constexpr int Slices = 20;
     static constexpr int Buckets = Slices + 1;  // and the one that is being filled
 
     TAPerfoLoad(const TAPerfoLoad& other, const TALocker& held) noexcept;
-    void CopyRing(const TAPerfoLoad& other) noexcept;
     void MoveOn(__int64 now) noexcept;
     int Recent() const noexcept;
 
-    int _buckets[Buckets];
-    __int64 _bucketStart;
-    int _length;
-    int _current;
+    struct Ring {
+        int buckets[Buckets];
+        __int64 bucketStart;
+        int current;
+    };
+    Ring _ring;
 };
 
 #endif

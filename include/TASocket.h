@@ -18,14 +18,14 @@
 //         socket.GetBlock(answer, 30) != 0)
 //         return Complain(socket.GetErrMsg());
 //
-// Sending. A put goes into a buffer of the object's, 8192 bytes unless its maker said otherwise. The buffer is sent
+// Sending. A put goes into a buffer of the object, of 8192 bytes or the size given at construction. The buffer is sent
 // when the next item does not fit, by Flush(), before anything is received, and by Close(): a put that succeeded may
-// not have left yet. An item must be smaller than the buffer together with its 4 bytes of length: a text of 8187 bytes
-// is the longest in a buffer of 8192. Binary blocks and files of any size pass in pieces.
+// still be in the buffer. An item together with its 4 bytes of length must be smaller than the buffer: a text of 8187
+// bytes is the longest in a buffer of 8192. Binary blocks and files of any size are sent in pieces.
 //
 // Receiving. Each receiving function sends what waits, then waits for the first byte: at most `timeout` seconds, or
 // without limit when it is 0 or less. Once a block has begun it is read to its end, however long that takes, unless
-// SetIdleLimit() says otherwise. Nothing is believed that a peer announces: memory grows with what has arrived.
+// SetIdleLimit() says otherwise. Claimed sizes are not trusted: memory grows only with received bytes.
 //
 // Compression. Words that repeat, as command lines have them, travel once per connection. A put compresses its text or
 // list while the environment variable TASocketCompress is set and not empty, or once a compressed block has come in by

@@ -1,40 +1,106 @@
-// Setting a filter, asking it, and what it remembers: a map from the texts of filters to maps from the texts of
-// candidates to answers. The answers are two constants, so remembering one costs an entry and nothing else. The maps
-// are made when the first answer is to be kept: a filter that is only set touches nothing that others share. An answer
-// is kept only where the filter has so many lexemes to walk that looking it up is faster than finding it.
-// The danger is a stale answer, hence keys that tell every text from every other (MemoKey).
+// Setting a filter and asking it. A filter is its text, a program that copies share, and the answers that it remembers,
+// which are its own.
+//
+// An answer is remembered only if the filter has so many elements that looking the answer up is faster than finding it
+// again. A filter that remembers nothing uses no map, hence nothing that others share.
 
 #include "TAUnicodeRegularExpression.h"
 
-#include <cstdlib>
 #include <string_view>
 #include <utility>
 
-#include "ZELHashSCMap.h"
 #include "base/failure_report.h"
 #include "base/memory.h"
-#include "filters/blanks.h"
+#include "filters/answer_memo.h"
 #include "filters/filter_matcher.h"
-#include "filters/memo_key.h"
+#include "filters/filter_program.h"
 
 using namespace zel;
+
+struct zel::FilterState {
+    FilterState() noexcept = default;
+    FilterState(const FilterState&) = delete;
+    FilterState& operator=(const FilterState&) = delete;
+    ~FilterState() { FilterProgram::Drop(program); }
+
+    int Set(const ZELUnicodeString& wanted, URE_type type, FilterProgram* known) noexcept;
+    int Begin(URE_type type, FilterProgram* next) noexcept;
+    bool TakeText(const ZELUnicodeString& wanted) noexcept;
+    bool IsExpensive() const noexcept;
+    int CheckWithMemo(std::u32string_view candidate) noexcept;
+
+    ZELUnicodeString text;
+    FilterProgram* program = nullptr;  // null when the text was rejected or memory ran out
+    AnswerMemo memo;
+};
 
 namespace {
 
 const char* const matchesAll = "*";
-// Measured on names of files: up to here finding an answer costs less than looking it up among many, most of all where
+constexpr char32_t FilterBlank = U' ';
+// Measured on names of files: up to here finding an answer costs less than looking it up among many, most of all when
 // the names do not fit the cache.
 constexpr int CheapLexemes = 32;
 constexpr int CheapOperations = 256;
-int rememberedAnswers[] = {0, 1};  // never written; the maps hold pointers to what is not constant
 
-ZELHashSCMap* MakeMap() noexcept {
-    auto* const map = NewObject<ZELHashSCMap>();
-    if (map == nullptr) ReportAllocFailure("TAUnicodeRegularExpression", sizeof(ZELHashSCMap));
-    return map;
+std::u32string_view WithoutBlanks(std::u32string_view text) noexcept {
+    while (!text.empty() && text.front() == FilterBlank) text.remove_prefix(1);
+    while (!text.empty() && text.back() == FilterBlank) text.remove_suffix(1);
+    return text;
+}
+
+// Creates the state if there is none. False without memory.
+bool ProvideState(FilterState*& state) noexcept {
+    if (state == nullptr) state = ZELNew<FilterState>();
+    if (state == nullptr) ReportAllocFailure("TAUnicodeRegularExpression", sizeof(FilterState));
+    return state != nullptr;
 }
 
 }  // namespace
+
+// SetFilter(). `known` is null or a program that is used if it is that of the text.
+int FilterState::Set(const ZELUnicodeString& wanted, URE_type type, FilterProgram* known) noexcept {
+    // A null filter is replaced by "*", whatever text is given: the text set before decides, a decision of old.
+    if (text.IsNull() != 0)
+        text = ZELUnicodeString(matchesAll);
+    else if (!TakeText(wanted))
+        return Begin(type, nullptr);
+    const bool isKnown = known != nullptr && known->Text() == text.View();
+    return Begin(type, isKnown ? FilterProgram::Keep(known) : FilterProgram::Compile(text.View()));
+}
+
+// Replaces the program. Returns the result of SetFilter().
+int FilterState::Begin(URE_type type, FilterProgram* next) noexcept {
+    std::swap(program, next);
+    FilterProgram::Drop(next);
+    if (program != nullptr && !program->IsValid()) FilterProgram::Drop(std::exchange(program, nullptr));
+    memo.Begin(program != nullptr && type == URE_Memoised && IsExpensive());
+    return program != nullptr ? 0 : 1;
+}
+
+// False, and the old text kept, without memory.
+bool FilterState::TakeText(const ZELUnicodeString& wanted) noexcept {
+    const std::u32string_view stripped = WithoutBlanks(wanted.View());
+    if (stripped.size() == wanted.View().size())
+        text = wanted;
+    else if (ZELUnicodeString copy = wanted.Strip(ZELStripBoth, FilterBlank); copy.View() == stripped)
+        text = std::move(copy);
+    return text.View() == stripped;
+}
+
+// Apart from CheckFromFilter(), whose stack frame stays small without the key.
+int FilterState::CheckWithMemo(std::u32string_view candidate) noexcept {
+    const MemoKey key(candidate);
+    const int known = memo.Find(key);
+    if (known >= 0) return known;
+    const int answer = MatchFilter(*program, candidate);
+    if (answer >= 0) memo.Keep(key, answer);
+    return answer == 1 ? 1 : 0;
+}
+
+bool FilterState::IsExpensive() const noexcept {
+    return program->Tail() > CheapLexemes || program->OperationCount() > CheapOperations + 1;
+}
 
 TAUnicodeRegularExpression::TAUnicodeRegularExpression() noexcept {
     SetFilter(matchesAll, URE_Memoised);
@@ -52,78 +118,33 @@ TAUnicodeRegularExpression::TAUnicodeRegularExpression(const char* const f) noex
 }
 
 TAUnicodeRegularExpression::TAUnicodeRegularExpression(const TAUnicodeRegularExpression& other) noexcept {
-    SetFilter(other.GetFilter(), URE_Memoised);
+    *this = other;
 }
 
 const TAUnicodeRegularExpression& TAUnicodeRegularExpression::operator=(
     const TAUnicodeRegularExpression& other) noexcept {
-    SetFilter(other.GetFilter(), URE_Memoised);
+    if (other._state == nullptr)
+        SetFilter(ZELUnicodeString(), URE_Memoised);
+    else if (ProvideState(_state))
+        _state->Set(other._state->text, URE_Memoised, other._state->program);
     return *this;
 }
 
 TAUnicodeRegularExpression::~TAUnicodeRegularExpression() {
-    if (_memo != nullptr)
-        for (const auto& [filter, answers] : *_memo) delete static_cast<ZELHashSCMap*>(answers);
-    delete _memo;
-    std::free(_lexemes);
-    std::free(_operations);
-    std::free(_sets);
-    std::free(_borders);
+    ZELDelete(_state);
 }
 
 int TAUnicodeRegularExpression::SetFilter(const ZELUnicodeString& f, URE_type type) noexcept {
-    _isCompiled = false;
-    _answers = nullptr;
-    // A null filter is replaced by "*", whatever is asked for: what was set before decides, a decision of old.
-    if (_filter.IsNull() != 0)
-        _filter = ZELUnicodeString(matchesAll);
-    else if (!_takeText(f))
-        return 1;
-    _isCompiled = _compile() == 0 && _prepare() == 0;
-    _remembers = type == URE_Memoised && (_tail > CheapLexemes || _lastOperation > CheapOperations);
-    return _isCompiled ? 0 : 1;
+    return ProvideState(_state) ? _state->Set(f, type, nullptr) : 1;
 }
 
-// False, and the old text kept, without memory.
-bool TAUnicodeRegularExpression::_takeText(const ZELUnicodeString& text) noexcept {
-    const std::u32string_view stripped = WithoutBlanks(text.View());
-    if (stripped.size() == text.View().size())
-        _filter = text;
-    else if (ZELUnicodeString copy = text.Strip(ZELStripBoth, FilterBlank); copy.View() == stripped)
-        _filter = std::move(copy);
-    return _filter.View() == stripped;
+ZELUnicodeString TAUnicodeRegularExpression::GetFilter() const noexcept {
+    return _state != nullptr ? _state->text : ZELUnicodeString();
 }
 
 int TAUnicodeRegularExpression::CheckFromFilter(const ZELUnicodeString& candidate) noexcept {
-    if (!_isCompiled || candidate.IsNull() != 0) return 0;
+    if (_state == nullptr || _state->program == nullptr || candidate.IsNull() != 0) return 0;
     const std::u32string_view text = WithoutBlanks(candidate.View());
-    if (!_remembers || (_answers == nullptr && !_openAnswers())) return MatchFilter(*this, text) == 1 ? 1 : 0;
-
-    const MemoKey key(text);
-    void* known = nullptr;
-    if (key.Exists() && _answers->search(key.View(), &known) != 0) return *static_cast<const int*>(known);
-    const int answer = MatchFilter(*this, text);
-    if (answer >= 0 && key.Exists()) _answers->insert(key.Text(), &rememberedAnswers[answer]);
-    return answer == 1 ? 1 : 0;
-}
-
-// Finds or makes the map of the present filter's answers. Where that fails, nothing is remembered until a filter is set
-// again, so that exhausted memory is told once.
-bool TAUnicodeRegularExpression::_openAnswers() noexcept {
-    _remembers = false;
-    const MemoKey key(_filter.View());
-    if (!key.Exists()) return false;
-    if (_memo == nullptr) _memo = MakeMap();
-    if (_memo == nullptr) return false;
-    void* known = nullptr;
-    if (_memo->search(key.View(), &known) == 0) {
-        ZELHashSCMap* const made = MakeMap();
-        if (made == nullptr || _memo->insert(key.Text(), made) == nullptr) {
-            delete made;
-            return false;
-        }
-        known = made;
-    }
-    _answers = static_cast<ZELHashSCMap*>(known);
-    return _remembers = true;
+    if (_state->memo.Remembers(_state->program->Text())) return _state->CheckWithMemo(text);
+    return MatchFilter(*_state->program, text) == 1 ? 1 : 0;
 }

@@ -1,14 +1,13 @@
 // Carries the set of reachable positions of the candidate through the lexemes: a fixed lexeme moves each position at
 // which it is accepted by its size, "*" opens the set up to the end, a repeated block extends it as far as its
-// characters go. The filter matches when the end is in the set. That decides what trying every way in turn would,
-// without trying any position of the candidate twice for the same lexeme.
+// characters go. The filter matches when the end is in the set. The result is that of a search that tries every way in
+// turn, but no position of the candidate is tried twice for the same lexeme.
 //
-// The lexemes behind the last one of variable size, the tail, stand at a place that the length of the candidate gives;
-// they are tested first, since that settles most names, and the set is carried up to where they begin. Next comes the
-// last literal behind several stars: without it there is no match.
-// Only the smallest position counts in front of "*", so there a search ends with its first find. And where a repeated
-// block starts from one position and none of its characters can begin what follows, only the position that it ends at
-// is of use.
+// The lexemes after the last one of variable size are the tail. The length of the candidate gives their place. They are
+// tested first, since that decides most names, and the set is carried up to their beginning. Next comes the literal
+// without which there is no match.
+// Only the smallest position counts before "*", so there a search ends with its first find. If a repeated block starts
+// from one position and none of its characters can begin the next lexeme, only its end is a useful position.
 //
 // No fixed lexeme is accepted at the end of the candidate, not even a block with the count 0.
 
@@ -17,8 +16,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "TAUnicodeRegularExpression.h"
-#include "filters/block_set.h"
+#include "filters/filter_program.h"
 #include "filters/literal_search.h"
 #include "filters/reached_positions.h"
 
@@ -26,8 +24,8 @@ using namespace zel;
 
 namespace {
 
-// A search for ReachedPositions::Keep: `count` characters in a row that the block admits. What is known to be admitted
-// is not asked again, so that all searches together are linear.
+// A search for ReachedPositions::Keep: `count` characters in a row that the block admits. Characters that are known to
+// be admitted are not asked again, so all searches together are linear.
 template <class Admission>
 class BlockSearch {
 public:
@@ -53,130 +51,120 @@ private:
     std::size_t _known = 0;  // every position from the last `from` up to here is admitted
 };
 
-}  // namespace
-
-// All of it is inline: candidates are short, and calls would cost more than what they do.
-class zel::FilterMatcher {
+// All functions are inline: candidates are short, and a call would cost more than its work.
+class FilterMatcher {
 public:
-    static int Match(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept;
+    static int Match(const FilterProgram& program, std::u32string_view text) noexcept;
 
 private:
-    using Expression = TAUnicodeRegularExpression;
-    using Lexeme = Expression::Lexeme;
-
-    FilterMatcher(const TAUnicodeRegularExpression& filter, std::u32string_view text, std::size_t end) noexcept
-        : _filter(filter), _text(text), _end(end), _reached(end) {}
+    FilterMatcher(const FilterProgram& program, std::u32string_view text, std::size_t end) noexcept
+        : _program(program), _text(text), _end(end), _reached(end) {}
 
     bool AcceptsTail() const noexcept;
-    bool HoldsTelling() const noexcept;
-    bool Accepts(int index, std::size_t position) const noexcept;
-    bool Pass(int index) noexcept;
-    bool PassFixed(int index) noexcept;
-    bool KeepAccepted(int index) noexcept;
-    bool KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexcept;
-    // What a block admits.
+    bool ContainsRequiredLiteral() const noexcept;
+    bool Accepts(const FilterLexeme& lexeme, std::size_t position) const noexcept;
+    bool Pass(const FilterLexeme& lexeme) noexcept;
+    bool PassFixed(const FilterLexeme& lexeme) noexcept;
+    bool KeepAccepted(const FilterLexeme& lexeme) noexcept;
+    bool KeepLiteral(const FilterLexeme& literal, bool isFirstEnough) noexcept;
+    // The characters that a block admits.
     struct Admission {
         bool operator()(std::size_t position) const noexcept {
             const char32_t code = text[position];
             if (code < BlockSet::Size) return set.Holds(code);
-            return set.hasWideRules ? matcher.IsWideAdmitted(block, code) : set.holdsWide;
+            return set.hasWideRules ? program.IsAdmitted(block, ZELUnicodeChar(code)) : set.holdsWide;
         }
         // The first position from `from` on that is admitted, or is not; `end` when there is none before it.
         std::size_t Next(std::size_t from, std::size_t end, bool isAdmitted) const noexcept;
 
         const char32_t* text;
         const BlockSet& set;
-        const FilterMatcher& matcher;
-        const Lexeme& block;
+        const FilterProgram& program;
+        const FilterLexeme& block;
     };
-    Admission AdmittedBy(int block) const noexcept;
-    bool IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept;
-    std::u32string_view TextOf(const Lexeme& literal) const noexcept {
-        return {_filter._filter.View().data() + literal.start, static_cast<std::size_t>(literal.size)};
+    Admission AdmittedBy(const FilterLexeme& block) const noexcept {
+        return {_text.data(), _program.SetOf(block), _program, block};
     }
 
-    const TAUnicodeRegularExpression& _filter;
+    const FilterProgram& _program;
     const std::u32string_view _text;
     const std::size_t _end;  // where the tail begins in the text
     ReachedPositions _reached;
 };
 
-inline int FilterMatcher::Match(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept {
-    const auto tailSize = static_cast<std::size_t>(filter._tailSize);
-    if (tailSize > text.size() || (filter._tail == 0 && tailSize < text.size())) return 0;
-    FilterMatcher matcher(filter, text, text.size() - tailSize);
-    if (!matcher.AcceptsTail() || !matcher.HoldsTelling()) return 0;
-    for (int i = 0; i < filter._tail; ++i)
-        if (!matcher.Pass(i)) return matcher._reached.IsOutOfMemory() ? -1 : 0;
+inline int FilterMatcher::Match(const FilterProgram& program, std::u32string_view text) noexcept {
+    const auto tailSize = static_cast<std::size_t>(program.TailSize());
+    if (tailSize > text.size() || (program.Tail() == 0 && tailSize < text.size())) return 0;
+    FilterMatcher matcher(program, text, text.size() - tailSize);
+    if (!matcher.AcceptsTail() || !matcher.ContainsRequiredLiteral()) return 0;
+    for (int i = 0; i < program.Tail(); ++i)
+        if (!matcher.Pass(program.Lexeme(i))) return matcher._reached.IsOutOfMemory() ? -1 : 0;
     return matcher._reached.Holds(matcher._end) ? 1 : 0;
 }
 
 inline bool FilterMatcher::AcceptsTail() const noexcept {
     std::size_t position = _end;
-    for (int i = _filter._tail; i < _filter._lastLexeme; ++i) {
-        if (position == _text.size() || !Accepts(i, position)) return false;
-        position += static_cast<std::size_t>(_filter._lexemes[i].size);
+    for (int i = _program.Tail(); i < _program.LexemeCount(); ++i) {
+        const FilterLexeme& lexeme = _program.Lexeme(i);
+        if (position == _text.size() || !Accepts(lexeme, position)) return false;
+        position += static_cast<std::size_t>(lexeme.size);
     }
     return true;
 }
 
-inline bool FilterMatcher::HoldsTelling() const noexcept {
-    if (_filter._telling < 0) return true;
-    const std::u32string_view literal = TextOf(_filter._lexemes[_filter._telling]);
+inline bool FilterMatcher::ContainsRequiredLiteral() const noexcept {
+    if (_program.RequiredLiteral() < 0) return true;
+    const std::u32string_view literal = _program.TextOf(_program.Lexeme(_program.RequiredLiteral()));
     if (literal.size() > _end) return false;
     const std::size_t count = _end - literal.size() + 1;
     return FindEnds(_text.data(), count, literal.front(), literal.size() - 1, literal.back()) < count;
 }
 
 // Whether a fixed lexeme, which fits there, is accepted at the position.
-inline bool FilterMatcher::Accepts(int index, std::size_t position) const noexcept {
-    const Lexeme& lexeme = _filter._lexemes[index];
-    if (lexeme.type == Expression::AnyOne) return true;
+inline bool FilterMatcher::Accepts(const FilterLexeme& lexeme, std::size_t position) const noexcept {
+    if (lexeme.type == FilterLexeme::AnyOne) return true;
     const std::size_t end = position + static_cast<std::size_t>(lexeme.size);
-    if (lexeme.type != Expression::Literal) return AdmittedBy(index).Next(position, end, false) == end;
-    const char32_t* wanted = TextOf(lexeme).data();
+    if (lexeme.type != FilterLexeme::Literal) return AdmittedBy(lexeme).Next(position, end, false) == end;
+    const char32_t* wanted = _program.TextOf(lexeme).data();
     while (position < end && _text[position] == *wanted) ++position, ++wanted;
     return position == end;
 }
 
-inline bool FilterMatcher::Pass(int index) noexcept {
-    const Lexeme& lexeme = _filter._lexemes[index];
-    if (lexeme.type == Expression::AnyRun) {
+inline bool FilterMatcher::Pass(const FilterLexeme& lexeme) noexcept {
+    if (lexeme.type == FilterLexeme::AnyRun) {
         _reached.Open();
         return true;
     }
-    if (lexeme.size >= 0) return PassFixed(index);
+    if (lexeme.size >= 0) return PassFixed(lexeme);
     const bool isFromOne = _reached.IsOne();
-    _reached.Extend(AdmittedBy(index));
-    if (isFromOne && _filter._sets[index].endsRun) _reached.KeepLast();
+    _reached.Extend(AdmittedBy(lexeme));
+    if (isFromOne && _program.SetOf(lexeme).endsRun) _reached.KeepLast();
     return true;
 }
 
-inline bool FilterMatcher::PassFixed(int index) noexcept {
-    const Lexeme& lexeme = _filter._lexemes[index];
+inline bool FilterMatcher::PassFixed(const FilterLexeme& lexeme) noexcept {
     const auto size = static_cast<std::size_t>(lexeme.size);
     if (size > _end || _text.empty() || !_reached.DropAbove(std::min(_end - size, _text.size() - 1))) return false;
-    const bool isAccepted = _reached.IsOne() ? Accepts(index, _reached.First()) : KeepAccepted(index);
+    const bool isAccepted = _reached.IsOne() ? Accepts(lexeme, _reached.First()) : KeepAccepted(lexeme);
     _reached.Move(size);
     return isAccepted;
 }
 
-inline bool FilterMatcher::KeepAccepted(int index) noexcept {
-    const Lexeme& lexeme = _filter._lexemes[index];
-    const bool isFirstEnough = _filter._lexemes[index + 1].type == Expression::AnyRun;
-    if (lexeme.type == Expression::AnyOne) return true;
-    if (lexeme.type == Expression::Literal) return KeepLiteral(lexeme, isFirstEnough);
-    BlockSearch search(AdmittedBy(index), static_cast<std::size_t>(lexeme.size));
+inline bool FilterMatcher::KeepAccepted(const FilterLexeme& lexeme) noexcept {
+    const bool isFirstEnough = (&lexeme + 1)->type == FilterLexeme::AnyRun;
+    if (lexeme.type == FilterLexeme::AnyOne) return true;
+    if (lexeme.type == FilterLexeme::Literal) return KeepLiteral(lexeme, isFirstEnough);
+    BlockSearch search(AdmittedBy(lexeme), static_cast<std::size_t>(lexeme.size));
     return _reached.Keep(search, isFirstEnough);
 }
 
-inline bool FilterMatcher::KeepLiteral(const Lexeme& literal, bool isFirstEnough) noexcept {
-    const std::u32string_view text = TextOf(literal);
+inline bool FilterMatcher::KeepLiteral(const FilterLexeme& literal, bool isFirstEnough) noexcept {
+    const std::u32string_view text = _program.TextOf(literal);
     if (text.size() <= ShortLiteralSize) {
         ShortLiteralSearch search(_text, text);
         return _reached.Keep(search, isFirstEnough);
     }
-    LongLiteralSearch search(_text, text, _filter._borders + literal.start);
+    LongLiteralSearch search(_text, text, _program.BordersOf(literal));
     return _reached.Keep(search, isFirstEnough);
 }
 
@@ -191,16 +179,8 @@ inline std::size_t FilterMatcher::Admission::Next(std::size_t from, std::size_t 
     return from;
 }
 
-inline FilterMatcher::Admission FilterMatcher::AdmittedBy(int block) const noexcept {
-    return {_text.data(), _filter._sets[block], *this, _filter._lexemes[block]};
-}
+}  // namespace
 
-inline bool FilterMatcher::IsWideAdmitted(const Lexeme& block, char32_t code) const noexcept {
-    int i = block.first;
-    while (i <= block.last && !_filter._checkCharacterRule(ZELUnicodeChar(code), i)) ++i;
-    return (i <= block.last) == (block.type == Expression::Block);
-}
-
-int zel::MatchFilter(const TAUnicodeRegularExpression& filter, std::u32string_view text) noexcept {
-    return FilterMatcher::Match(filter, text);
+int zel::MatchFilter(const FilterProgram& program, std::u32string_view text) noexcept {
+    return FilterMatcher::Match(program, text);
 }

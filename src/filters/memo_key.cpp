@@ -1,8 +1,6 @@
-// UTF-8 inside the object where it surely fits, else in a block.
+// The key is UTF-8, inside the object if it surely fits, otherwise in a block.
 
 #include "filters/memo_key.h"
-
-#include <cstdlib>
 
 #include "base/failure_report.h"
 #include "base/memory.h"
@@ -12,6 +10,7 @@ using namespace zel;
 
 namespace {
 
+// Whether the UTF-8 form of the code is that of no other code, and no NUL.
 bool HasUtf8OfItsOwn(char32_t code) noexcept {
     return (code != 0 && code < 0xD800) || (code > 0xDFFF && code <= 0x10FFFF);
 }
@@ -20,7 +19,7 @@ bool HasUtf8OfItsOwn(char32_t code) noexcept {
 
 MemoKey::MemoKey(std::u32string_view text) noexcept : _bytes(_inside) {
     const std::size_t room = text.size() * MaxUtf8Length + 1;
-    if (room > sizeof _inside) _bytes = static_cast<char*>(Allocate(room));
+    if (room > sizeof _inside) _bytes = AllocateArray<char>(room);
     if (_bytes == nullptr)
         ReportAllocFailure("TAUnicodeRegularExpression", room);
     else if (!Write(text))
@@ -47,6 +46,6 @@ bool MemoKey::Write(std::u32string_view text) noexcept {
 }
 
 void MemoKey::Drop() noexcept {
-    if (_bytes != _inside) std::free(_bytes);
+    if (_bytes != _inside) Free(_bytes);
     _bytes = nullptr;
 }

@@ -7,9 +7,8 @@
 
 namespace zel {
 
-// The UTF-8 form of a text, where that tells it from every other text. It does not when the text holds U+0000, which
-// would end a key, or a code that is no Unicode scalar value: such a text has no key, and neither has one for which
-// memory runs out.
+// The UTF-8 form of a text, if no other text has the same form. A text that contains U+0000, which would end a key, or
+// a code that is no Unicode scalar value has no key. Without memory, which is reported, there is no key either.
 class MemoKey {
 public:
     explicit MemoKey(std::u32string_view text) noexcept;
@@ -26,7 +25,7 @@ private:
     bool Write(std::u32string_view text) noexcept;
     void Drop() noexcept;
 
-    char* _bytes;  // malloc'd where the text might not fit inside; null without a key
+    char* _bytes;  // _inside, or a block if the text might not fit; null without a key
     std::size_t _size = 0;
     char _inside[1024];
 };

@@ -4,10 +4,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdlib>
 
 #include "base/failure_report.h"
-#include "base/memory.h"
 
 using namespace zel;
 
@@ -36,13 +34,13 @@ bool ReachedPositions::BeginBits() noexcept {
     _base = _low;
     const std::size_t count = (_limit - _base) / 64 + 1;
     if (count > _room) {
-        auto* const words = static_cast<std::uint64_t*>(Allocate(count * sizeof(std::uint64_t)));
+        auto* const words = AllocateArray<std::uint64_t>(count);
         if (words == nullptr) {
             ReportAllocFailure("TAUnicodeRegularExpression", count * sizeof(std::uint64_t));
             _isOutOfMemory = true;
             return false;
         }
-        if (_words != _inlineWords) std::free(_words);
+        if (_words != _inlineWords) Free(_words);
         _words = words;
         _room = count;
     }

@@ -3,16 +3,17 @@
 // Mostly they are all positions between two, and then the two are all there is. Only where a lexeme leaves gaps does
 // each position get a bit, counted from _base, so that moving all positions means moving the base.
 //
-// Invariants: never empty (what would empty the set returns false, and the match is over); _low and _high are reached;
-// no bit outside them is set; _high never passes the limit given at construction. With bits there is room for every
-// position from _base to the limit. Up to 1024 of them fit into the object.
+// Invariants: never empty (an operation that would empty the set returns false, and the match is over); _low and _high
+// are reached; no bit outside them is set; _high never passes the limit given at construction. With bits there is room
+// for every position from _base to the limit. Up to 1024 of them fit into the object.
 #ifndef FILTERS_REACHED_POSITIONS_H
 #define FILTERS_REACHED_POSITIONS_H
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
+
+#include "base/memory.h"
 
 namespace zel {
 
@@ -25,7 +26,7 @@ public:
     ReachedPositions(const ReachedPositions&) = delete;
     ReachedPositions& operator=(const ReachedPositions&) = delete;
     ~ReachedPositions() {
-        if (_words != _inlineWords) std::free(_words);
+        if (_words != _inlineWords) Free(_words);
     }
 
     bool IsOutOfMemory() const noexcept { return _isOutOfMemory; }
@@ -50,7 +51,7 @@ public:
         _high += distance;
         _base += distance;
     }
-    // Drops what is above `highest`; false when nothing is left.
+    // Removes the positions above `highest`; false when none is left.
     bool DropAbove(std::size_t highest) noexcept {
         if (_low > highest) return false;
         if (_hasBits)
@@ -65,8 +66,9 @@ public:
     template <class Admits>
     void Extend(const Admits& admits) noexcept;
 
-    // Keeps what `search` accepts, or the first of it: search.Next(from, to) gives the first accepted position from
-    // `from` to `to`, or None, and is asked with rising `from`. False when nothing is left or memory ran out.
+    // Keeps the positions that `search` accepts, or the first of them: search.Next(from, to) gives the first accepted
+    // position from `from` to `to`, or None, and is asked with rising `from`. False when nothing is left or memory ran
+    // out.
     template <class Search>
     bool Keep(Search& search, bool isFirstEnough) noexcept;
 

@@ -1,12 +1,12 @@
-// Counters are a name, a start and a count under a lock of their own; the two others add a period, and a ring of
-// slices.
+// Counters are a name, a start and a count under a lock of their own. The two others add a period, and one of them a
+// ring of slices.
 //
 // The plain counter is fed without its lock, so its numbers are atomic words that are loaded and stored: no locked
-// operation, and a report beside the counting thread reads a true number. The others change only under the lock.
-// Numbers that outgrow their width go round.
-// The list of counters is constant-initialised and nothing ends it: counters may be statics of any file.
-// The dangerous case is the lock, which a thread must not take twice: what holds it builds its text by TotalText and
-// Recent, which take none.
+// operation, and a concurrent report reads a true number. The others change only under the lock. Numbers that exceed
+// their width wrap.
+// The list of counters is constant-initialised and never destroyed: counters may be statics of any file.
+// Hazard: a thread must not take the lock twice, so a function that holds it builds its text by TotalText and Recent,
+// which take none.
 
 #include "TAPerfo.h"
 
@@ -22,10 +22,10 @@ using namespace zel;
 
 namespace {
 
-constexpr int DefaultPeriod = 60;
+constexpr int DefaultPeriod = 60;  // in seconds
 constexpr char DefaultName[] = "no-name";
 
-// A union, so that nothing ends it.
+// A union, so that the list is never destroyed.
 union LastingList {
     constexpr LastingList() noexcept : list() {}
     ~LastingList() {}
@@ -37,7 +37,7 @@ int ValidPeriod(int length) noexcept {
     return std::max(length, 1);
 }
 
-// Sums that go round instead of overflowing.
+// A sum that wraps.
 int Sum(int one, int other) noexcept {
     return static_cast<int>(static_cast<std::uint32_t>(one) + static_cast<std::uint32_t>(other));
 }
@@ -57,7 +57,7 @@ TAPerfo::TAPerfo(const TAPerfo& other) noexcept : TAPerfo(other, TALocker(&other
 TAPerfo::TAPerfo(const TAPerfo& other, const TALocker&) noexcept
     : _name(other._name), _start(other._start.load()), _count(other._count.load()) {}
 
-// By way of a copy, so that two counters are never locked at once.
+// By way of a copy, so that two counters are never locked at the same time; so do the other classes.
 TAPerfo& TAPerfo::operator=(const TAPerfo& other) noexcept {
     const TAPerfo copy(other);
     const TALocker guard(&_lock);
@@ -71,7 +71,7 @@ void TAPerfo::Assign(const TAPerfo& other) noexcept {
     _count = other._count.load();
 }
 
-// From the end, where a counter with a short life stands.
+// From the end: a counter with a short life is among the last.
 TAPerfo::~TAPerfo() {
     for (int position = globalList.Size(); position >= 1; --position)
         if (std::as_const(globalList)[position] == this) {
@@ -129,22 +129,43 @@ void TAPerfo::GlobalReport(ZELListValZELString& texts) {
         if (TAPerfo* const counter = std::as_const(globalList)[position]) texts.Append(counter->Report());
 }
 
+TAPerfoPeriod::TAPerfoPeriod(ZELString name, int length) noexcept
+    : TAPerfo(std::move(name)), _length(ValidPeriod(length)) {}
+
+TAPerfoPeriod::TAPerfoPeriod(const TAPerfoPeriod& other, const TALocker& held) noexcept
+    : TAPerfo(other, held), _length(other._length) {}
+
+TAPerfoPeriod::~TAPerfoPeriod() = default;
+
+void TAPerfoPeriod::Assign(const TAPerfoPeriod& other) noexcept {
+    TAPerfo::Assign(other);
+    _length = other._length;
+}
+
+void TAPerfoPeriod::Report(std::ostream& stream) {
+    WriteLine(stream, Report().View());
+}
+
+void TAPerfoPeriod::SetLength(int length) {
+    {
+        const TALocker guard(&_lock);
+        _length = ValidPeriod(length);
+    }
+    Reset();
+}
+
 TAPerfoAv::TAPerfoAv() noexcept : TAPerfoAv(DefaultName) {}
 
 TAPerfoAv::TAPerfoAv(ZELString name) noexcept : TAPerfoAv(std::move(name), DefaultPeriod) {}
 
-TAPerfoAv::TAPerfoAv(ZELString name, int length) noexcept : TAPerfo(std::move(name)), _length(ValidPeriod(length)) {}
+TAPerfoAv::TAPerfoAv(ZELString name, int length) noexcept : TAPerfoPeriod(std::move(name), length) {}
 
-TAPerfoAv::TAPerfoAv(const TAPerfoAv& other) noexcept : TAPerfoAv(other, TALocker(&other._lock)) {}
-
-TAPerfoAv::TAPerfoAv(const TAPerfoAv& other, const TALocker& held) noexcept
-    : TAPerfo(other, held), _length(other._length) {}
+TAPerfoAv::TAPerfoAv(const TAPerfoAv& other) noexcept : TAPerfoPeriod(other, TALocker(&other._lock)) {}
 
 TAPerfoAv& TAPerfoAv::operator=(const TAPerfoAv& other) noexcept {
     const TAPerfoAv copy(other);
     const TALocker guard(&_lock);
     Assign(copy);
-    _length = copy._length;
     return *this;
 }
 
@@ -160,10 +181,6 @@ void TAPerfoAv::Count(int amount) {
     Add(amount);
 }
 
-void TAPerfoAv::Report(std::ostream& stream) {
-    WriteLine(stream, Report().View());
-}
-
 ZELString TAPerfoAv::Report() {
     const TALocker guard(&_lock);
     const __int64 elapsed = SecondsNow() - _start;
@@ -171,64 +188,46 @@ ZELString TAPerfoAv::Report() {
     return _name + ' ' + AmountText(static_cast<int>(rate)) + " per " + DurationText(_length) + ',' + TotalText();
 }
 
-void TAPerfoAv::SetLength(int length) {
-    {
-        const TALocker guard(&_lock);
-        _length = ValidPeriod(length);
-    }
-    Reset();
-}
-
 TAPerfoLoad::TAPerfoLoad() noexcept : TAPerfoLoad(DefaultName) {}
 
 TAPerfoLoad::TAPerfoLoad(ZELString name) noexcept : TAPerfoLoad(std::move(name), DefaultPeriod) {}
 
 TAPerfoLoad::TAPerfoLoad(ZELString name, int length) noexcept
-    : TAPerfo(std::move(name)), _buckets{}, _bucketStart(_start), _length(ValidPeriod(length)), _current(0) {}
+    : TAPerfoPeriod(std::move(name), length), _ring{{}, _start, 0} {}
 
 TAPerfoLoad::TAPerfoLoad(const TAPerfoLoad& other) noexcept : TAPerfoLoad(other, TALocker(&other._lock)) {}
 
-TAPerfoLoad::TAPerfoLoad(const TAPerfoLoad& other, const TALocker& held) noexcept : TAPerfo(other, held) {
-    CopyRing(other);
-}
+TAPerfoLoad::TAPerfoLoad(const TAPerfoLoad& other, const TALocker& held) noexcept
+    : TAPerfoPeriod(other, held), _ring(other._ring) {}
 
 TAPerfoLoad& TAPerfoLoad::operator=(const TAPerfoLoad& other) noexcept {
     const TAPerfoLoad copy(other);
     const TALocker guard(&_lock);
     Assign(copy);
-    CopyRing(copy);
+    _ring = copy._ring;
     return *this;
 }
 
 TAPerfoLoad::~TAPerfoLoad() = default;
 
-void TAPerfoLoad::CopyRing(const TAPerfoLoad& other) noexcept {
-    std::copy(std::begin(other._buckets), std::end(other._buckets), _buckets);
-    _bucketStart = other._bucketStart;
-    _length = other._length;
-    _current = other._current;
-}
-
 void TAPerfoLoad::Reset() {
     const TALocker guard(&_lock);
-    _current = 0;
     _count = 0;
-    _bucketStart = SecondsNow();
-    _start = _bucketStart;
-    std::fill(std::begin(_buckets), std::end(_buckets), 0);
+    _start = SecondsNow();
+    _ring = {{}, _start, 0};
 }
 
 // Empties the slices that have passed. After a long pause more than one round is as good as many: the ring is empty,
-// and its start follows by 41 slices at most, so that the calls behind it go on catching up.
+// and its start follows by 41 slices at most, so the next calls go on catching up.
 void TAPerfoLoad::MoveOn(__int64 now) noexcept {
-    const __int64 elapsed = std::max<__int64>(0, now - _bucketStart) * Slices;
+    const __int64 elapsed = std::max<__int64>(0, now - _ring.bucketStart) * Slices;
     if (elapsed < _length) return;  // nearly always, and spares the division
     __int64 passed = elapsed / _length;
     if (passed > Buckets) passed = Buckets + passed % Buckets;
     for (; passed > 0; --passed) {
-        _current = (_current + 1) % Buckets;
-        _buckets[_current] = 0;
-        _bucketStart += _length / Slices;
+        _ring.current = (_ring.current + 1) % Buckets;
+        _ring.buckets[_ring.current] = 0;
+        _ring.bucketStart += _length / Slices;
     }
 }
 
@@ -236,29 +235,18 @@ void TAPerfoLoad::Count(int amount) {
     const TALocker guard(&_lock);
     Add(amount);
     MoveOn(SecondsNow());
-    _buckets[_current] = Sum(_buckets[_current], amount);
+    int& bucket = _ring.buckets[_ring.current];
+    bucket = Sum(bucket, amount);
 }
 
 // All slices but the one that is being filled.
 int TAPerfoLoad::Recent() const noexcept {
     int sum = 0;
-    for (int slice = 1; slice <= Slices; ++slice) sum = Sum(sum, _buckets[(_current + slice) % Buckets]);
+    for (int slice = 1; slice <= Slices; ++slice) sum = Sum(sum, _ring.buckets[(_ring.current + slice) % Buckets]);
     return sum;
-}
-
-void TAPerfoLoad::Report(std::ostream& stream) {
-    WriteLine(stream, Report().View());
 }
 
 ZELString TAPerfoLoad::Report() {
     const TALocker guard(&_lock);
     return _name + ' ' + AmountText(Recent()) + " in last " + DurationText(_length) + ',' + TotalText();
-}
-
-void TAPerfoLoad::SetLength(int length) {
-    {
-        const TALocker guard(&_lock);
-        _length = ValidPeriod(length);
-    }
-    Reset();
 }

@@ -3,8 +3,8 @@
 // little more than the look at the clock.
 //
 // The members are protected and may be changed by derived classes, so the kept characters are compared with the members
-// as they are, not with what Init once found. The time is the C runtime's in whole seconds, unless somebody moved the
-// epoch. Whether the process was forked meanwhile is one load (GetProcessMark).
+// as they are, not with what Init once found. The time is the C runtime's in whole seconds, unless a derived class
+// moved the epoch. Whether the process was forked meanwhile is one load (GetProcessMark).
 //
 // Nothing is locked, by contract; the process mark alone is atomic.
 
@@ -43,7 +43,7 @@ constexpr __int64 UnixEpoch = Ticks(std::chrono::sys_days(std::chrono::year{1970
 
 constexpr char alphabet[] = "+-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
-// What all but the last four characters are made from.
+// The source of all but the last four characters.
 struct Stem {
     std::uint32_t seconds;
     int machine;
@@ -67,7 +67,7 @@ void FillBlock(const Stem& stem, unsigned char (&block)[BlockSize]) noexcept {
 }
 
 void ConvertGroup(std::uint32_t bits, char* characters) noexcept {
-    // Written out: this is most of what an identifier costs.
+    // Written out: this is most of the cost of an identifier.
     characters[0] = alphabet[bits >> 18 & 63];
     characters[1] = alphabet[bits >> 12 & 63];
     characters[2] = alphabet[bits >> 6 & 63];
@@ -78,12 +78,12 @@ Ticks Now() noexcept {
     return std::chrono::floor<Ticks>(std::chrono::system_clock::now().time_since_epoch());
 }
 
-// The number that this process had when it was last looked at.
+// The number of this process at the last look.
 constinit int ownProcess = -1;
 
 constinit std::atomic<std::uint32_t>* processMark = nullptr;
 
-// Whether the process has been forked since it was last looked at, or nothing can tell.
+// Whether the process has been forked since the last look, or that is unknown.
 bool IsNewProcess() noexcept {
     if (processMark != nullptr && processMark->load(std::memory_order_relaxed) != 0) return false;
     processMark = GetProcessMark();
@@ -105,7 +105,7 @@ void TAUUIDGenerator::Init() noexcept {
 }
 
 __int64 TAUUIDGenerator::GetTime() noexcept {
-    // Whatever a derived class made of the epoch: the difference wraps.
+    // The difference wraps for every epoch that a derived class chooses.
     const auto now = static_cast<std::uint64_t>(UnixEpoch + Now().count());
     return static_cast<__int64>(now - static_cast<std::uint64_t>(epoch)) / TicksPerSecond;
 }

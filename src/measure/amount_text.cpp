@@ -1,4 +1,4 @@
-// Three digits at most tell an amount, so decimals appear below 100 and a second one below 10. They come from the
+// An amount has three digits at most, so decimals appear below 100 and a second one below 10. They come from the
 // remainder of the last division alone and are cut, never rounded: an amount never reads larger than it is.
 
 #include "measure/amount_text.h"

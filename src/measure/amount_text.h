@@ -1,4 +1,4 @@
-// Amounts and times as people read them; the header TAPerfo.h tells the form.
+// Amounts and times as people read them; TAPerfo.h describes the format.
 #ifndef MEASURE_AMOUNT_TEXT_H
 #define MEASURE_AMOUNT_TEXT_H
 

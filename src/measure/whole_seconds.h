@@ -9,7 +9,7 @@ namespace zel {
 // Seconds since 1970-01-01 00:00 UTC.
 std::int64_t SecondsNow() noexcept;
 
-// For tests: from now on SecondsNow gives `seconds`, whatever the clock says; negative: the clock again.
+// For tests: from now on SecondsNow() returns `seconds` in place of the clock. A negative value restores the clock.
 void HoldTime(std::int64_t seconds) noexcept;
 
 }  // namespace zel

@@ -1,21 +1,19 @@
-// The class itself: what it keeps while it is closed, and the way from each call to what exists while it is open.
+// The class itself: its members while it is closed, and the way from each call to the connection.
 //
-// Opening makes a connection object, closing deletes it: words, buffers and the compressed mode cannot outlive what
-// they belong to. Messages, counters and the idle limit are the socket's own and stay.
+// Opening creates a connection, closing destroys it: words, buffers and the compressed mode cannot outlive their
+// connection. Messages, counters and the idle limit are the socket's own and stay.
 
 #include "TASocket.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "network/connection.h"
 #include "network/setup_trace.h"
-#include "network/socket_library.h"
 #include "network/socket_setup.h"
 
 using namespace zel;
@@ -29,7 +27,7 @@ constexpr const char* NotOpenForGet = "Socket not opened, unable to get data blo
 // Null when there is no socket, or no memory.
 TASocketConnection* MakeConnection(TASocket& owner, Socket&& socket) noexcept {
     if (!socket.IsOpen()) return nullptr;
-    TASocketConnection* const made = NewObject<TASocketConnection>(owner, std::move(socket));
+    TASocketConnection* const made = ZELNew<TASocketConnection>(owner, std::move(socket));
     if (made == nullptr) ReportAllocFailure("TASocket", sizeof *made);
     return made;
 }
@@ -53,7 +51,7 @@ int TASocket::RefuseItem(long long size) noexcept {
     return Fail(_sizeMessage);
 }
 
-// Takes over what was made, or says why nothing was.
+// Takes the connection over, or stores the reason why there is none.
 int TASocket::Adopt(TASocketConnection* connection, const char* failure) noexcept {
     _connection = connection;
     return connection != nullptr ? 0 : Fail(failure);
@@ -114,7 +112,7 @@ int TASocket::AcceptClient(TASocket& client, int acceptTimeout) noexcept {
     if (!HasSockets()) return Fail(NoLibrary);
     if (_connection == nullptr) return Fail("Server socket not openend, unable to get client query");
     if (&client == this) return Fail(Refused);
-    // Before the wait: its peer may wait for what is still in the buffer.
+    // Before the wait: its peer may wait for bytes that are still in the buffer.
     if (client._connection != nullptr) client.Close();
     bool isTimeOut = false;
     const std::int64_t limit = acceptTimeout >= 0 ? std::int64_t{acceptTimeout} * 1000 : -1;
@@ -123,7 +121,7 @@ int TASocket::AcceptClient(TASocket& client, int acceptTimeout) noexcept {
     return client.Adopt(MakeConnection(client, std::move(accepted)), Refused) == 0 ? 0 : Fail(Refused);
 }
 
-// Messages that tell a size are their owner's, so they are made again.
+// A message with a size is stored in its owner, so it is copied.
 void TASocket::CopyMessage(const TASocket& other) noexcept {
     std::copy_n(other._sizeMessage, sizeof _sizeMessage, _sizeMessage);
     _message = other._message == other._sizeMessage ? _sizeMessage : other._message;
@@ -133,7 +131,7 @@ int TASocket::Close() noexcept {
     if (!HasSockets()) return Fail(NoLibrary);
     if (_connection == nullptr) return Fail("unable to close not opened socket");
     const int result = _connection->Flush();
-    delete _connection;
+    ZELDelete(_connection);
     _connection = nullptr;
     return result;
 }
@@ -182,7 +180,7 @@ int TASocket::Flush() noexcept {
     return _connection != nullptr ? _connection->Flush() : Fail(NotOpenForPut);
 }
 
-// What every get begins with.
+// The first step of every get.
 int TASocket::BeginGet(int timeout) noexcept {
     return _connection != nullptr ? _connection->BeginGet(timeout) : Fail(NotOpenForGet);
 }
@@ -206,7 +204,7 @@ int TASocket::GetBinBlock(int* size, void** data, int timeout) noexcept {
     if (data != nullptr)
         *data = block;
     else
-        std::free(block);
+        Free(block);
     return result;
 }
 

@@ -1,40 +1,35 @@
-// The four printable bytes in front of a block; docs/wire.md tells how they are made.
+// The four printable bytes before a block; docs/wire.md describes them.
 #ifndef NETWORK_BLOCK_HEADER_H
 #define NETWORK_BLOCK_HEADER_H
 
 namespace zel {
 
-// In a namespace, since the names are common.
-namespace block_header {
+inline constexpr int BlockHeaderSize = 4;
+// The longest payload that a header can express.
+inline constexpr int MostBlockBytes = (1 << 24) - 1;
 
-inline constexpr int Size = 4;
-// The longest payload that a header can tell.
-inline constexpr int MostBytes = (1 << 24) - 1;
+inline constexpr int BlockHeaderBlank = 32;
+inline constexpr int BlockHeaderNegativeBit = 64;
 
-inline constexpr int Blank = 32;
-inline constexpr int NegativeBit = 64;
-
-inline void Encode(int value, char (&bytes)[Size]) noexcept {
-    const int sign = value < 0 ? NegativeBit : 0;
+inline void EncodeBlockHeader(int value, char (&bytes)[BlockHeaderSize]) noexcept {
+    const int sign = value < 0 ? BlockHeaderNegativeBit : 0;
     for (char& byte : bytes) {
-        byte = static_cast<char>(((value & 63) | sign) + Blank);
+        byte = static_cast<char>(((value & 63) | sign) + BlockHeaderBlank);
         value /= 64;
     }
 }
 
-// Total: every four bytes tell something between -2^26 and 2^26.
-inline int Decode(const char (&bytes)[Size]) noexcept {
+// Total: any four bytes are a value between -2^26 and 2^26.
+inline int DecodeBlockHeader(const char (&bytes)[BlockHeaderSize]) noexcept {
     int value = 0;
     int sign = 0;
-    for (int i = Size - 1; i >= 0; --i) {
-        const int digit = static_cast<unsigned char>(bytes[i]) - Blank;
+    for (int i = BlockHeaderSize - 1; i >= 0; --i) {
+        const int digit = static_cast<unsigned char>(bytes[i]) - BlockHeaderBlank;
         value = value * 64 + digit;
-        sign |= digit & NegativeBit;
+        sign |= digit & BlockHeaderNegativeBit;
     }
     return sign != 0 ? -value : value;
 }
-
-}  // namespace block_header
 
 }  // namespace zel
 

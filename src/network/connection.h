@@ -1,4 +1,4 @@
-// What a TASocket has while it is open: its socket, what waits in both directions, and the words of both.
+// The state of a TASocket while it is open: the socket, the buffers and the words of both directions.
 //
 // The operations are those of the class, with its results and messages, on a socket that is known to be open. They are
 // spread over connection_send.cpp (plain items), connection_receive.cpp (the same), connection_words.cpp (compressed
@@ -41,7 +41,7 @@ public:
     int PutBinary(int size, const void* data) noexcept;
     int PutFile(const char* path) noexcept;
 
-    // First of every get: sends what waits and waits for what comes.
+    // The first step of every get: sends the waiting bytes and waits for the peer.
     int BeginGet(int timeout) noexcept;
     int GetText(ZELString& text) noexcept;
     int GetList(ZELListValZELString& words) noexcept;

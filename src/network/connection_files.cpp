@@ -1,16 +1,16 @@
-// Files as binary blocks, each as long as the write buffer has room behind its header.
+// Files as binary blocks, each as long as the room of the write buffer after its header.
 //
-// The division into blocks is the wire's, but no block passes through the buffer: a hundred are sent in one call that
-// gathers headers and contents, from where the system keeps the file, else from a piece that is read. (Reading takes a
-// quarter longer.) Only what does not fill the buffer stays in it, as after any other put. The receiver takes any
-// division and copies nothing but what a block's end makes it.
+// The wire requires the division into blocks, but no block passes through the buffer: a hundred are sent in one call
+// that gathers headers and contents, from the system's own copy of the file or from a piece that is read. (Reading
+// takes a quarter longer.) Only a rest that does not fill the buffer stays in it, as after any other put. The receiver
+// accepts any division and copies only pieces at the end of a block.
 //
-// The dangerous case is a file that others change meanwhile. The piece where it begins and the one where it ends are
-// read, and decide: a file that does not read as one (those of the system's own say any size) is never mapped, and one
-// that grew or shrank between two pieces ends where reading finds its end. What is mapped is never looked at here. A
-// piece is announced only while the file has all of it, and if it lost some until that was sent, bytes that are not the
-// file's may have gone out: no end of the transfer could make that good, so it fails. (Unseen is only who shortens a
-// file and makes it longer again during one call: then zeros may stand for up to a page.)
+// Hazard: a file that other programs change meanwhile. Its first and its last piece are read, and decide: a file that
+// does not read as one (those of the system itself claim any size) is never mapped, and a file that grew or shrank
+// between two pieces ends where reading finds its end. Mapped bytes are never accessed here. A piece is claimed only
+// while the file has all of it. If the file lost a part before it was sent, foreign bytes may be on the wire, so the
+// transfer fails. (One case is not detected: a file that is shortened and made longer again during one call. Then up to
+// a page may be zeros.)
 
 #include <algorithm>
 #include <charconv>
@@ -43,7 +43,7 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 using Block = std::unique_ptr<char, FreeBlock>;
 
 Block MakeBlock(std::size_t size) noexcept {
-    Block block(static_cast<char*>(Allocate(size)));
+    Block block(AllocateArray<char>(size));
     if (block == nullptr) ReportAllocFailure("TASocket", size);
     return block;
 }
@@ -61,7 +61,7 @@ std::ptrdiff_t ReadFully(std::FILE* file, char* bytes, std::size_t size) noexcep
 }
 
 // The file that is received. Pieces are gathered where they lie and written together, before that place is used again.
-// As text, a CR in front of an LF is dropped; the stream ends lines as the target does.
+// As text, a CR before an LF is dropped; the stream ends lines as the target does.
 class Target {
 public:
     Target(const char* path, bool isText) noexcept : _isText(isText), _file(OpenStream(path, isText ? "w" : "wb")) {}
@@ -95,7 +95,7 @@ private:
     }
 
     bool _isText;
-    bool _hasReturn = false;  // a CR waits for what comes behind it
+    bool _hasReturn = false;  // a CR waits for the byte after it
     File _file;
     std::string_view _pieces[MostPieces];
     int _count = 0;
@@ -103,7 +103,7 @@ private:
 
 }  // namespace
 
-// Bytes that pass, told to a counter in large parts; the last part may be 0.
+// Counts transferred bytes in large parts; the last part may be 0.
 class zel::TransferTally {
 public:
     explicit TransferTally(TAPerfo* meter) noexcept : _meter(meter) {}
@@ -123,22 +123,22 @@ private:
     std::int64_t _told = 0;
 };
 
-// What a block of a file may hold now: at most what the buffer has room for, and no more than its header can tell.
+// The size of the next block of a file: at most the room of the buffer, and at most the limit of a header.
 std::size_t TASocketConnection::FrameRoom() const noexcept {
-    return static_cast<std::size_t>(std::clamp(_out.Free() - block_header::Size, 0, block_header::MostBytes));
+    return static_cast<std::size_t>(std::clamp(_out.Free() - BlockHeaderSize, 0, MostBlockBytes));
 }
 
-// Sends what waits and the contents in blocks that fill the buffer; the rest, which does not fill one, stays in it.
+// Sends the waiting bytes, and the contents in blocks that fill the buffer. A rest that does not fill it stays in it.
 int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept {
-    char headers[MostFrames][block_header::Size];
+    char headers[MostFrames][BlockHeaderSize];
     Piece pieces[Socket::MaxPieces];
     for (std::size_t room = FrameRoom(); size >= room;) {
         int count = 0;
         pieces[count++] = {_out.Pending().data(), _out.Pending().size()};
         _out.Clear();  // the bytes stay until something is appended, and the next frames have all of its room
         for (int i = 0; i < MostFrames && size >= room; ++i) {
-            block_header::Encode(static_cast<int>(room), headers[i]);
-            pieces[count++] = {headers[i], block_header::Size};
+            EncodeBlockHeader(static_cast<int>(room), headers[i]);
+            pieces[count++] = {headers[i], BlockHeaderSize};
             pieces[count++] = {data, room};
             data += room;
             size -= room;
@@ -153,7 +153,8 @@ int TASocketConnection::SendFrames(const char* data, std::size_t size) noexcept 
     return 0;
 }
 
-// Sends pieces of `size` bytes, which fill their blocks, for as long as the mapping has them. Reading goes on behind.
+// Sends pieces of `size` bytes, which fill their blocks, for as long as the mapping has them. Reading continues after
+// them.
 int TASocketConnection::SendMapped(FileMapping& mapping, std::size_t size, TransferTally& tally) noexcept {
     const std::int64_t begin = tally.total;
     for (;;) {
@@ -166,13 +167,13 @@ int TASocketConnection::SendMapped(FileMapping& mapping, std::size_t size, Trans
     }
 }
 
-// The block of length 0 behind the contents, and how many bytes they were.
+// The block of length 0 after the contents, and the number of their bytes.
 int TASocketConnection::PutTotal(std::int64_t sent) noexcept {
-    if (MakeRoom(block_header::Size, 0) != 0) return 1;
+    if (MakeRoom(BlockHeaderSize, 0) != 0) return 1;
     AppendHeader(0);
     char digits[24];
     const auto length = static_cast<int>(std::to_chars(digits, digits + sizeof digits, sent).ptr - digits);
-    if (MakeRoom(std::int64_t{block_header::Size} + length, length) != 0) return 1;
+    if (MakeRoom(std::int64_t{BlockHeaderSize} + length, length) != 0) return 1;
     AppendHeader(length);
     _out.Append(digits, static_cast<std::size_t>(length));
     return 0;
@@ -184,7 +185,7 @@ int TASocketConnection::PutFile(const char* path) noexcept {
     if (FrameRoom() == 0 && Flush() != 0) return 1;
     if (FrameRoom() == 0 || !_out.HasMemory()) return Fail("Unable to free write buffer");
     const std::size_t first = FrameRoom();
-    const auto room = static_cast<std::size_t>(std::min(_out.Capacity() - block_header::Size, block_header::MostBytes));
+    const auto room = static_cast<std::size_t>(std::min(_out.Capacity() - BlockHeaderSize, MostBlockBytes));
     const std::size_t size = std::max(AtOnce / room, std::size_t{1}) * room;
     const Block block = MakeBlock(size);
     if (block == nullptr) return Fail("Unable to free write buffer");
@@ -212,8 +213,8 @@ int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noex
     if (!target.IsOpen()) return Fail(NotWritten);
     TransferTally tally(ReceiveMeter());
     for (;;) {
-        // What is gathered lies in the buffer, which reading on may fill anew.
-        if (_in.Arrived().size() < block_header::Size && !target.WriteGathered()) return Fail(NotWritten);
+        // The gathered pieces are in the buffer, which further reading may overwrite.
+        if (_in.Arrived().size() < BlockHeaderSize && !target.WriteGathered()) return Fail(NotWritten);
         if (const int result = Wait(timeout); result != 0) return result;
         int length = 0;
         if (!ReadHeader(length)) return Fail("Unable to get block size");
@@ -235,13 +236,12 @@ int TASocketConnection::GetFile(const char* path, int timeout, bool isText) noex
     return CheckTotal(tally.total);
 }
 
-// The block behind the contents.
+// The block after the contents.
 int TASocketConnection::CheckTotal(std::int64_t received) noexcept {
     ZELString text;
     int length = 0;
     if (!ReadHeader(length)) return Fail("Unable to get block size ");
-    if (length < 0 || length > block_header::MostBytes || !ReadText(text, length))
-        return Fail("Unable to get full block");
+    if (length < 0 || length > MostBlockBytes || !ReadText(text, length)) return Fail("Unable to get full block");
     std::int64_t total = -1;
     const std::string_view digits = text.View();
     const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), total);

@@ -1,15 +1,14 @@
 // Plain items on their way in, through the receive buffer.
 //
-// The dangerous case is a peer that announces what it never sends: nothing is allocated for an announcement. A text
-// grows by what has arrived; a binary block is made longer by 64 KiB at a time, since it is filled in place.
+// Hazard: a peer that claims a size and never sends the bytes. Memory is not allocated for a claim: it grows with the
+// received bytes. A binary block is filled in place, 64 KiB at a time.
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 
 #include "TAPerfo.h"
 #include "base/failure_report.h"
-#include "base/memory.h"
+#include "base/growing_array.h"
 #include "network/block_header.h"
 #include "network/connection.h"
 
@@ -55,9 +54,9 @@ bool TASocketConnection::ReadInteger(int& value) noexcept {
 }
 
 bool TASocketConnection::ReadHeader(int& value) noexcept {
-    char header[block_header::Size];
+    char header[BlockHeaderSize];
     if (!ReadBytes(header, sizeof header)) return false;
-    value = block_header::Decode(header);
+    value = DecodeBlockHeader(header);
     return true;
 }
 
@@ -87,8 +86,7 @@ int TASocketConnection::GetText(ZELString& text) noexcept {
     int length = 0;
     if (!ReadHeader(length)) return Fail("Unable to get block size ");
     if (length < 0) _isCompressed = true;
-    const bool isRead =
-        length < 0 ? ReadCompressedText(text) : length <= block_header::MostBytes && ReadText(text, length);
+    const bool isRead = length < 0 ? ReadCompressedText(text) : length <= MostBlockBytes && ReadText(text, length);
     if (!isRead) {
         text = ZELString();
         return Fail("Unable to get full block");
@@ -108,7 +106,7 @@ int TASocketConnection::GetList(ZELListValZELString& words) noexcept {
         isRead = ReadCompressedList(words, bytes);
     } else if (length > 0) {
         ZELString text;
-        isRead = length <= block_header::MostBytes && ReadText(text, length) && SplitAtBlanks(text.View(), words);
+        isRead = length <= MostBlockBytes && ReadText(text, length) && SplitAtBlanks(text.View(), words);
     }
     if (!isRead) {
         words.RemoveAll(ZELCollec::ReleaseMemory);
@@ -119,29 +117,24 @@ int TASocketConnection::GetList(ZELListValZELString& words) noexcept {
 }
 
 int TASocketConnection::GetBinary(int& size, void*& data) noexcept {
-    constexpr int Step = 64 << 10;
-    int announced = 0;
-    if (!ReadHeader(announced)) return Fail("Unable to get block size");
-    if (announced < 0 || announced > block_header::MostBytes) return Fail("Unable to get full block");
-    char* block = nullptr;
-    for (int arrived = 0; arrived < announced;) {
-        const int piece = std::min(announced - arrived, Step);
-        const auto room = static_cast<std::size_t>(arrived + piece);
-        char* const grown = AllocationFails() ? nullptr : static_cast<char*>(std::realloc(block, room));
-        const bool isRead = grown != nullptr && ReadBytes(grown + arrived, static_cast<std::size_t>(piece));
-        if (grown != nullptr)
-            block = grown;
-        else
-            ReportAllocFailure("TASocket", room);
-        if (!isRead) {
-            std::free(block);
-            return Fail(grown == nullptr ? "Unable to alloc memory for GetBinBlock" : "Unable to get full block");
+    constexpr std::size_t Step = 64 << 10;
+    int claimed = 0;
+    if (!ReadHeader(claimed)) return Fail("Unable to get block size");
+    if (claimed < 0 || claimed > MostBlockBytes) return Fail("Unable to get full block");
+    GrowingArray<char> block;
+    while (block.Size() < static_cast<std::size_t>(claimed)) {
+        const std::size_t arrived = block.Size();
+        const std::size_t piece = std::min(static_cast<std::size_t>(claimed) - arrived, Step);
+        if (!block.Reserve(arrived + piece)) {
+            ReportAllocFailure("TASocket", arrived + piece);
+            return Fail("Unable to alloc memory for GetBinBlock");
         }
-        arrived += piece;
+        if (!ReadBytes(block.Data() + arrived, piece)) return Fail("Unable to get full block");
+        block.SetSize(arrived + piece);
     }
-    size = announced;
-    data = block;
-    CountBytes(ReceiveMeter(), announced);
+    size = claimed;
+    data = block.Release();
+    CountBytes(ReceiveMeter(), claimed);
     return 0;
 }
 

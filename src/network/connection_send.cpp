@@ -1,8 +1,8 @@
 // Plain items on their way out, through the write buffer.
 //
-// The one rule of the buffer is in MakeRoom: an item that would reach its end has what waits sent first, and one that
-// would reach it even then is refused before anything of it is written. Contents of binary blocks are the exception:
-// they are sent from where they stand, in one call with what waits in front of them, so that they cost no copy.
+// The one rule of the buffer is in MakeRoom: before an item that would reach its end, the waiting bytes are sent. An
+// item that would reach it even then is rejected before any byte of it is written. Contents of binary blocks are the
+// exception: they are sent from their place, in one call with the waiting bytes, so that they are not copied.
 
 #include "network/block_header.h"
 #include "network/connection.h"
@@ -48,7 +48,7 @@ int TASocketConnection::Flush() noexcept {
     return isSent ? 0 : Fail("Unable to flush buffer");
 }
 
-// `item` in bytes with all that belongs to it, `told` what the message says when it never fits.
+// `item` is the whole size in bytes, `told` the size for the message when the item never fits.
 int TASocketConnection::MakeRoom(std::int64_t item, std::int64_t told) noexcept {
     if (item >= _out.Free() && Flush() != 0) return 1;
     if (item >= _out.Free() || !_out.HasMemory()) return _owner.RefuseItem(told);
@@ -56,8 +56,8 @@ int TASocketConnection::MakeRoom(std::int64_t item, std::int64_t told) noexcept 
 }
 
 void TASocketConnection::AppendHeader(int value) noexcept {
-    char header[block_header::Size];
-    block_header::Encode(value, header);
+    char header[BlockHeaderSize];
+    EncodeBlockHeader(value, header);
     _out.Append(header, sizeof header);
 }
 
@@ -89,8 +89,8 @@ int TASocketConnection::PutText(std::string_view text) noexcept {
 
 int TASocketConnection::PutPlainText(std::string_view text) noexcept {
     const auto length = static_cast<int>(text.size());
-    if (length > block_header::MostBytes) return _owner.RefuseItem(length);
-    if (MakeRoom(std::int64_t{block_header::Size} + length, length) != 0) return 1;
+    if (length > MostBlockBytes) return _owner.RefuseItem(length);
+    if (MakeRoom(std::int64_t{BlockHeaderSize} + length, length) != 0) return 1;
     AppendHeader(length);
     _out.Append(text.data(), text.size());
     CountBytes(SendMeter(), length);
@@ -102,8 +102,8 @@ int TASocketConnection::PutList(const ZELListValZELString& words) noexcept {
     // Measured before it is joined: a list that no buffer takes shall not be copied first.
     std::int64_t length = words.Size() > 0 ? words.Size() - 1 : 0;
     for (const ZELString& word : words) length += word.Length();
-    if (length > block_header::MostBytes) return _owner.RefuseItem(length);
-    if (MakeRoom(block_header::Size + length, length) != 0) return 1;
+    if (length > MostBlockBytes) return _owner.RefuseItem(length);
+    if (MakeRoom(BlockHeaderSize + length, length) != 0) return 1;
     AppendHeader(static_cast<int>(length));
     bool isFirst = true;
     for (const ZELString& word : words) {
@@ -115,9 +115,9 @@ int TASocketConnection::PutList(const ZELListValZELString& words) noexcept {
 }
 
 int TASocketConnection::PutBinary(int size, const void* data) noexcept {
-    const bool isBlock = size >= 0 && size <= block_header::MostBytes && (size == 0 || data != nullptr);
+    const bool isBlock = size >= 0 && size <= MostBlockBytes && (size == 0 || data != nullptr);
     if (!isBlock) return _owner.RefuseItem(size);
-    if (MakeRoom(block_header::Size, size) != 0) return 1;
+    if (MakeRoom(BlockHeaderSize, size) != 0) return 1;
     AppendHeader(size);
     if (size > 0) {
         const Piece pieces[] = {{_out.Pending().data(), _out.Pending().size()}, {data, static_cast<std::size_t>(size)}};

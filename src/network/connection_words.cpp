@@ -1,11 +1,11 @@
 // Compressed blocks: each word travels in full once, and then as its number.
 //
 // A word enters the table of the sender when both its number and its text were accepted, so that the tables of both
-// ends agree as long as the connection stands. What would be refused in the middle of a block is found before it
-// begins.
+// ends agree as long as the connection exists. An item that would be rejected in the middle of a block is
+// found before the block begins.
 //
-// The dangerous case is a peer that makes much of little: a number of four bytes stands for a word of any length, so
-// the text that is rebuilt is bounded by what a sender may put into a block.
+// Hazard: a peer that makes much of little. A number of four bytes is a word of any length, so the length of the
+// rebuilt text is limited to that of a block.
 
 #include <algorithm>
 #include <cstdint>
@@ -68,7 +68,7 @@ int TASocketConnection::DefineWord(std::string_view word, int& number) noexcept 
 
 int TASocketConnection::PutCompressedText(std::string_view text) noexcept {
     const auto length = static_cast<int>(text.size());
-    if (length > block_header::MostBytes) return _owner.RefuseItem(length);
+    if (length > MostBlockBytes) return _owner.RefuseItem(length);
     if (!TakesWord(text)) {
         // Perhaps because of one of its words.
         std::int64_t tooLong = -1;
@@ -79,13 +79,12 @@ int TASocketConnection::PutCompressedText(std::string_view text) noexcept {
         if (tooLong >= 0) return _owner.RefuseItem(tooLong);
     }
     const auto count = static_cast<int>(std::count_if(text.begin(), text.end(), Cuts)) + 1;
-    const std::unique_ptr<int, FreeBlock> numbers(
-        static_cast<int*>(Allocate(static_cast<std::size_t>(count) * sizeof(int))));
+    const std::unique_ptr<int, FreeBlock> numbers(AllocateArray<int>(static_cast<std::size_t>(count)));
     if (numbers == nullptr) {
         ReportAllocFailure("TASocket", static_cast<std::size_t>(count) * sizeof(int));
         return _owner.RefuseItem(length);
     }
-    if (MakeRoom(block_header::Size, length) != 0) return 1;
+    if (MakeRoom(BlockHeaderSize, length) != 0) return 1;
     AppendHeader(-length);
     int* next = numbers.get();
     if (!ForEachWord(text, [&](std::string_view word) { return DefineWord(word, *next++) == 0; })) return 1;
@@ -96,7 +95,7 @@ int TASocketConnection::PutCompressedText(std::string_view text) noexcept {
 int TASocketConnection::PutCompressedList(const ZELListValZELString& words) noexcept {
     for (const ZELString& word : words)
         if (!TakesWord(word.View())) return _owner.RefuseItem(word.Length());
-    if (MakeRoom(block_header::Size, words.Size()) != 0) return 1;
+    if (MakeRoom(BlockHeaderSize, words.Size()) != 0) return 1;
     AppendHeader(-words.Size());
     int ignored = 0;
     for (const ZELString& word : words)
@@ -127,7 +126,7 @@ bool TASocketConnection::ReadCompressedText(ZELString& text) noexcept {
         const ZELString* const word = ReadInteger(number) ? _received.Find(number) : nullptr;
         if (word == nullptr) return false;
         const std::int64_t wanted = std::int64_t{text.Length()} + (i > 0 ? 1 : 0) + word->Length();
-        if (wanted > block_header::MostBytes) return false;
+        if (wanted > MostBlockBytes) return false;
         if (i > 0) text += ' ';
         text += *word;
         if (text.Length() != wanted) return false;
@@ -135,7 +134,7 @@ bool TASocketConnection::ReadCompressedText(ZELString& text) noexcept {
     return true;
 }
 
-// Appends the items, and tells their bytes.
+// Appends the items, and returns their bytes.
 bool TASocketConnection::ReadCompressedList(ZELListValZELString& words, std::int64_t& bytes) noexcept {
     bytes = 0;
     int count = 0;

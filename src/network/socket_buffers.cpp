@@ -1,9 +1,8 @@
-// Plain blocks of the C heap. Both come with their first use: a listening socket needs neither.
+// Both blocks are allocated at their first use: a listening socket needs neither.
 
 #include "network/socket_buffers.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include "base/failure_report.h"
@@ -14,7 +13,7 @@ using namespace zel;
 namespace {
 
 char* AllocateBuffer(std::size_t size) noexcept {
-    char* const bytes = static_cast<char*>(Allocate(size));
+    char* const bytes = AllocateArray<char>(size);
     if (bytes == nullptr) ReportAllocFailure("TASocket", size);
     return bytes;
 }
@@ -22,7 +21,7 @@ char* AllocateBuffer(std::size_t size) noexcept {
 }  // namespace
 
 WriteBuffer::~WriteBuffer() {
-    std::free(_bytes);
+    zel::Free(_bytes);
 }
 
 bool WriteBuffer::HasMemory() noexcept {
@@ -37,7 +36,7 @@ void WriteBuffer::Append(const void* bytes, std::size_t size) noexcept {
 }
 
 ReceiveBuffer::~ReceiveBuffer() {
-    std::free(_bytes);
+    zel::Free(_bytes);
 }
 
 bool ReceiveBuffer::HasMemory() noexcept {
@@ -62,7 +61,7 @@ bool ReceiveBuffer::Read(Socket& socket, std::int64_t limit, void* bytes, std::s
     while (size > 0) {
         std::size_t count = 0;
         if (IsEmpty() && size >= Capacity && !_hasEnded) {
-            // As much as the buffer takes goes where it is wanted, without the way through it.
+            // Bytes that would fill the buffer are received in their place, without a copy.
             const ReceiveStatus status = socket.Receive(at, size, limit, count);
             _hasEnded = status == ReceiveStatus::Ended;
             if (status != ReceiveStatus::Received) return false;

@@ -1,4 +1,4 @@
-// What waits in front of a socket on its way out, and what has arrived on its way in.
+// The bytes that wait to be sent, and those that have arrived.
 #ifndef NETWORK_SOCKET_BUFFERS_H
 #define NETWORK_SOCKET_BUFFERS_H
 
@@ -35,8 +35,8 @@ private:
     char* _bytes = nullptr;
 };
 
-// Bytes that arrived and were not asked for yet: a call to the system brings what is there, not what is wanted. Every
-// wait looks here first.
+// Bytes that arrived and were not read yet: a call to the system returns all that is there. Every wait looks here
+// first.
 class ReceiveBuffer {
 public:
     static constexpr std::size_t Capacity = std::size_t{64} << 10;

@@ -8,6 +8,7 @@
 
 #include "network/socket_setup.h"
 
+#include <atomic>
 #include <cstring>
 #include <utility>
 
@@ -16,6 +17,8 @@
 using namespace zel;
 
 namespace {
+
+constinit std::atomic<bool> isDenied{false};  // set by tests only
 
 // A socket that may become the server's.
 struct Candidate {
@@ -28,7 +31,7 @@ Socket Refuse(const char* reason, const char*& failure) noexcept {
     return {};
 }
 
-// Puts the address's bound socket into `candidate`. Whether a socket could be made at all tells `isMade`.
+// Puts the address's bound socket into `candidate`. Sets `isMade` when a socket could be created at all.
 bool BindCandidate(const NetworkAddress& address, Candidate& candidate, bool& isMade,
                    const SetupTrace& trace) noexcept {
     Socket socket = Socket::Make(address);
@@ -91,6 +94,14 @@ bool IsPort(int port) noexcept {
 }
 
 }  // namespace
+
+bool zel::HasSockets() noexcept {
+    return StartSockets() && !isDenied.load(std::memory_order_relaxed);
+}
+
+void zel::PretendNoSockets(bool isPretended) noexcept {
+    isDenied.store(isPretended, std::memory_order_relaxed);
+}
 
 Socket zel::ListenByIPv4(int port, const char*& failure) noexcept {
     Socket socket = Socket::MakeIPv4();

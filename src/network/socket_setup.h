@@ -1,6 +1,6 @@
-// Making sockets that listen and sockets that are connected, by IPv4 alone or by whatever family a host has.
+// Creating sockets that listen and sockets that are connected, by IPv4 alone or by any family that a host has.
 //
-// Each function gives a socket that is not open, and the reason in `failure`, when it could not.
+// After a failure each function returns a socket that is not open, and the reason in `failure`.
 #ifndef NETWORK_SOCKET_SETUP_H
 #define NETWORK_SOCKET_SETUP_H
 
@@ -12,6 +12,11 @@
 namespace zel {
 
 constexpr int ListenBacklog = 8;
+
+// Whether this process can have sockets at all. Asks the system once, at the first call.
+bool HasSockets() noexcept;
+// For tests: HasSockets() returns false from now on, or the truth again.
+void PretendNoSockets(bool isPretended) noexcept;
 
 Socket ListenByIPv4(int port, const char*& failure) noexcept;
 Socket ListenByBoth(int port, const SetupTrace& trace, const char*& failure) noexcept;

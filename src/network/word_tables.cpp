@@ -1,4 +1,4 @@
-// Tables of the standard library, whose one exception ends here.
+// Tables of the standard library, whose one exception is caught here.
 
 #include "network/word_tables.h"
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ZELString.h"
+#include "base/memory.h"
 
 namespace zel {
 
@@ -20,30 +21,30 @@ public:
     int Find(std::string_view word) const noexcept;
     // The number that the next new word gets: 0, 1, 2, ...
     int Next() const noexcept { return static_cast<int>(_numbers.size()); }
-    // Enters a word that is not there. False when memory runs out, which is said on standard output.
+    // Adds a word that is not in the table. False when memory runs out, which is reported.
     bool Add(std::string_view word) noexcept;
 
 private:
     struct Hash : std::hash<std::string_view> {
         using is_transparent = void;
     };
+    using Text = std::basic_string<char, std::char_traits<char>, HeapAllocator<char>>;
 
-    std::unordered_map<std::string, int, Hash, std::equal_to<>> _numbers;
+    std::unordered_map<Text, int, Hash, std::equal_to<>, HeapAllocator<std::pair<const Text, int>>> _numbers;
 };
 
-// Words that were received: from the number to the text. The peer chooses the numbers. Those that count up from 0, as
-// every good peer's do, stand in an array; a tree holds the others, since no choice of numbers makes it slow.
+// Words that were received: from the number to the text. The peer chooses the numbers. Numbers that count up from 0, as
+// every good peer sends them, are in an array. A tree holds the others, since no choice of numbers makes it slow.
 class ReceivedWords {
 public:
     // The text of the number, or null.
     const ZELString* Find(int number) const noexcept;
-    // Enters a word; a number that is taken keeps its first one. False when memory runs out, which is said on standard
-    // output.
+    // Adds a word; a number that is known keeps its first one. False when memory runs out, which is reported.
     bool Add(int number, ZELString&& word) noexcept;
 
 private:
-    std::vector<ZELString> _inOrder;
-    std::map<int, ZELString> _others;
+    std::vector<ZELString, HeapAllocator<ZELString>> _inOrder;
+    std::map<int, ZELString, std::less<>, HeapAllocator<std::pair<const int, ZELString>>> _others;
 };
 
 }  // namespace zel

@@ -1,7 +1,7 @@
 // A component is a name beside a map on the heap, which its copies share.
 //
-// Invariants: _map is null when it got no memory; only a component that is no view deletes it. Danger: a view whose
-// original has ended. Nothing here can tell, so the header forbids it.
+// Invariants: _map is null without memory; only a component that is no view destroys it. Hazard: a view whose original
+// is destroyed. The code cannot detect it, so the header forbids it.
 
 #include "TAComponent.h"
 
@@ -22,7 +22,7 @@ constexpr float LoadFactor = 0.75F;
 
 }  // namespace
 
-TAComponent::TAComponent() noexcept : _map(NewObject<ZELHashRWMap>(FirstBuckets, LoadFactor)) {
+TAComponent::TAComponent() noexcept : _map(ZELNew<ZELHashRWMap>(FirstBuckets, LoadFactor)) {
     if (_map == nullptr) ReportAllocFailure("TAComponent", sizeof(ZELHashRWMap));
 }
 
@@ -31,14 +31,14 @@ TAComponent::TAComponent(const TAComponent& other) noexcept : _name(other._name)
 TAComponent& TAComponent::operator=(const TAComponent& other) noexcept {
     _name = other._name;
     if (_map == other._map) return *this;
-    if (!_isView) delete _map;
+    if (!_isView) ZELDelete(_map);
     _map = other._map;
     _isView = true;
     return *this;
 }
 
 TAComponent::~TAComponent() {
-    if (!_isView) delete _map;
+    if (!_isView) ZELDelete(_map);
 }
 
 void TAComponent::SetName(ZELString name) noexcept {

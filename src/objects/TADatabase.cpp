@@ -25,7 +25,7 @@ TAOracleDatabase::~TAOracleDatabase() = default;
 
 int TAOracleDatabase::SQL(TAFileName script) {
     RequirePath();
-    // A scratch file stands for as long as the command runs; the command does not use it.
+    // A scratch file exists while the command runs; the command does not use it.
     const TAFileName scratch = TAFileName::GetTemporaryFileName();
     const int status =
         std::system("plus80 -s " + _user + "/" + _password + "@" + _database + " @" + script.GetNativeName());

@@ -2,24 +2,23 @@
 // paths by their reference counts.
 //
 // Invariants: a file name or list is never null, a text is null when it is empty, an object and a path may be null; the
-// code says which member of the union is there. Danger: whoever assigns may hand over a part of what is about to be
-// freed (an element of the own list, an object that only this attribute keeps), so the new value is complete before the
-// old one goes; and lists lie in lists as deep as one likes, so nothing here follows them by recursion.
+// code says which member of the union is there. Hazards: the assigned value may be a part of the old one (an element of
+// the own list, an object that only this attribute keeps), so the new value is complete before the old one is freed;
+// and lists may be nested to any depth, so no function here follows them by recursion.
 
 #include "TAPAttr.h"
 
 #include <functional>
-#include <new>
 #include <utility>
 
 #include "TADiagnostics.h"
 #include "TAPObject.h"
 #include "TAPPath.h"
 #include "base/failure_report.h"
+#include "base/growing_array.h"
 #include "base/memory.h"
-#include "objects/attr_list.h"
 #include "objects/shared_text.h"
-#include "objects/work_stack.h"
+#include "objects/tree_contents.h"
 
 using namespace zel;
 
@@ -33,7 +32,7 @@ Pointee* WithReference(Pointee* counted) noexcept {
     return counted;
 }
 
-// Outlives everything: its destructor would have nothing to do, and is never called.
+// Never destroyed: its destructor would have nothing to do.
 constinit union NullAttribute {
     constexpr NullAttribute() noexcept : attribute() {}
     constexpr ~NullAttribute() {}
@@ -52,7 +51,7 @@ TAPAttr::TAPAttr(const char* text) noexcept : TAPAttr() {
 TAPAttr::TAPAttr(const ZELString& text) noexcept : TAPAttr(text.CastToCharPtr()) {}
 
 TAPAttr::TAPAttr(const TAFileName& name) noexcept : TAPAttr() {
-    _value.fileName = NewObject<TAFileName>(name);
+    _value.fileName = ZELNew<TAFileName>(name);
     if (_value.fileName != nullptr)
         _type = TypeFileName;
     else
@@ -124,15 +123,15 @@ bool TAPAttr::CopyList(const ZELListValTAPAttr& list) noexcept {
         const ZELListValTAPAttr* from;
         ZELListValTAPAttr* to;
     };
-    WorkStack<Level> levels;
+    GrowingArray<Level> levels;
     TAPAttr copy;
     const auto begin = [&](TAPAttr& target, const ZELListValTAPAttr& from) {
-        List* const made = NewObject<List>();
+        List* const made = ZELNew<List>();
         if (made == nullptr) return false;
         target._value.list = made;
         target._type = TypeList;
         made->values.Reserve(from.Size());
-        return levels.Push({&from, &made->values});
+        return levels.Append({&from, &made->values});
     };
     // One element more; a list comes empty and as the next level.
     const auto copyNext = [&](const Level& level) {
@@ -144,10 +143,10 @@ bool TAPAttr::CopyList(const ZELListValTAPAttr& list) noexcept {
     };
 
     bool done = begin(copy, list);
-    while (done && levels.Size() > 0) {
-        const Level level = levels.Top();
+    while (done && !levels.IsEmpty()) {
+        const Level level = levels.Last();
         if (level.to->Size() == level.from->Size())
-            levels.Pop();
+            levels.RemoveLast();
         else
             done = copyNext(level);
     }
@@ -168,15 +167,15 @@ void TAPAttr::Free() noexcept {
             SharedText::Drop(_value.text);
             break;
         case TypeFileName:
-            // Not by a delete-expression, which would warn: the class has virtual functions, and no virtual destructor.
+            // Not by ZELDelete(): compilers warn, since the class has virtual functions and no virtual destructor.
             _value.fileName->TAFileName::~TAFileName();
-            ::operator delete(_value.fileName);
+            zel::Free(_value.fileName);
             break;
         case TypeObject:
             if (_value.object != nullptr) _value.object->Release();
             break;
         case TypeList:
-            Remains::End(_value.list);
+            DeferredContents::Destroy(_value.list);
             break;
         case TypePath:
             if (_value.path != nullptr) _value.path->Release();

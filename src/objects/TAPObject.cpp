@@ -1,12 +1,12 @@
-// An object is an index from names to attributes, which come from new and are counted: copies of the object have
-// indexes of their own that lead to the same attributes.
+// An object is an index from names to attributes, which are counted: copies of the object have indexes of their own
+// with the same attributes.
 //
-// The index is made with the first attribute. Reading goes by name wherever possible, because reading a large index by
-// position first merges what was added last; setting a new attribute is one search.
+// The index is created with the first attribute. Functions read by name if possible, because reading a large index by
+// position first merges the latest additions; setting a new attribute is one search.
 //
 // Invariants: every attribute in the index is owned by it, together with as many others as the attribute counts; an
-// attribute with other owners is replaced, never changed, except for a list, whose elements all see. Danger: what is
-// replaced may hold the last reference to anything, this object's name argument included, so it goes last.
+// attribute with other owners is replaced, never changed, except for a list, whose elements all owners see. Hazard: a
+// replaced value may hold the last reference to anything, the name argument included, so it is destroyed last.
 
 #include "TAPObject.h"
 
@@ -14,8 +14,7 @@
 
 #include "base/failure_report.h"
 #include "base/memory.h"
-#include "objects/attr_list.h"
-#include "objects/object_contents.h"
+#include "objects/tree_contents.h"
 
 using namespace zel;
 
@@ -25,7 +24,7 @@ constexpr char ClassName[] = "TAPObject";
 
 template <class Made, class... Arguments>
 Made* NewOrReport(Arguments&&... arguments) noexcept {
-    Made* const made = NewObject<Made>(std::forward<Arguments>(arguments)...);
+    Made* const made = ZELNew<Made>(std::forward<Arguments>(arguments)...);
     if (made == nullptr) ReportAllocFailure(ClassName, sizeof(Made));
     return made;
 }
@@ -36,14 +35,14 @@ int WrappingSum(int left, int right) noexcept {
 
 }  // namespace
 
-TAPObject::Contents::Contents(const Contents& other) noexcept : Remains(), attributes(other.attributes) {
+TAPObject::Contents::Contents(const Contents& other) noexcept : DeferredContents(), attributes(other.attributes) {
     for (int place = 0; place < attributes.Size(); ++place)
         if (TAPAttr* const shared = At(place)) ++shared->_otherOwners;
 }
 
-bool TAPObject::Contents::EndNext() noexcept {
-    if (ended < attributes.Size()) {
-        Drop(At(ended++));
+bool TAPObject::Contents::DestroyNext() noexcept {
+    if (destroyed < attributes.Size()) {
+        Drop(At(destroyed++));
         return true;
     }
     if (path == nullptr) return false;
@@ -56,7 +55,7 @@ void TAPObject::Contents::Drop(TAPAttr* attribute) noexcept {
     if (attribute->_otherOwners > 0)
         --attribute->_otherOwners;
     else
-        delete attribute;
+        ZELDelete(attribute);
 }
 
 TAPObject::TAPObject(const TAPObject& other) noexcept : TARefCounter(other), _path(other.GetPath()) {
@@ -72,14 +71,14 @@ TAPObject& TAPObject::operator=(const TAPObject& other) noexcept {
     }
     TARefCounter::operator=(other);
     SetPath(other._path);
-    Remains::End(std::exchange(_contents, contents));
+    DeferredContents::Destroy(std::exchange(_contents, contents));
     return *this;
 }
 
 TAPObject::~TAPObject() {
     if (_contents != nullptr) {
         _contents->path = _path;
-        Remains::End(_contents);
+        DeferredContents::Destroy(_contents);
     } else if (_path != nullptr) {
         _path->Release();
     }
@@ -94,8 +93,8 @@ TAPAttr* TAPObject::Find(const char* name) const noexcept {
     return _contents != nullptr ? static_cast<TAPAttr*>(_contents->attributes[name]) : nullptr;
 }
 
-// Makes `made` the attribute of that name. Returns what has to go in exchange: null, the old attribute (or `made`, then
-// with the old value), or, when nothing could be stored, `made`.
+// Makes `made` the attribute of that name. Returns the attribute to destroy in exchange: null, the old attribute (or
+// `made`, then with the old value), or `made` when it could not be stored.
 TAPAttr* TAPObject::Put(const char* name, TAPAttr* made) noexcept {
     TAIndex* const attributes = GetAttributeList();
     if (attributes == nullptr) return made;
@@ -224,7 +223,7 @@ TAPObject* TAPObject::GetObjectW(TAPPath* path) noexcept {
         object->Release();
         object = found.GetObjectW(nullptr);
     }
-    // The last two steps of a walk have no name, so only one without any step still stands here.
+    // The last two steps of a walk have no name, so only a walk without steps still has an object here.
     if (object != nullptr) object->Release();
     return nullptr;
 }

@@ -1,16 +1,16 @@
-// A path is a chain of counted nodes from the last name to the first: the path of a child is one node in front of the
-// chain of its parent, so trees cost the same for each object, however deep.
+// A path is a chain of counted nodes from the last name to the first. The path of a child is one node before the chain
+// of its parent, so the cost for each object does not depend on its depth.
 //
-// Invariants: a node holds one reference to its name (which may be null) and counts as an owner of the node before it;
-// nodes never change. Cost: reading by index walks from the end. Danger: chains are as long as trees are deep, so they
-// are let go of in a loop.
+// Invariants: a node holds one reference to its name (which may be null) and is an owner of the node before it; nodes
+// never change. Cost: reading by index walks from the end. Hazard: chains are as long as trees are deep, so they are
+// freed in a loop.
 
 #include "TAPPath.h"
 
 #include "TADiagnostics.h"
 #include "base/failure_report.h"
 #include "base/memory.h"
-#include "objects/path_node.h"
+#include "objects/name_chain.h"
 #include "objects/shared_text.h"
 
 using namespace zel;
@@ -38,14 +38,13 @@ const char* TAPName::GetName() const noexcept {
 
 // Takes over the owner's part of `parent`, also when there is no memory.
 TAPPath::Node* TAPPath::NewNode(Node* parent, TAPName* name) noexcept {
-    Node* const node = NewObject<Node>();
+    Node* const node = ZELNew<Node>(parent, name, parent != nullptr ? parent->length + 1 : 1, 1u);
     if (node == nullptr) {
         ReportAllocFailure("TAPPath", sizeof(Node));
         Node::Drop(parent);
         return nullptr;
     }
     if (name != nullptr) name->AddRef();
-    *node = {parent, name, parent != nullptr ? parent->length + 1 : 1, 1};
     return node;
 }
 
@@ -53,7 +52,7 @@ void TAPPath::Node::Drop(Node* node) noexcept {
     while (node != nullptr && --node->owners == 0) {
         Node* const parent = node->parent;
         if (node->name != nullptr) node->name->Release();
-        delete node;
+        ZELDelete(node);
         node = parent;
     }
 }

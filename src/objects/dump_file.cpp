@@ -1,9 +1,7 @@
-// Whole runs go to the C library, whose text mode makes each system's line ends. Nobody hears of what could not be
-// written: a dump is a by-product, and its interface reports nothing.
+// Whole runs go to the C library, whose text mode writes the line ends of each system. Write errors are not reported: a
+// dump is a by-product, and its interface has no room for an error.
 
 #include "objects/dump_file.h"
-
-#include <cstdlib>
 
 #include "base/failure_report.h"
 #include "base/memory.h"
@@ -15,7 +13,7 @@ void DumpFile::Open(const char* path) noexcept {
     _isOpened = true;
     _file = OpenStream(path, "w");
     if (_file == nullptr) return;
-    _begin = _next = static_cast<char*>(Allocate(Room));
+    _begin = _next = AllocateArray<char>(Room);
     if (_begin != nullptr)
         _end = _begin + Room;
     else
@@ -24,7 +22,7 @@ void DumpFile::Open(const char* path) noexcept {
 
 void DumpFile::Close() noexcept {
     WriteOut();
-    std::free(_begin);
+    Free(_begin);
     _begin = _next = _end = nullptr;
     if (_file != nullptr) std::fclose(_file);
     _file = nullptr;
@@ -35,7 +33,7 @@ void DumpFile::WriteOut() noexcept {
     _next = _begin;
 }
 
-// Writes out what waits; false when `size` bytes do not fit even so.
+// Writes the waiting bytes; false when `size` bytes do not fit even so.
 bool DumpFile::MakeRoom(std::size_t size) noexcept {
     WriteOut();
     return size <= static_cast<std::size_t>(_end - _begin);

@@ -1,4 +1,4 @@
-// One text file of a dump, written in large runs. One that cannot be opened takes everything and keeps nothing.
+// One text file of a dump, written in large runs. A file that cannot be opened accepts and discards all text.
 #ifndef OBJECTS_DUMP_FILE_H
 #define OBJECTS_DUMP_FILE_H
 
@@ -21,10 +21,10 @@ public:
     bool IsOpened() const noexcept { return _isOpened; }
     // Once. Replaces the file `path`, a path value.
     void Open(const char* path) noexcept;
-    // Writes what waits.
+    // Writes the waiting bytes.
     void Close() noexcept;
 
-    // Adds pieces, which are numbers, characters and texts, to what waits.
+    // Adds pieces, which are numbers, characters and texts, to the waiting bytes.
     template <class... Pieces>
     void Put(Pieces... pieces) noexcept {
         if (((LongestOf(pieces) + ...)) <= static_cast<std::size_t>(_end - _next))

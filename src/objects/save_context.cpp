@@ -1,9 +1,8 @@
 // Depth first, as a recursive save would do it: an attribute's identifier, the lines of its value and of all below it,
-// then the object's line for it. The levels stand on a stack of their own, so depth costs heap and nothing else.
+// then the object's line for it. The levels are on a stack of their own, so depth needs heap and nothing else.
 //
-// Invariants: the contents of every object on the stack are marked as being saved, so an object that is met again
-// inside itself is recognised at once. Danger: pushing a level moves the others, so nobody keeps a reference to one
-// across Begin().
+// Invariants: the contents of every object on the stack are marked as being saved, so an object inside itself is
+// recognised at once. Hazard: adding a level moves the others, so no reference to a level is kept across Begin().
 
 #include "objects/save_context.h"
 
@@ -12,8 +11,7 @@
 #include "TADiagnostics.h"
 #include "base/compiler.h"
 #include "base/failure_report.h"
-#include "objects/attr_list.h"
-#include "objects/path_node.h"
+#include "objects/name_chain.h"
 #include "objects/shared_text.h"
 
 using namespace zel;
@@ -59,14 +57,14 @@ void TAPObjectSaveContext::SaveAttribute(const TAPAttr& attribute, int id) noexc
 // Continues the topmost level until no more than `height` are left.
 void TAPObjectSaveContext::WorkOff(std::size_t height) noexcept {
     while (_levels.Size() > height) {
-        if (_levels.Top().object != nullptr)
+        if (_levels.Last().object != nullptr)
             ContinueObject();
         else
             ContinueList();
     }
 }
 
-// Writes the lines of a value, and makes what is below it the topmost level.
+// Writes the lines of a value, and makes its object or list the topmost level.
 void TAPObjectSaveContext::Begin(const TAPAttr& attribute, int id) noexcept {
     switch (attribute._type) {
         case TAPAttr::TypeString:
@@ -106,19 +104,19 @@ void TAPObjectSaveContext::BeginObject(const TAPObject* object, int id) noexcept
     Push({object->_contents, nullptr, id, 0, 0});
 }
 
-// The names from the third on, and two empty ones in the end: what TAPPath::operator[] gives for 1 to Size().
+// The names from the third on, and two empty ones at the end, as TAPPath::operator[] returns them for 1 to Size().
 void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
     DumpFile& file = File(TAPAttr::TypePath);
     file.Put(id, ':');
     struct Step {
         const TAPName* name;
     };
-    WorkStack<Step> names;
+    GrowingArray<Step> names;
     const TAPPath::Node* const last = path != nullptr ? path->_last : nullptr;
     for (const TAPPath::Node* node = last; node != nullptr && node->length > TAPPath::Node::Shift; node = node->parent)
-        if (!names.Push({node->name})) ReportAllocFailure("TAPObjectSaveContext", sizeof(Step));
-    for (; names.Size() > 0; names.Pop()) {
-        const TAPName* const name = names.Top().name;
+        if (!names.Append({node->name})) ReportAllocFailure("TAPObjectSaveContext", sizeof(Step));
+    for (; !names.IsEmpty(); names.RemoveLast()) {
+        const TAPName* const name = names.Last().name;
         file.Put(std::string_view(name != nullptr ? name->GetName() : ""), ';');
     }
     for (int i = 0; last != nullptr && i < TAPPath::Node::Shift && i < last->length; ++i) file.Put(';');
@@ -127,7 +125,7 @@ void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
 
 // Without memory this branch ends here.
 void TAPObjectSaveContext::Push(const Level& level) noexcept {
-    if (!_levels.Push(level))
+    if (!_levels.Append(level))
         ReportAllocFailure("TAPObjectSaveContext", sizeof(Level));
     else if (level.object != nullptr)
         level.object->isBeingSaved = true;
@@ -155,11 +153,11 @@ void TAPObjectSaveContext::LookAhead(const TAPObject::Contents& object, int plac
 void TAPObjectSaveContext::ContinueObject() noexcept {
     const std::size_t height = _levels.Size();
     while (_levels.Size() == height) {
-        Level& level = _levels.Top();
+        Level& level = _levels.Last();
         if (level.next > 0) WriteAttributeLine(level);
         if (level.next == level.object->attributes.Size()) {
             level.object->isBeingSaved = false;
-            _levels.Pop();
+            _levels.RemoveLast();
             return;
         }
         LookAhead(*level.object, level.next);
@@ -172,9 +170,9 @@ void TAPObjectSaveContext::ContinueObject() noexcept {
 void TAPObjectSaveContext::ContinueList() noexcept {
     const std::size_t height = _levels.Size();
     while (_levels.Size() == height) {
-        Level& level = _levels.Top();
+        Level& level = _levels.Last();
         if (level.next > level.list->Size()) {
-            _levels.Pop();
+            _levels.RemoveLast();
             return;
         }
         const int place = level.next++;

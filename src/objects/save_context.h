@@ -7,9 +7,9 @@
 #include "TAFileName.h"
 #include "TAPAttr.h"
 #include "TAPObject.h"
+#include "base/growing_array.h"
 #include "objects/dump_file.h"
-#include "objects/object_contents.h"
-#include "objects/work_stack.h"
+#include "objects/tree_contents.h"
 
 class TAPObjectSaveContext {
 public:
@@ -23,7 +23,7 @@ public:
     int NextId() noexcept { return static_cast<int>(_nextId++); }
     void SaveObject(const TAPObject& object, int id) noexcept;
     void SaveAttribute(const TAPAttr& attribute, int id) noexcept;
-    // What a save calls the kind of an attribute.
+    // The name of the kind of an attribute in a dump.
     static const char* TypeName(const TAPAttr& attribute) noexcept;
 
 private:
@@ -56,7 +56,7 @@ private:
     zel::DumpFile _files[Kinds];
     int _opened[Kinds] = {};  // kinds, in the order in which their files were opened
     int _openCount = 0;
-    zel::WorkStack<Level> _levels;
+    zel::GrowingArray<Level> _levels;
 };
 
 #endif

@@ -1,7 +1,8 @@
-// Blocks of the C heap: a counter, two lengths, and the characters with a NUL behind them.
+// A block is a counter, two lengths, and the characters with a terminator.
 //
-// A block that grows gets twice the room, so what is appended piece by piece is moved a logarithmic number of times.
-// Danger: the tail may lie in the block that is given up, so that one goes last.
+// A block that grows gets twice the room, so a text that is appended piece by piece is moved a logarithmic number of
+// times.
+// Hazard: the tail may be in the block that is replaced, so that block is freed last.
 
 #include "objects/shared_text.h"
 
@@ -17,7 +18,7 @@ using namespace zel;
 
 namespace {
 
-// What a ZELString can hold.
+// The longest text of a ZELString.
 constexpr std::size_t MaxLength = 0x7FFFFFFE;
 
 SharedText* NewBlock(std::string_view text, std::size_t room, const char* owner) noexcept {

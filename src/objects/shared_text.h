@@ -1,4 +1,4 @@
-// A text that several owners share by count, so that copies cost nothing; null stands for the empty one.
+// A counted text that several owners share, so that copying takes constant time. Null is the empty text.
 //
 // The count is atomic: a copy is a text of its own as far as anybody can tell, also in another thread. The text grows
 // in place only for an owner that has it alone.
@@ -7,8 +7,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
+
+#include "base/memory.h"
 
 namespace zel {
 
@@ -22,7 +23,7 @@ struct SharedText {
     }
     static void Drop(SharedText* text) noexcept {
         if (text == nullptr) return;
-        if (text->IsAlone() || text->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) std::free(text);
+        if (text->IsAlone() || text->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) Free(text);
     }
     // Lengthens the text of one owner by `tail`, which may be part of it. False, and no change, without memory.
     static bool Append(SharedText*& text, std::string_view tail, const char* owner) noexcept;

@@ -266,19 +266,23 @@ TEST(HostilePeer, WithoutMemory) {
     const TemporaryFolder folder;
     WriteBytes(folder / "in", "contents");
     const Variable compress("TASocketCompress", "1");
+    const std::string longWord(100, 'w');
+    const std::string words = Header(-3) + word + Number(7) + Text(longWord) + Number(-1) + Number(2) + Number(0) +
+                              Number(7) + Header(-1) + Number(-1) + Number(1) + Text(longWord);
     const auto talk = [&](FailingMemory& memory) {
         Listener listener;
         Peer peer(listener.port);
-        peer.Send(Block("query") + Block("bytes") + Block("12345") + "    " + Block("5"));
+        peer.Send(Block("query") + Block(std::string(70000, 'x')) + Block("12345") + "    " + Block("5") + words);
         TASocket socket;
         ZELString query;
         memory.Begin();
         const bool isRefused = listener.server.GetQuery(10, query, socket) != 0 || GetBytes(socket) != 0 ||
-                               GetFile(socket) != 0 || socket.PutBlock("some words") != 0 ||
+                               GetFile(socket) != 0 || GetText(socket) != 0 || GetList(socket) != 0 ||
+                               socket.PutBlock(("some " + longWord).c_str()) != 0 ||
                                socket.PutFile((folder / "in").c_str()) != 0;
         EXPECT_EQ(isRefused, memory.End());
     };
-    EXPECT_GE(FailEachAllocation(talk).count, 6);
+    EXPECT_GE(FailEachAllocation(talk).count, 12);
 }
 
 // Many clients at once, each faulty in its own way, again and again.

@@ -7,7 +7,6 @@
 #include <regex>
 
 #include "network/peer.h"
-#include "network/socket_library.h"
 #include "support/files.h"
 #include "support/test_system.h"
 

@@ -152,9 +152,9 @@ TEST(Wire, CompressedItems) {
 TEST(Wire, Headers) {
     for (int value = -70000; value < (1 << 24); value += value < 70000 ? 1 : 4099) {
         char header[4];
-        block_header::Encode(value, header);
+        EncodeBlockHeader(value, header);
         ASSERT_EQ(std::string(header, 4), Header(value));
-        const int decoded = block_header::Decode(header);
+        const int decoded = DecodeBlockHeader(header);
         ASSERT_TRUE(value >= 0 ? decoded == value : decoded < 0) << value;
     }
     EXPECT_EQ(Header(5) + Header(-100), Bytes({37, 32, 32, 32, 124, 159, 96, 96}));

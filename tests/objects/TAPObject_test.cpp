@@ -218,6 +218,7 @@ TEST(TAPObject, MissingMemoryChangesNothingAndLeaksNothing) {
         TAPObject child, object;
         object.SetAttribute("text", "old");
         memory.Begin();
+        object.SetAttribute("file", TAFileName("some\\file"));
         object.SetAttribute("child", &child);
         object.SetAttribute("text", fresh);
         const int appended = object.AppendToAttribute("text", tail) + object.AppendToAttribute("list", &child);

@@ -1,6 +1,7 @@
-// The chain of names that a path is; for TAPPath and the dump.
-#ifndef OBJECTS_PATH_NODE_H
-#define OBJECTS_PATH_NODE_H
+// The chain of names that a path is, shared by TAPPath and the dump. A node is one name and leads to the node before
+// it.
+#ifndef OBJECTS_NAME_CHAIN_H
+#define OBJECTS_NAME_CHAIN_H
 
 #include "TAPPath.h"
 
