@@ -33,7 +33,8 @@
 #include "ZELString.h"
 
 namespace zel {
-struct TAChild;  // what copies know together of a child
+class Command;
+struct TAChild;  // the knowledge of a child that copies share
 }  // namespace zel
 
 class ZEL_API TAProcess {
@@ -97,7 +98,7 @@ private:
     struct Target;
 
     int Fail(const char* reason, const ZELString& detail = {}) noexcept;
-    int Launch(const ZELString& line) noexcept;
+    int Launch(const zel::Command& command) noexcept;
     Target TheTarget() const noexcept;
 
     ZELString _message;

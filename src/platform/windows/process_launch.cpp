@@ -14,7 +14,6 @@
 #include <cstring>
 #include <cwchar>
 
-#include "base/command_line.h"
 #include "base/failure_report.h"
 #include "platform/native_path.h"
 #include "platform/system.h"
@@ -192,11 +191,11 @@ void ChildProcess::Close() noexcept {
     _pid = 0;
 }
 
-bool zel::Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
+bool zel::Launch(const Command& command, const ChildFile& input, const ChildFile& output, ChildProcess& child,
                  LaunchFailure& failure) noexcept {
-    const WideText wide(line);
+    const WideText wide(command.IsComplete() ? command.Line() : "");
     const ChildEnvironment environment;
-    if (wide.Text() == nullptr || environment.Text() == nullptr) {
+    if (!command.IsComplete() || wide.Text() == nullptr || environment.Text() == nullptr) {
         Describe(ERROR_NOT_ENOUGH_MEMORY, failure);
         return false;
     }
