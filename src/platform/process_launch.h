@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <utility>
 
 #include "base/command_line.h"
@@ -71,8 +72,11 @@ struct LaunchFailure {
     bool isTooLong;  // the line, for the system
 };
 
-// Fills `failure` with "The command line has N characters, the limit is M".
-void DescribeTooLong(std::size_t length, std::size_t limit, LaunchFailure& failure) noexcept;
+inline void DescribeTooLong(std::size_t length, std::size_t limit, LaunchFailure& failure) noexcept {
+    failure.isTooLong = true;
+    std::snprintf(failure.text, sizeof failure.text, "The command line has %zu characters, the limit is %zu", length,
+                  limit);
+}
 
 // Starts the program of a command, with its arguments. The words of the command may be changed. `input` serves as
 // standard input, `output` as standard output and error; streams without an open file are the caller's own. The child

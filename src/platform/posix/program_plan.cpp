@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/slash_path.h"
 
 using namespace zel;

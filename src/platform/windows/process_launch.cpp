@@ -10,11 +10,11 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/native_path.h"
 #include "platform/system.h"
 #include "platform/windows/handle.h"
@@ -48,7 +48,7 @@ public:
         while (own[length] != L'\0') length += std::wcslen(own + length) + 1;
         constexpr std::size_t MarkRoom = 32;
         const std::size_t size = (length + MarkRoom + 1) * sizeof(wchar_t);
-        _text = static_cast<wchar_t*>(std::malloc(size));
+        _text = static_cast<wchar_t*>(Allocate(size));
         if (_text != nullptr)
             Write(own);
         else
@@ -57,7 +57,7 @@ public:
     }
     ChildEnvironment(const ChildEnvironment&) = delete;
     ChildEnvironment& operator=(const ChildEnvironment&) = delete;
-    ~ChildEnvironment() { std::free(_text); }
+    ~ChildEnvironment() { Free(_text); }
 
     wchar_t* Text() const noexcept { return _text; }
 
