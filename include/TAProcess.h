@@ -25,11 +25,11 @@
 #define TAPROCESS_H
 
 #include <cstdint>
-#include <memory>
 
 #include "ZELExport.h"
 #include "ZELListValZELString.h"
 #include "ZELPlatformTypes.h"
+#include "ZELShared.h"
 #include "ZELString.h"
 
 namespace zel {
@@ -105,8 +105,8 @@ private:
     ZELString _output;
     ZELString _input;
     int _pid = 0;
-    std::int64_t _born = 0;                // of a process that was not started here, as zel::ProcessIdentity tells
-    std::shared_ptr<zel::TAChild> _child;  // null once this object saw its end
+    std::int64_t _born = 0;          // of a process that was not started here, as zel::ProcessIdentity tells
+    ZELShared<zel::TAChild> _child;  // empty once this object saw its end
 };
 
 #endif

@@ -71,7 +71,7 @@ int TAProcess::Launch(const Command& command) noexcept {
     ChildFile input, output;
     if (_output.Length() > 0 && !output.OpenForWriting(_output)) return Fail("Unable to redirect output in ", _output);
     if (_input.Length() > 0 && !input.OpenForReading(_input)) return Fail("Unable to redirect input in ", _input);
-    std::shared_ptr<TAChild> child = MakeChild();
+    ZELShared<TAChild> child = MakeChild();
     if (!child) return Fail("Not enough memory");
     ChildProcess process;
     LaunchFailure failure;
@@ -105,7 +105,7 @@ int TAProcess::Check(int& status) noexcept {
 }
 
 int TAProcess::Wait(int& exitCode) noexcept {
-    const std::shared_ptr<TAChild> child = _child;  // this object may be given another one meanwhile
+    const ZELShared<TAChild> child = _child;  // this object may be given another one meanwhile
     const ChildState state = child ? AwaitChild(*child, exitCode) : ChildState::NotOpen;
     if (state == ChildState::Over) return 0;
     if (state == ChildState::NotOpen) return Fail("Unable to wait for child process");
