@@ -35,7 +35,7 @@ public:
     TAMutex& operator=(const TAMutex&) noexcept = default;
     virtual ~TAMutex();
 
-    // Objects from `new` come from the library's memory, since the library may delete them, or the other way round.
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
     static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
@@ -60,7 +60,7 @@ public:
     TALockProcess& operator=(const TALockProcess&) noexcept = default;
     virtual ~TALockProcess();
 
-    // Objects from `new` come from the library's memory, since the library may delete them, or the other way round.
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
     static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }

@@ -52,7 +52,7 @@ public:
     // Waits for the thread, if it runs, and leaves the register.
     virtual ~TAThread();
 
-    // Objects from `new` come from the library's memory, since the library may delete them, or the other way round.
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
     static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }

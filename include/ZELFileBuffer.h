@@ -49,7 +49,7 @@ public:
     ZELFileBuffer(const ZELFileBuffer&) = delete;
     ZELFileBuffer& operator=(const ZELFileBuffer&) = delete;
 
-    // Objects from `new` come from the library's memory, since the library deletes them.
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
     static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }

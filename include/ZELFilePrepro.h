@@ -46,7 +46,7 @@ public:
     ZELFilePrepro& operator=(const ZELFilePrepro&) = delete;
     virtual ~ZELFilePrepro();
 
-    // Objects from `new` come from the library's memory, since the library deletes what has a virtual destructor.
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
     static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }

@@ -65,7 +65,8 @@ public:
     void Enter(const ProcessEntry& entry) noexcept;
     // Kills everybody, and who is started meanwhile; the caller last. False when the system lists no processes.
     bool KillAll() noexcept;
-    bool IsKilled() const noexcept { return _killed == _members.Size(); }
+    // False also when memory did not suffice for all members.
+    bool IsKilled() const noexcept { return _isComplete && _killed == _members.Size(); }
 
 private:
     bool KillOthers() noexcept;
@@ -86,6 +87,7 @@ private:
     ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
     int _next = 0;
     int _killed = 0;
+    bool _isComplete = true;
     ProcessEntry::Activity _activity = ProcessEntry::IsStopped;  // of the busiest that is held, at the latest look
 };
 
@@ -98,7 +100,11 @@ void ProcessTree::Kill(const ProcessEntry& entry) noexcept {
 }
 
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
-    if (!_members.Append(entry) || entry.self.pid == _caller) return;
+    if (!_members.Append(entry)) {
+        _isComplete = false;
+        return;
+    }
+    if (entry.self.pid == _caller) return;
     const bool canWait = !_forceOnly || HoldProcess(entry.self);
     if (!canWait || !_waiting.Append(entry)) Kill(entry);
 }
