@@ -43,17 +43,18 @@ bool IsBatchName(std::string_view name) noexcept;
 // A command text and all decisions about it: its line, its words, whether the command interpreter runs it, which batch
 // file it names, and the command of the second try. Every system launches this value.
 //
-// | text           | line                | interpreter gets | batch file | line of the second try |
-// |----------------|---------------------|------------------|------------|------------------------|
-// | `tool  x`      | `tool  x`           |                  |            | `tool.bat x`           |
-// | `build.bat all`| `cmd /c build.bat all` | `build.bat all` | `build.bat` | `cmd.bat /c build.bat all` |
-// | `cmd /c dir`   | `cmd /c dir`        | `dir`            |            | `cmd.bat /c dir`       |
+// | text            | line                   | interpreter's text | batch file  | line of the second try     |
+// |-----------------|------------------------|--------------------|-------------|----------------------------|
+// | `tool  x`       | `tool  x`              |                    |             | `tool.bat x`               |
+// | `build.bat all` | `cmd /c build.bat all` | `build.bat all`    | `build.bat` | `cmd.bat /c build.bat all` |
+// | `tool x.bat`    | `cmd /c tool x.bat`    | `tool x.bat`       |             | `cmd.bat /c tool x.bat`    |
+// | `cmd /c dir`    | `cmd /c dir`           | `dir`              |             | `cmd.bat /c dir`           |
 class Command {
 public:
     // The text need not outlive the command.
     explicit Command(std::string_view text) noexcept;
 
-    // False when memory ran out (said on standard output). The parts are empty then.
+    // False when memory ran out (said on standard output). Nothing else may be called then.
     bool IsComplete() const noexcept { return _line != nullptr && _words.AreComplete(); }
 
     // The text, after "cmd /c " when it contains ".bat" anywhere. Terminated.
@@ -70,7 +71,7 @@ public:
     std::string_view BehindBatchFile() const noexcept { return _behindBatchFile; }
 
     // The command to try when the program of this one cannot be started: ".bat" follows the first word. Words end at
-    // blanks here, also inside quotes, and one blank separates them. No further "cmd /c " is added. Needs IsComplete().
+    // blanks here, also inside quotes, and one blank separates them. No further "cmd /c " is added.
     Command SecondTry() const noexcept;
 
 private:
