@@ -185,7 +185,9 @@ TEST(TAProcess, EachFailedAllocationIsAFailureAndNoMore) {
         EXPECT_TRUE(isStarted || tree.GetprocessID() == 0);
         EXPECT_TRUE(!isShellStarted || CodeOf(shell) == 7);
         EXPECT_TRUE(!isStarted || isKilled || tree.Kill() == 0);
-        EXPECT_TRUE(!isStarted || CodeOf(tree) == (isKilled ? 999 : 99));
+        // A tree that cannot be listed to its end counts as not killed, whatever was killed of it.
+        const int code = isStarted ? CodeOf(tree) : 0;
+        EXPECT_TRUE(!isStarted || code == 999 || (!isKilled && code == 99)) << code;
     });
     EXPECT_GT(failures.count, 8);
 }
