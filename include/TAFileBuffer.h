@@ -76,7 +76,7 @@ private:
     State _state = Unregistered;  // changed under the lock of all buffers, as everything here; constant once Loaded
     std::int32_t _size = 0;
     char* _name;
-    char* _text = nullptr;  // malloc'd
+    char* _text = nullptr;
 };
 
 #endif

@@ -25,15 +25,16 @@
 #define TAPROCESS_H
 
 #include <cstdint>
-#include <memory>
 
 #include "ZELExport.h"
 #include "ZELListValZELString.h"
 #include "ZELPlatformTypes.h"
+#include "ZELShared.h"
 #include "ZELString.h"
 
 namespace zel {
-struct TAChild;  // what copies know together of a child
+class Command;
+struct TAChild;  // the knowledge of a child that copies share
 }  // namespace zel
 
 class ZEL_API TAProcess {
@@ -97,15 +98,15 @@ private:
     struct Target;
 
     int Fail(const char* reason, const ZELString& detail = {}) noexcept;
-    int Launch(const ZELString& line) noexcept;
+    int Launch(const zel::Command& command) noexcept;
     Target TheTarget() const noexcept;
 
     ZELString _message;
     ZELString _output;
     ZELString _input;
     int _pid = 0;
-    std::int64_t _born = 0;                // of a process that was not started here, as zel::ProcessIdentity tells
-    std::shared_ptr<zel::TAChild> _child;  // null once this object saw its end
+    std::int64_t _born = 0;          // of a process that was not started here, as zel::ProcessIdentity tells
+    ZELShared<zel::TAChild> _child;  // empty once this object saw its end
 };
 
 #endif

@@ -18,13 +18,19 @@
 #ifndef TATHREAD_H
 #define TATHREAD_H
 
-#include <atomic>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <new>
 
+#include "ZELAtomic.h"
 #include "ZELExport.h"
 #include "ZELListPtr.h"
+#include "ZELMemory.h"
+#include "ZELShared.h"
 
+namespace zel {
+struct ThreadArguments;  // for the library alone
+}  // namespace zel
 class TAThread;
 
 class ZELListPtrTAThread : public ZELListPtr<TAThread> {
@@ -45,6 +51,12 @@ public:
     virtual void Run();
     // Waits for the thread, if it runs, and leaves the register.
     virtual ~TAThread();
+
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     void SetFunc(void (*function)(int, const char**)) noexcept;
     // The arguments are `first`, which counts also when it is null, and the following pointers in front of the first
@@ -78,10 +90,10 @@ private:
     void Leave() noexcept;
 
     void (*_function)(int, const char**) = nullptr;
-    std::shared_ptr<const char*> _arguments;  // with a null behind the last; null before SetArgs
+    ZELShared<zel::ThreadArguments> _arguments;  // empty before SetArgs
     int _count = 0;
     bool _detached = false;
-    std::atomic<std::uint32_t> _state{Idle};  // Registered without Running: its start failed
+    ZELAtomic<std::uint32_t> _state{Idle};  // Registered without Running: its start failed
 };
 
 #endif

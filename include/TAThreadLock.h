@@ -19,13 +19,18 @@
 #ifndef TATHREADLOCK_H
 #define TATHREADLOCK_H
 
+#include <cstddef>
+#include <new>
+
 #include "ZELExport.h"
+#include "ZELMemory.h"
+#include "ZELShared.h"
 
 class ZEL_API TAThreadLock {
 public:
     TAThreadLock() noexcept;
-    TAThreadLock(const TAThreadLock& other) noexcept;
-    TAThreadLock& operator=(const TAThreadLock& other) noexcept;
+    TAThreadLock(const TAThreadLock&) noexcept = default;
+    TAThreadLock& operator=(const TAThreadLock&) noexcept = default;
 
     // Waits until the lock is free and takes it.
     virtual int GetLock();
@@ -33,10 +38,16 @@ public:
     virtual int ReleaseLock();
     virtual ~TAThreadLock();
 
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
 private:
     struct Shared;
 
-    Shared* _shared;  // counted; null without memory
+    ZELShared<Shared> _shared;  // empty without memory
 };
 
 // Excludes nothing.

@@ -25,9 +25,11 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <string_view>
+#include <new>
 
 #include "ZELExport.h"
+#include "ZELMemory.h"
+#include "ZELShared.h"
 #include "ZELString.h"
 
 namespace zel {
@@ -42,6 +44,12 @@ public:
     YAVFStream(const YAVFStream& other) noexcept;
     YAVFStream& operator=(const YAVFStream& other) noexcept;
     virtual ~YAVFStream();
+
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     // Lets go of a borrowed file, or closes an own one, for all copies. 1 when there is none, or the system reports a
     // failure; there is no file afterwards.
@@ -78,7 +86,7 @@ private:
     int _lastError = InvalidArgument;
     Standard _standard = Standard::None;  // a borrowed stream of the process, which is no constant
     std::FILE* _borrowed = nullptr;
-    Shared* _shared = nullptr;  // counted: an own file, or the room for lines of a borrowed one
+    ZELShared<Shared> _shared;  // an own file, or the room for lines of a borrowed one
 };
 
 class ZEL_API YAVIFStream : public YAVFStream {
@@ -112,7 +120,9 @@ private:
     friend struct zel::YAVStandardStreams;
     constexpr explicit YAVIFStream(Standard which) noexcept : YAVFStream(which) {}
 
-    bool NextPiece(std::FILE* file, int delimiter, std::size_t most, std::string_view& piece, bool& met) noexcept;
+    struct Piece;
+
+    bool Next(std::FILE* file, int delimiter, std::size_t most, Piece& piece) noexcept;
     int LineResult(bool any) noexcept;
 };
 

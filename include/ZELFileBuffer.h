@@ -16,13 +16,16 @@
 #ifndef ZELFILEBUFFER_H
 #define ZELFILEBUFFER_H
 
-#include <atomic>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <new>
 
 #include "TACallback.h"
+#include "ZELAtomic.h"
 #include "ZELExport.h"
 #include "ZELListPtr.h"
+#include "ZELMemory.h"
+#include "ZELShared.h"
 #include "ZELThreads.h"
 
 namespace zel {
@@ -46,7 +49,13 @@ public:
     ZELFileBuffer(const ZELFileBuffer&) = delete;
     ZELFileBuffer& operator=(const ZELFileBuffer&) = delete;
 
-    void AddRef() noexcept { ++_count; }
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
+    void AddRef() noexcept { _count.fetch_add(1); }
     // Gives a reference back and returns how many are left. The last one publishes the event and deletes the buffer.
     int Release();
     // Publishes the event and frees the text at once, for all who have references, and gives one reference back. From
@@ -80,20 +89,20 @@ private:
     };
 
     ~ZELFileBuffer() override;
-    void LoadFor(const std::shared_ptr<zel::LoadQueue>& queue) noexcept;
+    void LoadFor(const ZELShared<zel::LoadQueue>& queue) noexcept;
     void Load() noexcept;
     void DropText();
 
-    std::atomic<std::int32_t> _count{1};
+    ZELAtomic<std::int32_t> _count{1};
     DeletionEvent _deletion;
-    std::atomic<std::int32_t> _isLoaded{0};
-    std::atomic<std::int32_t> _status{NotLoaded};
-    std::atomic<std::int32_t> _isDestroyed{0};
+    ZELAtomic<std::int32_t> _isLoaded{0};
+    ZELAtomic<std::int32_t> _status{NotLoaded};
+    ZELAtomic<std::int32_t> _isDestroyed{0};
     char* _fileName;
-    std::atomic<char*> _text{nullptr};  // malloc'd
-    std::atomic<std::int32_t> _size{0};
-    ZELMutex _lock;                          // held while the file is read
-    std::shared_ptr<zel::LoadQueue> _queue;  // the subscriber of the pool that loaded this, which may be gone
+    ZELAtomic<char*> _text{nullptr};
+    ZELAtomic<std::int32_t> _size{0};
+    ZELMutex _lock;                    // held while the file is read
+    ZELShared<zel::LoadQueue> _queue;  // the subscriber of the pool that loaded this, which may be gone
 };
 
 #endif

@@ -23,8 +23,10 @@
 #define ZELFILEPREPRO_H
 
 #include <cstddef>
+#include <new>
 
 #include "ZELExport.h"
+#include "ZELMemory.h"
 #include "ZELString.h"
 
 class ZEL_API ZELFilePrepro {
@@ -44,6 +46,12 @@ public:
     ZELFilePrepro& operator=(const ZELFilePrepro&) = delete;
     virtual ~ZELFilePrepro();
 
+    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
+    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { ZELFree(block); }
+
     // 0, or 2 when the text ends inside an element (a last line comment or preprocessor line without a line feed is
     // one): `output` is a new block then, NUL-terminated and never longer than the text, which the caller frees with
     // free(). 1 and `output` untouched when the file cannot be read, or memory runs out after a line that starts with
@@ -55,7 +63,7 @@ private:
     void Keep(const char* text, std::size_t length) noexcept;
 
     ZELString _fileName;
-    char* _text = nullptr;  // malloc'd, with room behind it for the scanner's last step
+    char* _text = nullptr;  // with room behind it for the scanner's last step
     std::size_t _length = 0;
 };
 

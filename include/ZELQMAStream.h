@@ -19,12 +19,13 @@
 #include <cstdio>
 
 #include "ZELExport.h"
+#include "ZELShared.h"
 
 class ZEL_API ZELQMAStream {
 public:
     ZELQMAStream() noexcept = default;
-    ZELQMAStream(const ZELQMAStream& other) noexcept;
-    ZELQMAStream& operator=(const ZELQMAStream& other) noexcept;
+    ZELQMAStream(const ZELQMAStream&) noexcept = default;
+    ZELQMAStream& operator=(const ZELQMAStream&) noexcept = default;
     ~ZELQMAStream();
 
     // Opens `name`, a path value, with a mode of the C function, and begins at its start. Null, with errno set, when
@@ -40,7 +41,7 @@ public:
 private:
     class Reader;
 
-    Reader* _reader = nullptr;  // counted; null before the first fopen
+    ZELShared<Reader> _reader;  // empty before the first fopen
 };
 
 #endif

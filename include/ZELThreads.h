@@ -16,11 +16,11 @@
 #ifndef ZELTHREADS_H
 #define ZELTHREADS_H
 
-#include <atomic>
 #include <cstdint>
-#include <memory>
 
+#include "ZELAtomic.h"
 #include "ZELExport.h"
+#include "ZELShared.h"
 #include "ZELString.h"
 
 // A lock without owner, that is, a binary semaphore: whoever likes may release it, and a thread that takes it twice
@@ -37,7 +37,7 @@ public:
     int Unlock() noexcept;
 
 private:
-    std::atomic<std::uint32_t> _state{0};
+    ZELAtomic<std::uint32_t> _state{0};
 };
 
 enum ZELThreadStatus {
@@ -102,8 +102,8 @@ private:
     struct State;
 
     ZELString _name;
-    std::shared_ptr<State> _state;  // shared with the thread, which may outlive an object that it deletes; never null
-                                    // unless memory ran out at construction
+    ZELShared<State> _state;  // shared with the thread, which may outlive an object that it deletes; empty only when
+                              // memory ran out at construction
 };
 
 #endif

@@ -1,16 +1,24 @@
-// One pass over the line. Words are written one behind the other; since a word is never longer than its text in the
-// line, and its terminator takes the place of a separator, the line's length bounds them all. The pointers stand in
-// front of them in the same block.
+// Words need one pass over the line. They are written one after the other; since a word is never longer than its text
+// in the line, and its terminator takes the place of a separator, the length of the line bounds them all. The pointers
+// precede them in the same block.
+//
+// A command owns its line, and its words and views refer to it.
 
 #include "base/command_line.h"
 
-#include <cstdlib>
+#include <algorithm>
+#include <cstring>
+#include <utility>
 
+#include "base/ascii.h"
 #include "base/failure_report.h"
 
 using namespace zel;
 
 namespace {
+
+constexpr std::string_view BatchEnding = ".bat";
+constexpr std::string_view InterpreterPrefix = "cmd /c ";
 
 bool IsBlank(char character) {
     return character == ' ' || character == '\t';
@@ -65,13 +73,49 @@ char* ReadWord(std::string_view line, std::size_t& at, char* out) {
     return out;
 }
 
-bool EqualsIgnoringCase(std::string_view text, std::string_view lower) {
-    if (text.size() != lower.size()) return false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isUpper = text[i] >= 'A' && text[i] <= 'Z';
-        if (static_cast<char>(text[i] + (isUpper ? 'a' - 'A' : 0)) != lower[i]) return false;
+bool AsksInterpreter(const CommandWords& words) {
+    if (words.Count() < 2 || !EqualsIgnoringCase(words.Texts()[1], "/c")) return false;
+    return EqualsIgnoringCase(words.Texts()[0], "cmd") || EqualsIgnoringCase(words.Texts()[0], "cmd.exe");
+}
+
+std::string_view WithoutQuotes(std::string_view word) {
+    const bool isQuoted = word.size() >= 2 && word.front() == '"' && word.back() == '"';
+    return isQuoted ? word.substr(1, word.size() - 2) : word;
+}
+
+char* Put(std::string_view text, char* out) {
+    if (!text.empty()) std::memcpy(out, text.data(), text.size());
+    return out + text.size();
+}
+
+char* AllocateLine(std::size_t size) {
+    char* const line = AllocateArray<char>(size);
+    if (line == nullptr) ReportAllocFailure("Command", size);
+    return line;
+}
+
+char* MakeLine(std::string_view text) {
+    const bool isBatch = text.find(BatchEnding) != std::string_view::npos;
+    const std::string_view prefix = isBatch ? InterpreterPrefix : std::string_view();
+    char* const line = AllocateLine(prefix.size() + text.size() + 1);
+    if (line != nullptr) *Put(text, Put(prefix, line)) = '\0';
+    return line;
+}
+
+char* MakeSecondLine(std::string_view line) {
+    char* const second = AllocateLine(line.size() + BatchEnding.size() + 1);
+    if (second == nullptr) return nullptr;
+    char* out = second;
+    for (std::size_t at = line.find_first_not_of(' '); at < line.size(); at = line.find_first_not_of(' ', at)) {
+        const bool isFirst = out == second;
+        if (!isFirst) *out++ = ' ';
+        const std::size_t end = std::min(line.find(' ', at), line.size());
+        out = Put(line.substr(at, end - at), out);
+        if (isFirst) out = Put(BatchEnding, out);
+        at = end;
     }
-    return true;
+    *out = '\0';
+    return second;
 }
 
 }  // namespace
@@ -81,7 +125,7 @@ CommandWords::CommandWords(std::string_view line) noexcept : _line(line) {
     constexpr std::size_t SpareSlots = 1;
     const std::size_t slots = SpareSlots + (line.size() + 1) / 2 + 1;
     const std::size_t size = slots * sizeof(char*) + line.size() + 1;
-    _block = static_cast<char**>(std::malloc(size));
+    _block = static_cast<char**>(Allocate(size));
     if (_block == nullptr) {
         ReportAllocFailure("CommandWords", size);
         return;
@@ -98,7 +142,7 @@ CommandWords::CommandWords(std::string_view line) noexcept : _line(line) {
 }
 
 CommandWords::~CommandWords() {
-    std::free(_block);
+    Free(_block);
 }
 
 std::string_view CommandWords::Behind(int index) const noexcept {
@@ -113,13 +157,26 @@ std::string_view CommandWords::Behind(int index) const noexcept {
     return _line.substr(at);
 }
 
-std::size_t zel::ProgramWordLength(std::string_view line) noexcept {
-    std::size_t length = 0;
-    ReadProgramWord(line, length, nullptr);
-    return length;
+bool zel::IsBatchName(std::string_view name) noexcept {
+    return name.ends_with(BatchEnding);
 }
 
-bool zel::IsInterpreterCall(const CommandWords& words) noexcept {
-    if (words.Count() < 2 || !EqualsIgnoringCase(words.Texts()[1], "/c")) return false;
-    return EqualsIgnoringCase(words.Texts()[0], "cmd") || EqualsIgnoringCase(words.Texts()[0], "cmd.exe");
+Command::Command(std::string_view text) noexcept : Command(Text(MakeLine(text))) {}
+
+Command::Command(Text line) noexcept
+    : _line(std::move(line)),
+      _words(_line ? std::string_view(_line.get()) : std::string_view()),
+      _isInterpreterCall(AsksInterpreter(_words)) {
+    if (!_isInterpreterCall) return;
+    _interpreterText = _words.Behind(1);
+    std::size_t length = 0;
+    ReadProgramWord(_interpreterText, length, nullptr);
+    const std::string_view name = WithoutQuotes(_interpreterText.substr(0, length));
+    if (!IsBatchName(name)) return;
+    _batchFile = name;
+    _behindBatchFile = _interpreterText.substr(length);
+}
+
+Command Command::SecondTry() const noexcept {
+    return Command(Text(MakeSecondLine(_line.get())));
 }

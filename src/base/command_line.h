@@ -1,9 +1,12 @@
-// Command texts: how they become words. The table in docs/commands.md shows the rule.
+// Command texts: their words, and the decisions about batch files. docs/commands.md shows the rules in tables.
 #ifndef BASE_COMMAND_LINE_H
 #define BASE_COMMAND_LINE_H
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
+
+#include "base/memory.h"
 
 namespace zel {
 
@@ -34,11 +37,55 @@ private:
     int _count = 0;
 };
 
-// The length that the program word takes at the beginning of a line, quotes included.
-std::size_t ProgramWordLength(std::string_view line) noexcept;
+// Whether a name is that of a batch file: it ends with ".bat".
+bool IsBatchName(std::string_view name) noexcept;
 
-// Whether the line asks the command interpreter: "cmd" or "cmd.exe", then "/c", in any case.
-bool IsInterpreterCall(const CommandWords& words) noexcept;
+// A command text and all decisions about it: its line, its words, whether the command interpreter runs it, which batch
+// file it names, and the command of the second try. Every system launches this value.
+//
+// | text            | line                   | interpreter's text | batch file  | line of the second try     |
+// |-----------------|------------------------|--------------------|-------------|----------------------------|
+// | `tool  x`       | `tool  x`              |                    |             | `tool.bat x`               |
+// | `build.bat all` | `cmd /c build.bat all` | `build.bat all`    | `build.bat` | `cmd.bat /c build.bat all` |
+// | `tool x.bat`    | `cmd /c tool x.bat`    | `tool x.bat`       |             | `cmd.bat /c tool x.bat`    |
+// | `cmd /c dir`    | `cmd /c dir`           | `dir`              |             | `cmd.bat /c dir`           |
+class Command {
+public:
+    // The text need not outlive the command.
+    explicit Command(std::string_view text) noexcept;
+
+    // False when memory ran out (said on standard output). Nothing else may be called then.
+    bool IsComplete() const noexcept { return _line != nullptr && _words.AreComplete(); }
+
+    // The text, after "cmd /c " when it contains ".bat" anywhere. Terminated.
+    const char* Line() const noexcept { return _line.get(); }
+    const CommandWords& Words() const noexcept { return _words; }
+
+    // Whether the line asks the command interpreter: "cmd" or "cmd.exe", then "/c", in any case.
+    bool IsInterpreterCall() const noexcept { return _isInterpreterCall; }
+    // The line after "/c", for the interpreter.
+    std::string_view InterpreterText() const noexcept { return _interpreterText; }
+    // The first word of the interpreter's text, without quotes around it, when that is the name of a batch file.
+    std::string_view BatchFile() const noexcept { return _batchFile; }
+    // The interpreter's text after the batch file.
+    std::string_view BehindBatchFile() const noexcept { return _behindBatchFile; }
+
+    // The command to try when the program of this one cannot be started: ".bat" follows the first word. Words end at
+    // blanks here, also inside quotes, and one blank separates them. No further "cmd /c " is added.
+    Command SecondTry() const noexcept;
+
+private:
+    using Text = std::unique_ptr<char[], FreeBlock>;
+
+    explicit Command(Text line) noexcept;
+
+    Text _line;  // null without memory
+    CommandWords _words;
+    bool _isInterpreterCall;
+    std::string_view _interpreterText;
+    std::string_view _batchFile;
+    std::string_view _behindBatchFile;
+};
 
 }  // namespace zel
 

@@ -11,15 +11,15 @@
 
 #include "TAFileBuffer.h"
 
-#include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
 #include "TAThread.h"
+#include "ZELAtomic.h"
 #include "ZELThreads.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "buffers/whole_file.h"
 #include "platform/text_reader.h"
 #include "platform/threads.h"
@@ -38,11 +38,11 @@ struct Shared {
     std::int64_t unconsumed = 0;   // bytes; below 0 when a `first` buffer came while some were counted
     bool isThreadRunning = false;  // from before it is started until it has decided to end
     bool isEndRequested = false;
-    std::atomic<std::uint32_t> changes{0};  // changed under the lock
+    ZELAtomic<std::uint32_t> changes{0};  // changed under the lock
 
     bool IsOverBudget() const noexcept { return unconsumed > Budget; }
     void Announce() noexcept {
-        ++changes;
+        changes.fetch_add(1);
         WakeAll(changes);
     }
     // Gives the lock up for the time of the wait.
@@ -63,7 +63,7 @@ Shared& TheShared() noexcept {
 
 }  // namespace
 
-TAFileBuffer::TAFileBuffer(const char* name, int first) noexcept : _name(name != nullptr ? strdup(name) : nullptr) {
+TAFileBuffer::TAFileBuffer(const char* name, int first) noexcept : _name(name != nullptr ? CopyText(name) : nullptr) {
     if (name != nullptr && _name == nullptr) ReportAllocFailure("TAFileBuffer", std::strlen(name) + 1);
     Shared& shared = TheShared();
     shared.lock.Lock();
@@ -83,10 +83,10 @@ TAFileBuffer::TAFileBuffer(const char* name, int first) noexcept : _name(name !=
 
 void TAFileBuffer::StartLoader() noexcept {
     KeepLibraryLoaded();
-    auto* const thread = new (std::nothrow) TAThread(ASyncLoad);
+    auto* const thread = ZELNew<TAThread>(ASyncLoad);
     if (thread == nullptr) ReportAllocFailure("TAFileBuffer", sizeof(TAThread));
     if (thread != nullptr && thread->StartDetach() == 0) return;
-    delete thread;
+    ZELDelete(thread);
     Shared& shared = TheShared();
     shared.lock.Lock();
     shared.isThreadRunning = false;
@@ -203,8 +203,8 @@ TAFileBuffer::~TAFileBuffer() {
         WriteText(
             stdout,
             {" --> TAFileBuffer::~TAFileBuffer : trying to delete an unknown (certainly deleted) TAFileBuffer\n"});
-    std::free(_name);
-    std::free(_text);
+    Free(_name);
+    Free(_text);
 }
 
 char* TAFileBuffer::GetBuffer() noexcept {

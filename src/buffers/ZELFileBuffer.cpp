@@ -11,10 +11,10 @@
 #include "ZELFileBuffer.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "buffers/load_queue.h"
 #include "buffers/whole_file.h"
 
@@ -25,20 +25,20 @@ const char* ZELFileBuffer::DeletionEvent::GetEventName() const {
 }
 
 ZELFileBuffer::ZELFileBuffer(const char* fileName) noexcept
-    : _fileName(fileName != nullptr ? strdup(fileName) : nullptr) {
+    : _fileName(fileName != nullptr ? CopyText(fileName) : nullptr) {
     if (fileName != nullptr && _fileName == nullptr) ReportAllocFailure("ZELFileBuffer", std::strlen(fileName) + 1);
 }
 
 ZELFileBuffer::~ZELFileBuffer() {
-    std::free(_fileName);
+    Free(_fileName);
 }
 
 int ZELFileBuffer::Release() {
     std::int32_t seen = _count;
     while (seen > 1)
-        if (_count.compare_exchange_weak(seen, seen - 1)) return seen - 1;
+        if (_count.compare_exchange_strong(seen, seen - 1)) return seen - 1;
     DropText();
-    const std::int32_t left = --_count;
+    const std::int32_t left = _count.fetch_sub(1) - 1;
     if (left == 0) delete this;
     return left;
 }
@@ -58,7 +58,7 @@ void ZELFileBuffer::DropText() {
     SendCallback(&_deletion);
     _text.store(nullptr, std::memory_order_relaxed);
     _size.store(0, std::memory_order_relaxed);
-    std::free(text);
+    Free(text);
 }
 
 void ZELFileBuffer::loadFile() noexcept {
@@ -68,7 +68,7 @@ void ZELFileBuffer::loadFile() noexcept {
 }
 
 // For the queue of a pool, which subscribes and counts what was loaded for it in one step with the loading.
-void ZELFileBuffer::LoadFor(const std::shared_ptr<LoadQueue>& queue) noexcept {
+void ZELFileBuffer::LoadFor(const ZELShared<LoadQueue>& queue) noexcept {
     _lock.Lock();
     if (!_isLoaded) {
         Load();

@@ -4,9 +4,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <new>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "buffers/load_queue.h"
 
 using namespace zel;
@@ -18,13 +18,13 @@ constexpr std::int64_t Ceiling = std::int64_t{64} << 20;
 std::atomic<bool> poolsGetThreads{false};
 
 FileBufferLoader* StartLoader() noexcept {
-    auto* const loader = new (std::nothrow) FileBufferLoader(Ceiling);
+    auto* const loader = ZELNew<FileBufferLoader>(Ceiling);
     if (loader == nullptr) {
         ReportAllocFailure("ZELFileBufferPool", sizeof(FileBufferLoader));
         return nullptr;
     }
     if (loader->Start()) return loader;
-    delete loader;
+    ZELDelete(loader);
     return nullptr;
 }
 
@@ -33,7 +33,7 @@ FileBufferLoader* StartLoader() noexcept {
 ZELFileBufferPool::ZELFileBufferPool() noexcept : _loader(poolsGetThreads ? StartLoader() : nullptr) {}
 
 ZELFileBufferPool::~ZELFileBufferPool() {
-    delete _loader;
+    ZELDelete(_loader);
 }
 
 void ZELFileBufferPool::append(ZELFileBuffer* buffer) noexcept {

@@ -9,7 +9,6 @@
 #include "buffers/load_queue.h"
 
 #include <cstring>
-#include <new>
 #include <utility>
 
 #include "base/failure_report.h"
@@ -37,7 +36,7 @@ void LoadQueue::Stop() {
     for (ZELFileBuffer* const buffer : TakeWaiting()) buffer->Release();
 }
 
-void LoadQueue::LoadAll(const std::shared_ptr<LoadQueue>& queue) {
+void LoadQueue::LoadAll(const ZELShared<LoadQueue>& queue) {
     while (!queue->_isStopped) {
         const std::uint32_t seen = queue->_changes;
         const ZELListPtrZELFileBuffer taken = queue->TakeWaiting();
@@ -74,16 +73,13 @@ void LoadQueue::ReceiveCallback(TACallbackPublisher* publisher, const TAEvent* e
 }
 
 void LoadQueue::Announce() noexcept {
-    ++_changes;
+    _changes.fetch_add(1);
     WakeOne(_changes);
 }
 
-FileBufferLoader::FileBufferLoader(std::int64_t ceiling) noexcept : ZELThreads("FileBufferPoolThread") {
-    try {
-        _queue = std::make_shared<LoadQueue>(ceiling);
-    } catch (const std::bad_alloc&) {
-        ReportAllocFailure("ZELFileBufferPool", sizeof(LoadQueue));
-    }
+FileBufferLoader::FileBufferLoader(std::int64_t ceiling) noexcept
+    : ZELThreads("FileBufferPoolThread"), _queue(ZELShared<LoadQueue>::Make(ceiling)) {
+    if (!_queue) ReportAllocFailure("ZELFileBufferPool", sizeof(LoadQueue));
 }
 
 FileBufferLoader::~FileBufferLoader() {
@@ -97,7 +93,7 @@ bool FileBufferLoader::Start() noexcept {
 }
 
 int FileBufferLoader::Execute(int) {
-    const std::shared_ptr<LoadQueue> queue = _queue;
+    const ZELShared<LoadQueue> queue = _queue;
     LoadQueue::LoadAll(queue);
     return 0;
 }

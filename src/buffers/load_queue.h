@@ -7,10 +7,11 @@
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
 
 #include "TACallback.h"
+#include "ZELAtomic.h"
 #include "ZELFileBuffer.h"
+#include "ZELShared.h"
 #include "ZELThreads.h"
 
 namespace zel {
@@ -27,7 +28,7 @@ public:
     // Gives back what waits and makes LoadAll return behind the buffer that it is loading. Does not wait.
     void Stop();
     // What the thread does until it is stopped.
-    static void LoadAll(const std::shared_ptr<LoadQueue>& queue);
+    static void LoadAll(const ZELShared<LoadQueue>& queue);
 
     // The sizes of all buffers that LoadAll has loaded and that still have their texts.
     std::int64_t LoadedBytes() const noexcept { return _loadedBytes; }
@@ -42,10 +43,10 @@ private:
 
     const std::int64_t _ceiling;
     std::atomic<std::int64_t> _loadedBytes{0};
-    std::atomic<bool> _isStopped{false};     // set under the lock
-    std::atomic<std::uint32_t> _changes{0};  // counts what may end a wait of the thread
-    ZELMutex _lock;                          // never held while anything is called that others wrote
-    ZELListPtrZELFileBuffer _waiting;        // guarded by the lock
+    std::atomic<bool> _isStopped{false};   // set under the lock
+    ZELAtomic<std::uint32_t> _changes{0};  // counts what may end a wait of the thread
+    ZELMutex _lock;                        // never held while anything is called that others wrote
+    ZELListPtrZELFileBuffer _waiting;      // guarded by the lock
 };
 
 // The thread of a pool.
@@ -62,7 +63,7 @@ protected:
     int Execute(int) override;
 
 private:
-    std::shared_ptr<LoadQueue> _queue;  // null without memory
+    ZELShared<LoadQueue> _queue;  // empty without memory
 };
 
 }  // namespace zel

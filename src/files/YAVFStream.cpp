@@ -9,16 +9,14 @@
 
 #include "YAVFStream.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "base/failure_report.h"
-#include "base/memory.h"
-#include "base/shared_body.h"
 #include "files/input_block.h"
 #include "platform/c_streams.h"
 
@@ -30,7 +28,6 @@ struct YAVFStream::Shared {
         if (file != nullptr) std::fclose(file);
     }
 
-    std::atomic<int> owners{1};
     std::FILE* file;
     const bool isOwner;
     InputBlock block;  // of an own file
@@ -41,7 +38,7 @@ YAVFStream::YAVFStream(std::FILE* file) noexcept : _lastError(file != nullptr ? 
 
 YAVFStream::YAVFStream(const YAVFStream& other) noexcept
     : _lastError(other._lastError), _standard(other._standard), _borrowed(other._borrowed) {
-    if (other._shared != nullptr && other._shared->isOwner) _shared = KeepShare(other._shared);
+    if (other._shared && other._shared->isOwner) _shared = other._shared;
 }
 
 YAVFStream& YAVFStream::operator=(const YAVFStream& other) noexcept {
@@ -55,14 +52,12 @@ YAVFStream& YAVFStream::operator=(const YAVFStream& other) noexcept {
 }
 
 // The last one closes an own file.
-YAVFStream::~YAVFStream() {
-    DropShare(_shared);
-}
+YAVFStream::~YAVFStream() = default;
 
 bool YAVFStream::MakeShared(std::FILE* own) noexcept {
-    _shared = NewObject<Shared>(own);
-    if (_shared == nullptr) ReportAllocFailure("YAVFStream", sizeof(Shared));
-    return _shared != nullptr;
+    _shared = ZELShared<Shared>::Make(own);
+    if (!_shared) ReportAllocFailure("YAVFStream", sizeof(Shared));
+    return static_cast<bool>(_shared);
 }
 
 int YAVFStream::Fail(int error) noexcept {
@@ -85,7 +80,7 @@ std::FILE* YAVFStream::File() const noexcept {
         case Standard::None:
             break;
     }
-    return _borrowed != nullptr ? _borrowed : _shared != nullptr ? _shared->file : nullptr;
+    return _borrowed != nullptr ? _borrowed : _shared ? _shared->file : nullptr;
 }
 
 int YAVFStream::_Open(const char* name, const char* mode) noexcept {
@@ -93,7 +88,7 @@ int YAVFStream::_Open(const char* name, const char* mode) noexcept {
     errno = 0;
     std::FILE* const file = OpenStream(name, mode);
     if (file == nullptr) return Fail();
-    DropShare(_shared);
+    _shared.reset();
     if (!MakeShared(file)) {
         std::fclose(file);
         return Fail(ENOMEM);
@@ -127,15 +122,21 @@ int YAVFStream::isOpen() const noexcept {
 
 int YAVFStream::endOfFile() const noexcept {
     std::FILE* const file = File();
-    return file == nullptr || std::feof(file) != 0 || (_shared != nullptr && _shared->block.AtEnd()) ? 1 : 0;
+    return file == nullptr || std::feof(file) != 0 || (_shared && _shared->block.AtEnd()) ? 1 : 0;
 }
 
 int YAVFStream::ReadError() const noexcept {
     std::FILE* const file = File();
-    return file == nullptr || std::ferror(file) != 0 || (_shared != nullptr && _shared->block.HasFailed()) ? 1 : 0;
+    return file == nullptr || std::ferror(file) != 0 || (_shared && _shared->block.HasFailed()) ? 1 : 0;
 }
 
 YAVIFStream::~YAVIFStream() = default;
+
+// A part of a line.
+struct YAVIFStream::Piece {
+    std::string_view text;
+    bool met = false;  // the delimiter follows, and was taken
+};
 
 int YAVIFStream::open(const char* name, const char* mode) noexcept {
     close();
@@ -148,16 +149,15 @@ int YAVIFStream::open(const char* name, const int& mode) noexcept {
 }
 
 // The next bytes of `file`, which is this stream's; see InputBlock::Next.
-inline bool YAVIFStream::NextPiece(std::FILE* file, int delimiter, std::size_t most, std::string_view& piece,
-                                   bool& met) noexcept {
-    met = false;
-    if (_shared != nullptr && _shared->isOwner) return _shared->block.Next(file, delimiter, most, piece, met);
-    if (_shared == nullptr && !MakeShared(nullptr)) {
+inline bool YAVIFStream::Next(std::FILE* file, int delimiter, std::size_t most, Piece& piece) noexcept {
+    piece.met = false;
+    if (_shared && _shared->isOwner) return _shared->block.Next(file, delimiter, most, piece.text, piece.met);
+    if (!_shared && !MakeShared(nullptr)) {
         Fail(ENOMEM);
         return false;
     }
-    const std::size_t count = ReadPiece(file, delimiter, most, _shared->line, met);
-    piece = {_shared->line.text, count - (met ? 1 : 0)};
+    const std::size_t count = ReadPiece(file, delimiter, most, _shared->line, piece.met);
+    piece.text = {_shared->line.text, count - (piece.met ? 1 : 0)};
     if (count == 0 && std::feof(file) == 0 && std::ferror(file) == 0) {
         ReportAllocFailure("YAVFStream", _shared->line.size);
         Fail(ENOMEM);
@@ -179,12 +179,12 @@ int YAVIFStream::getline(ZELString& line, int delimiter, int skipEmpty) noexcept
         if (file == nullptr) return Fail(InvalidArgument);
         length = 0;
         bool any = false;
-        bool met = false;
-        for (std::string_view piece; !met && NextPiece(file, delimiter, SIZE_MAX, piece, met); any = true) {
-            length += piece.size();
-            if (line.Append(piece).View().size() != length) return Fail(ENOMEM);
+        Piece piece;
+        for (; !piece.met && Next(file, delimiter, SIZE_MAX, piece); any = true) {
+            length += piece.text.size();
+            if (line.Append(piece.text).View().size() != length) return Fail(ENOMEM);
         }
-        if (!met && LineResult(any) != 0) return 1;
+        if (!piece.met && LineResult(any) != 0) return 1;
     } while (length == 0 && skipEmpty != 0);
     return 0;
 }
@@ -194,13 +194,12 @@ int YAVIFStream::getline(char* buffer, std::size_t size, int delimiter) noexcept
     std::FILE* const file = File();
     if (file == nullptr || buffer == nullptr || size < 2) return Fail(InvalidArgument);
     std::size_t length = 0;
-    bool met = false;
-    std::string_view piece;
-    while (!met && length < size - 1 && NextPiece(file, delimiter, size - 1 - length, piece, met)) {
-        std::memcpy(buffer + length, piece.data(), piece.size());
-        length += piece.size();
+    Piece piece;
+    while (!piece.met && length < size - 1 && Next(file, delimiter, size - 1 - length, piece)) {
+        std::memcpy(buffer + length, piece.text.data(), piece.text.size());
+        length += piece.text.size();
     }
-    return met || length == size - 1 ? 0 : LineResult(length > 0);
+    return piece.met || length == size - 1 ? 0 : LineResult(length > 0);
 }
 
 std::size_t YAVIFStream::read(char* buffer, std::size_t size) noexcept {
@@ -209,7 +208,7 @@ std::size_t YAVIFStream::read(char* buffer, std::size_t size) noexcept {
         Fail(InvalidArgument);
         return 0;
     }
-    const bool own = _shared != nullptr && _shared->isOwner;
+    const bool own = _shared && _shared->isOwner;
     ForgetEnd(file);
     if (own) _shared->block.Forget();
     _lastError = 0;

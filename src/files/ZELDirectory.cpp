@@ -3,11 +3,11 @@
 #include "ZELDirectory.h"
 
 #include <cstring>
-#include <new>
 #include <utility>
 
 #include "ZELUnicodeString.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/directories.h"
 #include "platform/file_copy.h"
 
@@ -63,7 +63,7 @@ int ZELOpenDirectory(const char* path, ZELDirectoryHandle* directory) noexcept {
     if (directory == nullptr || directory->listing != nullptr) return 1;
     DirectoryListing opened;
     if (!opened.Open(path)) return 1;
-    directory->listing = new (std::nothrow) DirectoryListing(std::move(opened));
+    directory->listing = ZELNew<DirectoryListing>(std::move(opened));
     if (directory->listing == nullptr) ReportAllocFailure("ZELDirectoryHandle", sizeof opened);
     return directory->listing != nullptr ? 0 : 1;
 }
@@ -90,7 +90,7 @@ int ZELReadDirectory(ZELDirectoryHandle* directory, ZELDirectoryEntry* entry, in
 
 int ZELCloseDirectory(ZELDirectoryHandle* directory) noexcept {
     if (directory == nullptr || directory->listing == nullptr) return 1;
-    delete Listing(*directory);
+    ZELDelete(Listing(*directory));
     directory->listing = nullptr;
     return 0;
 }

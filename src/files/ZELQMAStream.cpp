@@ -10,17 +10,14 @@
 
 #include "ZELQMAStream.h"
 
-#include <atomic>
 #include <bit>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
 #include "base/bytes16.h"
 #include "base/failure_report.h"
-#include "base/memory.h"
-#include "base/shared_body.h"
+#include "base/growing_array.h"
 #include "platform/c_streams.h"
 
 using namespace zel;
@@ -46,13 +43,11 @@ public:
     Reader() = default;
     Reader(const Reader&) = delete;
     Reader& operator=(const Reader&) = delete;
-    ~Reader() { std::free(_buffer); }
+    ~Reader() { Free(_buffer); }
 
     std::FILE* Open(const char* name, const char* mode) noexcept;
     int Close() noexcept;
     char* NextLine() noexcept;
-
-    std::atomic<int> owners{1};
 
 private:
     bool Fill() noexcept;
@@ -61,12 +56,13 @@ private:
 
     std::FILE* _file = nullptr;  // the caller's
     bool _atEnd = false;
-    char* _buffer = nullptr;  // malloc'd, _capacity bytes and one step
-    std::size_t _capacity = 0;
-    std::size_t _begin = 0;    // of the next line
-    std::size_t _end = 0;      // of the data
-    std::size_t _scanned = 0;  // up to where line feeds were looked for
-    std::size_t _base = 0;     // of the step whose line feeds are in _lineFeeds
+    char* _buffer = nullptr;
+    std::size_t _room = 0;      // bytes of the block
+    std::size_t _capacity = 0;  // for data: one step less
+    std::size_t _begin = 0;     // of the next line
+    std::size_t _end = 0;       // of the data
+    std::size_t _scanned = 0;   // up to where line feeds were looked for
+    std::size_t _base = 0;      // of the step whose line feeds are in _lineFeeds
     std::uint64_t _lineFeeds = 0;
 };
 
@@ -125,29 +121,19 @@ bool ZELQMAStream::Reader::MoveRest() noexcept {
     _end = _scanned = end;
     if (end < _capacity / 2) return true;
     const std::size_t capacity = _capacity == 0 ? FirstCapacity : _capacity * 2;
-    char* const grown = AllocationFails() ? nullptr : static_cast<char*>(std::realloc(_buffer, capacity + Step));
-    if (grown == nullptr) {
+    if (!GrowArray(_buffer, _room, capacity + Step)) {
         ReportAllocFailure("ZELQMAStream", capacity + Step);
         return false;
     }
-    _buffer = grown;
-    _capacity = capacity;
+    _capacity = _room - Step;
     return true;
 }
 
-ZELQMAStream::ZELQMAStream(const ZELQMAStream& other) noexcept : _reader(KeepShare(other._reader)) {}
-
-ZELQMAStream& ZELQMAStream::operator=(const ZELQMAStream& other) noexcept {
-    AssignShare(_reader, other._reader);
-    return *this;
-}
-
-ZELQMAStream::~ZELQMAStream() {
-    DropShare(_reader);
-}
+ZELQMAStream::~ZELQMAStream() = default;
 
 std::FILE* ZELQMAStream::fopen(const char* name, const char* mode) noexcept {
-    if (_reader == nullptr && (_reader = NewObject<Reader>()) == nullptr) {
+    if (!_reader) _reader = ZELShared<Reader>::Make();
+    if (!_reader) {
         ReportAllocFailure("ZELQMAStream", sizeof(Reader));
         return nullptr;
     }
@@ -155,11 +141,11 @@ std::FILE* ZELQMAStream::fopen(const char* name, const char* mode) noexcept {
 }
 
 int ZELQMAStream::fclose() noexcept {
-    return _reader != nullptr ? _reader->Close() : 1;
+    return _reader ? _reader->Close() : 1;
 }
 
 int ZELQMAStream::getline(char*& line) noexcept {
-    char* const next = _reader != nullptr ? _reader->NextLine() : nullptr;
+    char* const next = _reader ? _reader->NextLine() : nullptr;
     if (next == nullptr) return 0;
     line = next;
     return 1;

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "base/failure_report.h"
+#include "base/growing_array.h"
 
 using namespace zel;
 
@@ -19,14 +20,7 @@ bool ByteBuffer::Append(std::string_view bytes) noexcept {
 
 bool ByteBuffer::Reserve(std::size_t capacity) noexcept {
     constexpr std::size_t FirstCapacity = 256;
-    if (capacity <= _capacity) return true;
-    capacity = std::max({capacity, _capacity * 2, FirstCapacity});
-    auto* const grown = static_cast<char*>(std::realloc(_bytes, capacity));
-    if (grown == nullptr) {
-        ReportAllocFailure("ByteBuffer", capacity);
-        return false;
-    }
-    _bytes = grown;
-    _capacity = capacity;
-    return true;
+    if (GrowArray(_bytes, _capacity, capacity, FirstCapacity)) return true;
+    ReportAllocFailure("ByteBuffer", std::max({capacity, _capacity * 2, FirstCapacity}));
+    return false;
 }

@@ -4,8 +4,9 @@
 #define FILES_BYTE_BUFFER_H
 
 #include <cstddef>
-#include <cstdlib>
 #include <string_view>
+
+#include "base/memory.h"
 
 namespace zel {
 
@@ -14,7 +15,7 @@ public:
     ByteBuffer() noexcept = default;
     ByteBuffer(const ByteBuffer&) = delete;
     ByteBuffer& operator=(const ByteBuffer&) = delete;
-    ~ByteBuffer() { std::free(_bytes); }
+    ~ByteBuffer() { Free(_bytes); }
 
     const char* Text() const noexcept { return _bytes != nullptr ? _bytes : ""; }
     char* Data() noexcept { return _bytes; }

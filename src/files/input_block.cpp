@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 #include "base/failure_report.h"
@@ -21,7 +20,7 @@ constexpr std::size_t BlockSize = std::size_t{1} << 16;
 }  // namespace
 
 InputBlock::~InputBlock() {
-    std::free(_bytes);
+    Free(_bytes);
 }
 
 // Notes how a reading ended; the bytes that came.
@@ -34,7 +33,7 @@ std::size_t InputBlock::Arrived(std::ptrdiff_t count) noexcept {
 // False when nothing came.
 bool InputBlock::Fill(std::FILE* file) noexcept {
     if (_atEnd) return false;
-    if (_bytes == nullptr && (_bytes = static_cast<char*>(Allocate(BlockSize))) == nullptr) {
+    if (_bytes == nullptr && (_bytes = AllocateArray<char>(BlockSize)) == nullptr) {
         ReportAllocFailure("YAVFStream", BlockSize);
         _hasFailed = true;
         errno = ENOMEM;

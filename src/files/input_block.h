@@ -33,7 +33,7 @@ private:
     std::size_t Arrived(std::ptrdiff_t count) noexcept;
     bool Fill(std::FILE* file) noexcept;
 
-    char* _bytes = nullptr;  // malloc'd by the first reading
+    char* _bytes = nullptr;  // allocated by the first reading
     std::size_t _begin = 0;  // of what was read and not taken
     std::size_t _end = 0;
     bool _atEnd = false;

@@ -5,15 +5,14 @@
 
 #include <cstring>
 
+#include "base/failure_report.h"
+
 using namespace zel;
 
-TreeWalk::Level& TreeWalk::Top() noexcept {
-    return *reinterpret_cast<Level*>(_levels.Data() + _levels.Size() - sizeof(Level));
-}
-
 bool TreeWalk::PushLevel() noexcept {
-    const Level level = {_names.Size(), _names.Size(), _path.Size()};
-    return _levels.Append({reinterpret_cast<const char*>(&level), sizeof level});
+    if (_levels.Append({_names.Size(), _names.Size(), _path.Size()})) return true;
+    ReportAllocFailure("TreeWalk", (_levels.Size() + 1) * sizeof(Level));
+    return false;
 }
 
 std::string_view TreeWalk::PathOf(const char* name) noexcept {
@@ -51,8 +50,8 @@ bool TreeWalk::Descend() noexcept {
 bool TreeWalk::Ascend() noexcept {
     const std::size_t names = Top().names;
     _names.Truncate(names);
-    _levels.Truncate(_levels.Size() - sizeof(Level));
-    if (_levels.Size() == 0) return true;
+    _levels.RemoveLast();
+    if (_levels.IsEmpty()) return true;
     if (!_cursor.Leave()) return false;
     std::size_t begin = Top().next - 1;
     while (begin > Top().names && _names.Text()[begin - 1] != '\0') --begin;
@@ -62,7 +61,7 @@ bool TreeWalk::Ascend() noexcept {
 
 bool TreeWalk::Run(const char* top) noexcept {
     if (!_cursor.Open(top) || !_path.Append(top) || !PushLevel() || !List()) return false;
-    while (_levels.Size() > 0) {
+    while (!_levels.IsEmpty()) {
         const bool moved = Top().next < _names.Size() ? Descend() : Ascend();
         if (!moved) return false;
     }

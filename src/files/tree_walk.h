@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "base/growing_array.h"
 #include "files/byte_buffer.h"
 #include "platform/tree_cursor.h"
 
@@ -50,12 +51,12 @@ private:
     bool Descend() noexcept;
     bool Ascend() noexcept;
     bool PushLevel() noexcept;
-    Level& Top() noexcept;
+    Level& Top() noexcept { return _levels.Last(); }
 
     TreeCursor _cursor;
     ByteBuffer _path;
-    ByteBuffer _names;   // each ends with a NUL
-    ByteBuffer _levels;  // Levels as bytes
+    ByteBuffer _names;  // each ends with a NUL
+    GrowingArray<Level> _levels;
 };
 
 }  // namespace zel

@@ -4,8 +4,9 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
+
+#include "base/memory.h"
 
 namespace zel {
 
@@ -31,7 +32,7 @@ struct LineRoom {
     LineRoom() = default;
     LineRoom(const LineRoom&) = delete;
     LineRoom& operator=(const LineRoom&) = delete;
-    ~LineRoom() { std::free(text); }
+    ~LineRoom() { Free(text); }
 
     char* text = nullptr;
     std::size_t size = 0;

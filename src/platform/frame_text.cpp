@@ -3,12 +3,11 @@
 
 #include "platform/frame_text.h"
 
-#include <cxxabi.h>
-
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
+
+#include "base/memory.h"
 
 using namespace zel;
 
@@ -20,11 +19,10 @@ void zel::SetModule(FrameName& name, const char* path, std::uintptr_t offset) no
 }
 
 void zel::SetFunction(FrameName& name, const char* symbol, std::uintptr_t offset) noexcept {
-    int status = -1;
-    char* const readable = abi::__cxa_demangle(symbol, nullptr, nullptr, &status);
+    char* const readable = Demangle(symbol);
     // Without "_Z" a symbol that happens to spell a type, as "f" does, would come back as that type.
     const bool mangled = readable != nullptr && symbol[0] == '_' && symbol[1] == 'Z';
     std::snprintf(name.function, sizeof name.function, "%s", mangled ? readable : symbol);
-    std::free(readable);
+    Free(readable);
     name.functionOffset = offset;
 }

@@ -22,7 +22,7 @@ public:
 
 private:
     const char* _text;
-    [[maybe_unused]] char* _block = nullptr;  // malloc'd; null while _text is the caller's or lies in _room
+    [[maybe_unused]] char* _block = nullptr;  // null while _text is the text of the caller or is in _room
     [[maybe_unused]] char _room[256];
 };
 

@@ -1,4 +1,4 @@
-// Where the programs of processes lie.
+// The paths of the programs that processes run.
 #ifndef PLATFORM_PROCESS_IMAGE_H
 #define PLATFORM_PROCESS_IMAGE_H
 
@@ -13,7 +13,8 @@ inline constexpr std::size_t ImagePathSize = 260;
 bool ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept;
 
 // How the paths of programs below a directory begin, with a backslash at the end. `directory` is a path value in normal
-// form, neither empty nor a root. False when its drive does not exist or memory ran out. The caller frees `prefix`.
+// form, neither empty nor a root. False when its drive does not exist or memory ran out. The caller owns
+// `prefix`, a block of the heap.
 bool MakeImagePrefix(const char* directory, char*& prefix) noexcept;
 
 }  // namespace zel

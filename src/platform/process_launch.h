@@ -4,7 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <utility>
+
+#include "base/command_line.h"
 
 namespace zel {
 
@@ -69,16 +72,19 @@ struct LaunchFailure {
     bool isTooLong;  // the line, for the system
 };
 
-// Fills `failure` with "The command line has N characters, the limit is M".
-void DescribeTooLong(std::size_t length, std::size_t limit, LaunchFailure& failure) noexcept;
+inline void DescribeTooLong(std::size_t length, std::size_t limit, LaunchFailure& failure) noexcept {
+    failure.isTooLong = true;
+    std::snprintf(failure.text, sizeof failure.text, "The command line has %zu characters, the limit is %zu", length,
+                  limit);
+}
 
-// Starts the program that a command line names, with its arguments as docs/commands.md tells. `input` serves as
-// standard input, `output` as standard output and error; those that are not open are the caller's own. Inherited is
-// what the caller made inheritable. The environment is the caller's, with RemoteKill=PID of the caller. Returns when
-// the program has taken over; on failure fills `failure` with the system's words, or with the limit that was exceeded.
-// May run in several threads; costs nothing that grows with the caller's memory or descriptors. Linux: no signal is
-// blocked or ignored in the child, and no handler of the caller's runs in it.
-bool Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
+// Starts the program of a command, with its arguments. The words of the command may be changed. `input` serves as
+// standard input, `output` as standard output and error; streams without an open file are the caller's own. The child
+// inherits the handles that the caller made inheritable. Its environment is the caller's, with RemoteKill=PID of the
+// caller. Returns when the program has taken over. On failure, `failure` gets the text of the system, or the limit that
+// was exceeded. May be called concurrently. The cost does not grow with the caller's memory or descriptors. Linux: no
+// signal is blocked or ignored in the child, and no handler of the caller runs in it.
+bool Launch(const Command& command, const ChildFile& input, const ChildFile& output, ChildProcess& child,
             LaunchFailure& failure) noexcept;
 
 // Makes RemoteKill=NO the caller's. Safe beside threads that read the environment, unless others change it.

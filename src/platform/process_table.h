@@ -7,16 +7,17 @@
 
 namespace zel {
 
-// A process for as long as the system runs: numbers are given again, but not to somebody of the same birth.
+// A process for as long as the system runs: the system reuses numbers, but not with the same birth.
 struct ProcessIdentity {
     int pid;
-    // When it began, on a scale of the system's that only grows: Windows 100 ns steps, Linux clock ticks. 0 stands for
-    // unknown: whoever has the number.
+    // When it began, on a scale of the system that only grows: Windows 100 ns steps, Linux clock ticks. 0: unknown; the
+    // number alone counts.
     std::int64_t born;
 };
 
-// Whoever has the number; 0 for numbers that no process can have, which nothing here takes.
-constexpr ProcessIdentity Anybody(unsigned long pid) noexcept {
+// The identity of any process that has the number at the moment of use. The pid is 0, which no function accepts, for
+// numbers that no process can have.
+constexpr ProcessIdentity IdentityByNumber(unsigned long pid) noexcept {
     return {pid <= INT_MAX ? static_cast<int>(pid) : 0, 0};
 }
 

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 
+#include "base/growing_array.h"
 #include "platform/c_streams.h"
 
 namespace zel {
@@ -15,12 +15,7 @@ template <class Next>
 std::size_t ReadBytes(Next next, int delimiter, std::size_t most, LineRoom& room, bool& met) noexcept {
     constexpr std::size_t Room = 4096;
     met = false;
-    if (room.size < Room) {
-        char* const grown = static_cast<char*>(std::realloc(room.text, Room));
-        if (grown == nullptr) return 0;
-        room.text = grown;
-        room.size = Room;
-    }
+    if (!GrowArray(room.text, room.size, Room, Room)) return 0;
     if (most > Room) most = Room;
     std::size_t count = 0;
     for (int c = 0; count < most && !met && (c = next()) != EOF; ++count) {

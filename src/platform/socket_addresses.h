@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <new>
 
 #include "platform/sockets.h"
 
@@ -45,17 +44,13 @@ int ResolveAddresses(const char* host, int port, Purpose purpose, AddressList& l
     addrinfo* found = nullptr;
     const int code = getaddrinfo(host, service, &hints, &found);
     if (code != 0) return code;
-    list.count = 0;
-    for (const addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) ++list.count;
-    list.items.reset(new (std::nothrow) NetworkAddress[static_cast<std::size_t>(list.count)]);
-    if (list.items == nullptr) list.count = 0;
+    list.Clear();
     const addrinfo* entry = found;
-    for (NetworkAddress& address : list) {
-        address = ToAddress(*entry);
-        entry = entry->ai_next;
-    }
+    while (entry != nullptr && list.Append(ToAddress(*entry))) entry = entry->ai_next;
     freeaddrinfo(found);
-    return list.items != nullptr ? 0 : EAI_MEMORY;
+    if (entry == nullptr) return 0;
+    list.Clear();
+    return EAI_MEMORY;
 }
 
 NetworkAddress AnyIPv4Address(int port) noexcept {

@@ -7,8 +7,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <utility>
+
+#include "base/growing_array.h"
 
 namespace zel {
 
@@ -26,13 +27,7 @@ struct NetworkAddress {
     alignas(8) unsigned char bytes[128] = {};
 };
 
-struct AddressList {
-    NetworkAddress* begin() const noexcept { return items.get(); }
-    NetworkAddress* end() const noexcept { return items.get() + count; }
-
-    std::unique_ptr<NetworkAddress[]> items;
-    int count = 0;
-};
+using AddressList = GrowingArray<NetworkAddress>;
 
 enum class Purpose { Connect, ConnectByIPv4, Listen };
 

@@ -8,19 +8,20 @@
 #ifndef PLATFORM_WAITING_H
 #define PLATFORM_WAITING_H
 
-#include <atomic>
 #include <cstdint>
+
+#include "ZELAtomic.h"
 
 namespace zel {
 
 // Sleeps while `word` holds `value`, or returns at once when it does not. May return early for no reason: callers look
 // at the word again.
-void WaitOnWord(const std::atomic<std::uint32_t>& word, std::uint32_t value) noexcept;
+void WaitOnWord(const ZELAtomic<std::uint32_t>& word, std::uint32_t value) noexcept;
 
 // Wake threads of this process that sleep on `word`, after it was changed. Only the address is used: the word itself
 // may be gone.
-void WakeOne(const std::atomic<std::uint32_t>& word) noexcept;
-void WakeAll(const std::atomic<std::uint32_t>& word) noexcept;
+void WakeOne(const ZELAtomic<std::uint32_t>& word) noexcept;
+void WakeAll(const ZELAtomic<std::uint32_t>& word) noexcept;
 
 }  // namespace zel
 

@@ -3,14 +3,15 @@
 
 #include "TAInsTaskList.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string_view>
 
 #include "TAFileName.h"
 #include "ZELString.h"
+#include "base/ascii.h"
 #include "base/failure_report.h"
+#include "base/growing_array.h"
 #include "base/memory.h"
 #include "paths/path_names.h"
 #include "platform/process_image.h"
@@ -31,11 +32,7 @@ struct Task {
 };
 
 bool BeginsWith(std::string_view image, std::string_view prefix) noexcept {
-    const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; };
-    if (image.size() < prefix.size()) return false;
-    for (std::size_t i = 0; i < prefix.size(); ++i)
-        if (fold(image[i]) != fold(prefix[i])) return false;
-    return true;
+    return EqualsIgnoringCase(image.substr(0, prefix.size()), prefix);
 }
 
 // How the programs below a directory begin; null when nothing is to be found there.
@@ -53,11 +50,11 @@ public:
     explicit Scan(const char* prefix) noexcept : _prefix(prefix) {
         if (prefix == nullptr) return;
         const auto visit = [](const ProcessEntry& entry, void* scan) { static_cast<Scan*>(scan)->Look(entry.self); };
-        if (!VisitProcesses(visit, this) || _visited > MostProcesses) _found = 0;
+        if (!VisitProcesses(visit, this) || _visited > MostProcesses) _tasks.Clear();
     }
 
-    int Size() const noexcept { return _found; }
-    const Task& operator[](int i) const noexcept { return _tasks.get()[i]; }
+    int Size() const noexcept { return static_cast<int>(_tasks.Size()); }
+    const Task& operator[](int i) const noexcept { return _tasks[static_cast<std::size_t>(i)]; }
 
 private:
     void Look(const ProcessIdentity& process) noexcept {
@@ -67,17 +64,11 @@ private:
         const std::string_view image(task.image);
         const bool isProgram = image.find(".exe") != image.npos || image.find(".EXE") != image.npos;
         if (!isProgram || !BeginsWith(image, _prefix)) return;
-        const std::size_t size = (static_cast<std::size_t>(_found) + 1) * sizeof task;
-        auto* const grown = static_cast<Task*>(std::realloc(_tasks.get(), size));
-        if (grown == nullptr) return ReportAllocFailure("TAInsTaskList", size);
-        static_cast<void>(_tasks.release());
-        _tasks.reset(grown);
-        _tasks.get()[_found++] = task;
+        if (!_tasks.Append(task)) ReportAllocFailure("TAInsTaskList", (_tasks.Size() + 1) * sizeof task);
     }
 
     const char* const _prefix;
-    std::unique_ptr<Task, FreeBlock> _tasks;
-    int _found = 0;
+    GrowingArray<Task> _tasks;
     int _visited = 0;
 };
 
@@ -91,22 +82,22 @@ ZELString Exclusion(const char* dir, std::string_view program) noexcept {
 }  // namespace
 
 TAInsTaskList::TAInsTaskList() noexcept
-    : _names(static_cast<char**>(std::calloc(MaxTasks, sizeof(char*)))),
+    : _names(static_cast<char**>(AllocateZeroed(MaxTasks * sizeof(char*)))),
       _trace("TASKLIST", "", ZELTraAppend, "STDERR", 1024) {
     if (_names == nullptr) ReportAllocFailure("TAInsTaskList", MaxTasks * sizeof(char*));
 }
 
 TAInsTaskList::~TAInsTaskList() {
     Clear();
-    std::free(_names);
+    Free(_names);
 }
 
 void TAInsTaskList::Clear() noexcept {
-    while (_count > 0) std::free(_names[--_count]);
+    while (_count > 0) Free(_names[--_count]);
 }
 
 bool TAInsTaskList::Add(int pid, __int64 born, const char* image) noexcept {
-    auto* const name = _names != nullptr ? static_cast<char*>(std::malloc(NameSize)) : nullptr;
+    auto* const name = _names != nullptr ? AllocateArray<char>(NameSize) : nullptr;
     if (name == nullptr) {
         ReportAllocFailure("TAInsTaskList", NameSize);
         return false;

@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "TADiagnostics.h"
-#include "TATextUtilities.h"
 #include "platform/process_kill.h"
 #include "platform/system.h"
 #include "process/child_ledger.h"
@@ -25,15 +24,6 @@ enum Status { NoChild = 201, CannotTell = 202, NoProcess = 203, StillRuns = 259 
 
 constexpr const char* CannotTellMessage = "Unable to get child process indormation";
 constexpr unsigned int KillCode = 99;
-
-// The line that is tried when the first one names no program: that of a batch file.
-ZELString BatchLine(ZELString line) {
-    ZELListValZELString words;
-    Split(line, words);
-    words[1] += ".bat";
-    ToLine(words, line);
-    return line;
-}
 
 }  // namespace
 
@@ -69,25 +59,25 @@ int TAProcess::SetInput(ZELString path) noexcept {
 }
 
 int TAProcess::Start(ZELString command, int) noexcept {
-    const ZELString line = command.FindPosition(".bat") >= 0 ? "cmd /c " + command : std::move(command);
-    if (line.View().find_first_not_of(' ') == std::string_view::npos)
+    if (command.View().find_first_not_of(' ') == std::string_view::npos)
         return Fail("No command given, no process started");
     ReapDroppedChildren();
-    if (Launch(line) == 0) return 0;
+    if (Launch(Command(command.View())) == 0) return 0;
     _pid = 0;
     return 1;
 }
 
-int TAProcess::Launch(const ZELString& line) noexcept {
+int TAProcess::Launch(const Command& command) noexcept {
     ChildFile input, output;
     if (_output.Length() > 0 && !output.OpenForWriting(_output)) return Fail("Unable to redirect output in ", _output);
     if (_input.Length() > 0 && !input.OpenForReading(_input)) return Fail("Unable to redirect input in ", _input);
-    std::shared_ptr<TAChild> child = MakeChild();
+    ZELShared<TAChild> child = MakeChild();
     if (!child) return Fail("Not enough memory");
     ChildProcess process;
     LaunchFailure failure;
-    bool isStarted = zel::Launch(line, input, output, process, failure);
-    if (!isStarted && !failure.isTooLong) isStarted = zel::Launch(BatchLine(line), input, output, process, failure);
+    bool isStarted = zel::Launch(command, input, output, process, failure);
+    if (!isStarted && !failure.isTooLong && command.IsComplete())
+        isStarted = zel::Launch(command.SecondTry(), input, output, process, failure);
     ResetRemoteKill();
     if (!isStarted) return Fail(failure.text);
     _pid = process.Pid();
@@ -115,7 +105,7 @@ int TAProcess::Check(int& status) noexcept {
 }
 
 int TAProcess::Wait(int& exitCode) noexcept {
-    const std::shared_ptr<TAChild> child = _child;  // this object may be given another one meanwhile
+    const ZELShared<TAChild> child = _child;  // this object may be given another one meanwhile
     const ChildState state = child ? AwaitChild(*child, exitCode) : ChildState::NotOpen;
     if (state == ChildState::Over) return 0;
     if (state == ChildState::NotOpen) return Fail("Unable to wait for child process");

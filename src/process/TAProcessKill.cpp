@@ -13,11 +13,11 @@
 using namespace zel;
 
 int KillPid(unsigned long pid, unsigned int exitCode) noexcept {
-    return KillAndNote(Anybody(pid), exitCode) ? 1 : 0;
+    return KillAndNote(IdentityByNumber(pid), exitCode) ? 1 : 0;
 }
 
 int CloseOrKillPid(unsigned long pid) noexcept {
-    return EndPolitely(Anybody(pid));
+    return EndPolitely(IdentityByNumber(pid));
 }
 
 int KillBaseProcess(unsigned long pid, const int& forceOnly) noexcept {
@@ -29,7 +29,7 @@ int KillBaseProcess(unsigned long pid, const int& forceOnly) noexcept {
 
 int KillBaseProcessTree(unsigned long pid, const int& forceOnly) noexcept {
     if (pid == 0) return -1;
-    const ProcessIdentity root = Anybody(pid);
+    const ProcessIdentity root = IdentityByNumber(pid);
     if (root.pid == 0) return 1;
     const DebugPrivilege privilege;
     return KillProcessTree(root, forceOnly != 0);
@@ -41,7 +41,7 @@ int SetPrivilege(void* token, const unsigned short* name, int enable) noexcept {
 
 int TAGetParentProcessId(unsigned long pid, unsigned long& parent) noexcept {
     ProcessEntry entry;
-    if (!ReadProcess(Anybody(pid).pid, entry)) return 0;
+    if (!ReadProcess(IdentityByNumber(pid).pid, entry)) return 0;
     parent = static_cast<unsigned long>(entry.parent);
     return 1;
 }

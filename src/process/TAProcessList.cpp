@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
-#include <new>
 #include <thread>
 #include <utility>
 
 #include "TADiagnostics.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "process/process_tree.h"
 
 using namespace zel;
@@ -65,7 +65,7 @@ struct TAProcessList::Entry {
 TAProcessList::TAProcessList() noexcept : TAProcessList(OwnLimit) {}
 
 TAProcessList::TAProcessList(int limit) noexcept
-    : _entries(new (std::nothrow) ZELListPtr<Entry>),
+    : _entries(ZELNew<ZELListPtr<Entry>>()),
       _defaultLimit(ValidLimit(limit, DefaultLimit)),
       _currentLimit(_defaultLimit) {
     if (_entries == nullptr) ReportAllocFailure("TAProcessList", sizeof *_entries);
@@ -73,12 +73,12 @@ TAProcessList::TAProcessList(int limit) noexcept
 
 TAProcessList::~TAProcessList() {
     if (_entries != nullptr)
-        for (const Entry* entry : *_entries) delete entry;
-    delete _entries;
+        for (const Entry* entry : *_entries) ZELDelete(entry);
+    ZELDelete(_entries);
 }
 
 int TAProcessList::Start(ZELString command, int timeout, ZELString output, int limit) noexcept {
-    Entry* const entry = _entries != nullptr ? new (std::nothrow) Entry : nullptr;
+    Entry* const entry = _entries != nullptr ? ZELNew<Entry>() : nullptr;
     if (entry == nullptr) {
         ReportAllocFailure("TAProcessList", sizeof(Entry));
         return -1;
@@ -88,7 +88,7 @@ int TAProcessList::Start(ZELString command, int timeout, ZELString output, int l
     const bool hasRoom = _waiting.Reserve(number) == 0 && _running.Reserve(number) == 0 && _done.Reserve(number) == 0 &&
                          _lastDone.Reserve(number) == 0;
     if (!hasRoom || _entries->Append(entry) != 0) {
-        delete entry;
+        ZELDelete(entry);
         return -1;
     }
     entry->command = std::move(command);

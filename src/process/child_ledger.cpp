@@ -67,21 +67,18 @@ ChildState Look(TAChild& child) noexcept {
 void GiveBack(TAChild& child) noexcept {
     child.process.Close();
     TheLedger().Unlink(child);
-    std::shared_ptr<TAChild>(std::move(child.self)).reset();
+    const ZELShared<TAChild> last(std::move(child.self));
 }
 
 }  // namespace
 
-std::shared_ptr<TAChild> zel::MakeChild() noexcept {
-    try {
-        return std::make_shared<TAChild>();
-    } catch (const std::bad_alloc&) {
-        ReportAllocFailure("TAProcess", sizeof(TAChild));
-        return nullptr;
-    }
+ZELShared<TAChild> zel::MakeChild() noexcept {
+    ZELShared<TAChild> child = ZELShared<TAChild>::Make();
+    if (!child) ReportAllocFailure("TAProcess", sizeof(TAChild));
+    return child;
 }
 
-void zel::EnterChild(const std::shared_ptr<TAChild>& child, ChildProcess process) noexcept {
+void zel::EnterChild(const ZELShared<TAChild>& child, ChildProcess process) noexcept {
     const std::lock_guard guard(TheLedger().lock);
     child->process = std::move(process);
     child->isOpen = true;

@@ -2,8 +2,7 @@
 #ifndef PROCESS_CHILD_LEDGER_H
 #define PROCESS_CHILD_LEDGER_H
 
-#include <memory>
-
+#include "ZELShared.h"
 #include "platform/process_launch.h"
 #include "platform/process_table.h"
 
@@ -20,17 +19,17 @@ struct TAChild {
     int exitCode = 0;
     int waiters = 0;  // threads that need the system's entry to stay
 
-    std::shared_ptr<TAChild> self;  // the ledger's own; alone when every object has dropped the child
+    ZELShared<TAChild> self;  // the ledger's own; alone when every object has dropped the child
     TAChild* next = nullptr;
     TAChild* previous = nullptr;
 };
 
 enum class ChildState { Running, Over, NotOpen, Untold };
 
-// Null when memory ran out (said on standard output).
-std::shared_ptr<TAChild> MakeChild() noexcept;
+// Empty when memory ran out (said on standard output).
+ZELShared<TAChild> MakeChild() noexcept;
 // Begins to keep a child that has just been started.
-void EnterChild(const std::shared_ptr<TAChild>& child, ChildProcess process) noexcept;
+void EnterChild(const ZELShared<TAChild>& child, ChildProcess process) noexcept;
 // Forgets the children that no object stands for and that are over.
 void ReapDroppedChildren() noexcept;
 

@@ -26,7 +26,7 @@ int Force(const ProcessIdentity& process) {
 }  // namespace
 
 int EnumWindowsProc(HWND window, unsigned long pid) noexcept {
-    ProcessIdentity process = Anybody(pid);
+    ProcessIdentity process = IdentityByNumber(pid);
     if (process.pid == polite.process.pid) process = polite.process;
     if (process.pid == 0) return 1;
     const Answer answer = AskToEnd(window, process);

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <thread>
 
 #include "base/deadline.h"
@@ -24,35 +23,22 @@
 
 using namespace zel;
 
-ProcessEntries::~ProcessEntries() {
-    std::free(_entries);
-}
-
 bool ProcessEntries::Append(const ProcessEntry& entry) noexcept {
-    if (_size == _room) {
-        constexpr int First = 64;
-        const int room = _room == 0 ? First : 2 * _room;
-        const std::size_t size = static_cast<std::size_t>(room) * sizeof(ProcessEntry);
-        auto* const moved = static_cast<ProcessEntry*>(std::realloc(_entries, size));
-        if (moved == nullptr) {
-            ReportAllocFailure("ProcessEntries", size);
-            return false;
-        }
-        _entries = moved;
-        _room = room;
-    }
-    _entries[_size++] = entry;
-    return true;
+    constexpr std::size_t First = 64;
+    const std::size_t room = std::max(First, 2 * _entries.Capacity());
+    if ((_entries.Size() < _entries.Capacity() || _entries.Reserve(room)) && _entries.Append(entry)) return true;
+    ReportAllocFailure("ProcessEntries", room * sizeof entry);
+    return false;
 }
 
 const ProcessEntry* ProcessEntries::Find(int pid) const noexcept {
-    for (int i = _size - 1; i >= 0; --i)
-        if (_entries[i].self.pid == pid) return &_entries[i];
+    for (std::size_t i = _entries.Size(); i > 0; --i)
+        if (_entries[i - 1].self.pid == pid) return &_entries[i - 1];
     return nullptr;
 }
 
 void ProcessEntries::Sort() noexcept {
-    std::sort(_entries, _entries + _size, [](const ProcessEntry& left, const ProcessEntry& right) {
+    std::sort(_entries.begin(), _entries.end(), [](const ProcessEntry& left, const ProcessEntry& right) {
         if (left.self.born != right.self.born) return left.self.born < right.self.born;
         return left.self.pid < right.self.pid;
     });
@@ -79,7 +65,8 @@ public:
     void Enter(const ProcessEntry& entry) noexcept;
     // Kills everybody, and who is started meanwhile; the caller last. False when the system lists no processes.
     bool KillAll() noexcept;
-    bool IsKilled() const noexcept { return _killed == _members.Size(); }
+    // False also when memory did not suffice for all members.
+    bool IsKilled() const noexcept { return _isComplete && _killed == _members.Size(); }
 
 private:
     bool KillOthers() noexcept;
@@ -100,6 +87,7 @@ private:
     ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
     int _next = 0;
     int _killed = 0;
+    bool _isComplete = true;
     ProcessEntry::Activity _activity = ProcessEntry::IsStopped;  // of the busiest that is held, at the latest look
 };
 
@@ -112,7 +100,11 @@ void ProcessTree::Kill(const ProcessEntry& entry) noexcept {
 }
 
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
-    if (!_members.Append(entry) || entry.self.pid == _caller) return;
+    if (!_members.Append(entry)) {
+        _isComplete = false;
+        return;
+    }
+    if (entry.self.pid == _caller) return;
     const bool canWait = !_forceOnly || HoldProcess(entry.self);
     if (!canWait || !_waiting.Append(entry)) Kill(entry);
 }

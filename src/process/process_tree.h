@@ -2,6 +2,7 @@
 #ifndef PROCESS_PROCESS_TREE_H
 #define PROCESS_PROCESS_TREE_H
 
+#include "base/growing_array.h"
 #include "platform/process_table.h"
 
 namespace zel {
@@ -12,12 +13,11 @@ public:
     ProcessEntries() noexcept = default;
     ProcessEntries(const ProcessEntries&) = delete;
     ProcessEntries& operator=(const ProcessEntries&) = delete;
-    ~ProcessEntries();
 
-    int Size() const noexcept { return _size; }
-    const ProcessEntry& operator[](int index) const noexcept { return _entries[index]; }
-    const ProcessEntry* begin() const noexcept { return _entries; }
-    const ProcessEntry* end() const noexcept { return _entries + _size; }
+    int Size() const noexcept { return static_cast<int>(_entries.Size()); }
+    const ProcessEntry& operator[](int index) const noexcept { return _entries[static_cast<std::size_t>(index)]; }
+    const ProcessEntry* begin() const noexcept { return _entries.begin(); }
+    const ProcessEntry* end() const noexcept { return _entries.end(); }
     // False when memory ran out.
     bool Append(const ProcessEntry& entry) noexcept;
     // The last one of that number; null when there is none.
@@ -26,9 +26,7 @@ public:
     void Sort() noexcept;
 
 private:
-    ProcessEntry* _entries = nullptr;  // malloc'd
-    int _size = 0;
-    int _room = 0;
+    GrowingArray<ProcessEntry> _entries;
 };
 
 // Whether a process that names `parent` as its parent can be its child: nobody is older than who started him.

@@ -3,7 +3,6 @@
 
 #include "ZELFilePrepro.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -18,7 +17,7 @@ namespace {
 
 char* MakeBlock(std::size_t length) noexcept {
     const std::size_t size = length + 1 + SourceScannerSlack;
-    char* const block = static_cast<char*>(Allocate(size));
+    char* const block = AllocateArray<char>(size);
     if (block == nullptr) ReportAllocFailure("ZELFilePrepro", size);
     return block;
 }
@@ -34,7 +33,7 @@ ZELFilePrepro::ZELFilePrepro(const char* text, std::size_t length) noexcept {
 }
 
 ZELFilePrepro::~ZELFilePrepro() {
-    std::free(_text);
+    Free(_text);
 }
 
 void ZELFilePrepro::Keep(const char* text, std::size_t length) noexcept {
@@ -47,7 +46,7 @@ void ZELFilePrepro::Keep(const char* text, std::size_t length) noexcept {
 
 bool ZELFilePrepro::ObtainText() noexcept {
     if (_text != nullptr) return true;
-    ZELFileBuffer* const file = NewObject<ZELFileBuffer>(_fileName);
+    ZELFileBuffer* const file = ZELNew<ZELFileBuffer>(_fileName);
     if (file == nullptr) {
         ReportAllocFailure("ZELFilePrepro", sizeof(ZELFileBuffer));
         return false;

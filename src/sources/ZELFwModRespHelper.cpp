@@ -7,10 +7,8 @@
 #include "ZELFwModRespHelper.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <string_view>
@@ -20,7 +18,6 @@
 #include "ZELString.h"
 #include "base/failure_report.h"
 #include "base/memory.h"
-#include "base/shared_body.h"
 
 using namespace zel;
 
@@ -44,7 +41,7 @@ char* CopyOf(std::string_view text) noexcept {
 bool InsertCopy(ZELHashSCMap& map, const ZELString& key, std::string_view text) noexcept {
     char* const copy = CopyOf(text);
     if (copy != nullptr && map.insert(key, copy) != nullptr) return true;
-    std::free(copy);
+    Free(copy);
     return false;
 }
 
@@ -55,7 +52,7 @@ Value* Find(ZELHashSCMap& map, std::string_view key) noexcept {
 }
 
 void FreeTexts(ZELHashSCMap& map) noexcept {
-    for (const auto& [key, text] : map) std::free(text);
+    for (const auto& [key, text] : map) Free(text);
 }
 
 ZELString UpperCase(std::string_view text) noexcept {
@@ -119,7 +116,6 @@ struct ZELFwModRespHelper::Shared {
     const char* ShortOf(const char* framework, const char* module) noexcept;
     const char* LongOf(const char* code) noexcept;
 
-    std::atomic<int> owners{1};
     ZELHashSCMap* frameworks = nullptr;  // null until that file was read
     ZELHashSCMap* organisation = nullptr;
 };
@@ -128,14 +124,14 @@ ZELFwModRespHelper::Shared::~Shared() {
     if (frameworks != nullptr) {
         for (const auto& [name, value] : *frameworks) {
             Framework* const framework = static_cast<Framework*>(value);
-            std::free(framework->code);
+            Free(framework->code);
             FreeTexts(framework->modules);
-            delete framework;
+            ZELDelete(framework);
         }
     }
     if (organisation != nullptr) FreeTexts(*organisation);
-    delete frameworks;
-    delete organisation;
+    ZELDelete(frameworks);
+    ZELDelete(organisation);
 }
 
 void ZELFwModRespHelper::Shared::AddFramework(const Declaration& declaration, const char* path) noexcept {
@@ -146,11 +142,11 @@ void ZELFwModRespHelper::Shared::AddFramework(const Declaration& declaration, co
         return;
     }
     char* const code = CopyOf(UpperCase(declaration.code).View());
-    Framework* const framework = code != nullptr ? NewObject<Framework>(code) : nullptr;
+    Framework* const framework = code != nullptr ? ZELNew<Framework>(code) : nullptr;
     if (framework != nullptr && frameworks->insert(ZELString(name), framework) != nullptr) return;
     if (code != nullptr && framework == nullptr) ReportAllocFailure("ZELFwModRespHelper", sizeof(Framework));
-    delete framework;
-    std::free(code);
+    ZELDelete(framework);
+    Free(code);
 }
 
 void ZELFwModRespHelper::Shared::AddModule(const Declaration& declaration, std::string_view module,
@@ -194,7 +190,7 @@ namespace {
 template <class TakeLine>
 int ReadOnce(ZELHashSCMap*& map, const char* path, TakeLine take) noexcept {
     if (map != nullptr) return 1;
-    map = NewObject<ZELHashSCMap>();
+    map = ZELNew<ZELHashSCMap>();
     if (map == nullptr) {
         ReportAllocFailure("ZELFwModRespHelper", sizeof(ZELHashSCMap));
         return 0;
@@ -208,23 +204,14 @@ int ReadOnce(ZELHashSCMap*& map, const char* path, TakeLine take) noexcept {
 
 }  // namespace
 
-ZELFwModRespHelper::ZELFwModRespHelper() noexcept : _shared(NewObject<Shared>()) {
-    if (_shared == nullptr) ReportAllocFailure("ZELFwModRespHelper", sizeof(Shared));
+ZELFwModRespHelper::ZELFwModRespHelper() noexcept : _shared(ZELShared<Shared>::Make()) {
+    if (!_shared) ReportAllocFailure("ZELFwModRespHelper", sizeof(Shared));
 }
 
-ZELFwModRespHelper::ZELFwModRespHelper(const ZELFwModRespHelper& other) noexcept : _shared(KeepShare(other._shared)) {}
-
-ZELFwModRespHelper& ZELFwModRespHelper::operator=(const ZELFwModRespHelper& other) noexcept {
-    AssignShare(_shared, other._shared);
-    return *this;
-}
-
-ZELFwModRespHelper::~ZELFwModRespHelper() {
-    DropShare(_shared);
-}
+ZELFwModRespHelper::~ZELFwModRespHelper() = default;
 
 int ZELFwModRespHelper::parseFiles(const char* orgFile, const char* componentFile) noexcept {
-    if (_shared == nullptr) return 0;
+    if (!_shared) return 0;
     parseQNOrgFile(orgFile);
     parseADLFile(componentFile);
     return 0;
@@ -256,17 +243,17 @@ int ZELFwModRespHelper::parseADLFile(const char* path) noexcept {
 }
 
 const char* ZELFwModRespHelper::getFrameworkShortResponsible(const char* fw) const noexcept {
-    return _shared != nullptr ? _shared->ShortOf(fw) : nullptr;
+    return _shared ? _shared->ShortOf(fw) : nullptr;
 }
 
 const char* ZELFwModRespHelper::getFrameworkLongResponsible(const char* fw) const noexcept {
-    return _shared != nullptr ? _shared->LongOf(_shared->ShortOf(fw)) : nullptr;
+    return _shared ? _shared->LongOf(_shared->ShortOf(fw)) : nullptr;
 }
 
 const char* ZELFwModRespHelper::getModuleShortResponsible(const char* fw, const char* mod) const noexcept {
-    return _shared != nullptr ? _shared->ShortOf(fw, mod) : nullptr;
+    return _shared ? _shared->ShortOf(fw, mod) : nullptr;
 }
 
 const char* ZELFwModRespHelper::getModuleLongResponsible(const char* fw, const char* mod) const noexcept {
-    return _shared != nullptr ? _shared->LongOf(_shared->ShortOf(fw, mod)) : nullptr;
+    return _shared ? _shared->LongOf(_shared->ShortOf(fw, mod)) : nullptr;
 }

@@ -3,7 +3,6 @@
 #include "TAMutex.h"
 
 #include <atomic>
-#include <new>
 #include <string_view>
 
 #include "base/failure_report.h"
@@ -18,12 +17,8 @@ struct TAMutex::Shared {
     std::atomic<bool> isClosed{false};
 };
 
-TAMutex::TAMutex(ZELString name) noexcept {
-    try {
-        _shared = std::make_shared<Shared>(name.View());
-    } catch (const std::bad_alloc&) {
-        ReportAllocFailure("TAMutex", sizeof(Shared));
-    }
+TAMutex::TAMutex(ZELString name) noexcept : _shared(ZELShared<Shared>::Make(name.View())) {
+    if (!_shared) ReportAllocFailure("TAMutex", sizeof(Shared));
 }
 
 TAMutex::~TAMutex() {
@@ -32,12 +27,12 @@ TAMutex::~TAMutex() {
 }
 
 int TAMutex::Lock() {
-    const std::shared_ptr<Shared> shared = _shared;
+    const ZELShared<Shared> shared = _shared;
     return shared && !shared->isClosed.load() ? shared->mutex.Lock() : -1;
 }
 
 int TAMutex::Unlock() {
-    const std::shared_ptr<Shared> shared = _shared;
+    const ZELShared<Shared> shared = _shared;
     return shared && !shared->isClosed.load() && shared->mutex.Unlock() ? 1 : 0;
 }
 

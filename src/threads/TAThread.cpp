@@ -11,6 +11,7 @@
 
 #include "TAThread.h"
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <new>
@@ -18,10 +19,22 @@
 
 #include "ZELThreads.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
 
 using namespace zel;
+
+// The vector of a thread's arguments, with a null after the last.
+struct zel::ThreadArguments {
+    ThreadArguments(const char** vector, int size) noexcept : texts(vector), count(size) {}
+    ThreadArguments(const ThreadArguments&) = delete;
+    ThreadArguments& operator=(const ThreadArguments&) = delete;
+    ~ThreadArguments() { Free(texts); }
+
+    const char** texts;
+    int count;
+};
 
 namespace {
 
@@ -30,11 +43,11 @@ struct Register {
     ZELListPtrTAThread running;
     ZELListPtrTAThread toDelete;
     int waiting = 0;  // of the running ones, in WaitForAll
-    std::atomic<std::uint32_t> changes{0};
+    ZELAtomic<std::uint32_t> changes{0};
     std::atomic<bool> exitIsCalled{false};
 
     void Announce() noexcept {
-        ++changes;
+        changes.fetch_add(1);
         WakeAll(changes);
     }
     // Takes the queue over. Room for what runs stays in it, so that queuing never needs memory.
@@ -55,25 +68,34 @@ Register& TheRegister() noexcept {
 thread_local TAThread* ownObject = nullptr;
 
 void DeleteAll(ZELListPtrTAThread finished) noexcept {
-    for (const TAThread* thread : finished) delete thread;
+    for (TAThread* const thread : finished) delete thread;
 }
 
-std::shared_ptr<const char*> MakeVector(void* first, std::va_list rest, int& count) noexcept {
+// The number of pointers before the first null one.
+int CountRest(std::va_list rest) noexcept {
     std::va_list counted;
     va_copy(counted, rest);
-    for (count = 1; va_arg(counted, void*) != nullptr;) ++count;
+    int count = 0;
+    while (va_arg(counted, void*) != nullptr) ++count;
     va_end(counted);
+    return count;
+}
+
+// Empty without memory.
+ZELShared<ThreadArguments> MakeArguments(void* first, std::va_list rest) noexcept {
+    const int count = 1 + CountRest(rest);
     const auto size = static_cast<std::size_t>(count) + 1;
-    try {
-        std::shared_ptr<const char*> vector(new const char*[size], std::default_delete<const char*[]>());
-        vector.get()[0] = static_cast<const char*>(first);
-        for (std::size_t i = 1; i < size; ++i) vector.get()[i] = static_cast<const char*>(va_arg(rest, void*));
-        return vector;
-    } catch (const std::bad_alloc&) {
+    const char** const texts = AllocateArray<const char*>(size);
+    ZELShared<ThreadArguments> arguments;
+    if (texts != nullptr) arguments = ZELShared<ThreadArguments>::Make(texts, count);
+    if (!arguments) {
+        Free(texts);
         ReportAllocFailure("TAThread", size * sizeof(void*));
-        count = 0;
-        return nullptr;
+        return arguments;
     }
+    texts[0] = static_cast<const char*>(first);
+    for (std::size_t i = 1; i < size; ++i) texts[i] = static_cast<const char*>(va_arg(rest, void*));
+    return arguments;
 }
 
 }  // namespace
@@ -119,14 +141,16 @@ void TAThread::SetArgs(void (*function)(int, const char**), void* first, ...) no
     SetFunc(function);
     std::va_list rest;
     va_start(rest, first);
-    _arguments = MakeVector(first, rest, _count);
+    _arguments = MakeArguments(first, rest);
+    _count = _arguments ? _arguments->count : 0;
     va_end(rest);
 }
 
 void TAThread::SetArgs(void* first, ...) noexcept {
     std::va_list rest;
     va_start(rest, first);
-    _arguments = MakeVector(first, rest, _count);
+    _arguments = MakeArguments(first, rest);
+    _count = _arguments ? _arguments->count : 0;
     va_end(rest);
 }
 
@@ -165,7 +189,7 @@ int TAThread::Begin(bool detached) noexcept {
 
 void TAThread::Run() {
     if (_function != nullptr)
-        _function(_count, _arguments.get());
+        _function(_count, _arguments ? _arguments->texts : nullptr);
     else
         WriteText(stdout, {"TAThread::Run No function to run !\n"});
     // Otherwise the function deleted this object, or nobody started it.

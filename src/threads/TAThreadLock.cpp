@@ -1,46 +1,34 @@
-// A lock is a counted word, see foundations/binary_semaphore.h. Every copy counts, and the first to end closes the
-// word: a closed one lets everybody through, so nobody is left waiting for a lock that is no more.
+// A lock is a counted word, see threads/binary_semaphore.h. The first copy that is destroyed closes the word. A closed
+// word lets every thread through, so no thread waits for a lock that no longer exists.
 
 #include "TAThreadLock.h"
 
-#include <atomic>
 #include <cstdint>
-#include <new>
 
 #include "base/failure_report.h"
-#include "base/shared_body.h"
 #include "threads/binary_semaphore.h"
 
 using namespace zel;
 
 struct TAThreadLock::Shared {
-    std::atomic<std::uint32_t> word{0};
-    std::atomic<int> owners{1};
+    ZELAtomic<std::uint32_t> word{0};
 };
 
-TAThreadLock::TAThreadLock() noexcept : _shared(new (std::nothrow) Shared) {
-    if (_shared == nullptr) ReportAllocFailure("TAThreadLock", sizeof(Shared));
-}
-
-TAThreadLock::TAThreadLock(const TAThreadLock& other) noexcept : _shared(KeepShare(other._shared)) {}
-
-TAThreadLock& TAThreadLock::operator=(const TAThreadLock& other) noexcept {
-    AssignShare(_shared, other._shared);
-    return *this;
+TAThreadLock::TAThreadLock() noexcept : _shared(ZELShared<Shared>::Make()) {
+    if (!_shared) ReportAllocFailure("TAThreadLock", sizeof(Shared));
 }
 
 TAThreadLock::~TAThreadLock() {
-    if (_shared != nullptr) CloseSemaphore(_shared->word);
-    DropShare(_shared);
+    if (_shared) CloseSemaphore(_shared->word);
 }
 
 int TAThreadLock::GetLock() {
-    if (_shared != nullptr) AcquireSemaphore(_shared->word);
+    if (_shared) AcquireSemaphore(_shared->word);
     return 1;
 }
 
 int TAThreadLock::ReleaseLock() {
-    if (_shared != nullptr) ReleaseSemaphore(_shared->word);
+    if (_shared) ReleaseSemaphore(_shared->word);
     return 1;
 }
 

@@ -8,9 +8,9 @@
 
 #include "ZELThreads.h"
 
+#include <atomic>
 #include <exception>
 #include <mutex>
-#include <new>
 #include <thread>
 
 #include "ZELTrace.h"
@@ -42,7 +42,7 @@ struct ZELThreads::State {
 
     std::atomic<bool> alive{false};  // until the body has returned, also when the thread was given up
     std::atomic<bool> endRequested{false};
-    std::atomic<std::uint32_t> threadId{0};
+    ZELAtomic<std::uint32_t> threadId{0};
     std::atomic<std::thread::id> self{};
 
     bool IsOwnThread() const noexcept { return self.load() == std::this_thread::get_id(); }
@@ -57,12 +57,8 @@ struct ZELThreads::State {
     }
 };
 
-ZELThreads::ZELThreads(const char* name) noexcept : _name(name) {
-    try {
-        _state = std::make_shared<State>();
-    } catch (const std::bad_alloc&) {
-        ReportAllocFailure("ZELThreads", sizeof(State));
-    }
+ZELThreads::ZELThreads(const char* name) noexcept : _name(name), _state(ZELShared<State>::Make()) {
+    if (!_state) ReportAllocFailure("ZELThreads", sizeof(State));
 }
 
 ZELThreads::~ZELThreads() {
@@ -76,7 +72,7 @@ ZELThreads::~ZELThreads() {
 }
 
 int ZELThreads::Run(int argument) {
-    const std::shared_ptr<State> state = _state;  // the body may delete this object before Run is through
+    const ZELShared<State> state = _state;  // the body may delete this object before Run is through
     if (!state || state->alive.load()) return 1;
     const std::lock_guard guard(state->control);
     if (state->alive.load()) return 1;

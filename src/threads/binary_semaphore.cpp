@@ -13,13 +13,12 @@ enum : std::uint32_t { Free = 0, Taken = 1, Awaited = 2, Closed = 3 };
 
 }  // namespace
 
-bool zel::AcquireSemaphore(std::atomic<std::uint32_t>& state) noexcept {
+bool zel::AcquireSemaphore(ZELAtomic<std::uint32_t>& state) noexcept {
     std::uint32_t seen = Free;
-    if (state.compare_exchange_strong(seen, Taken, std::memory_order_acquire, std::memory_order_relaxed)) return true;
+    if (state.compare_exchange_strong(seen, Taken, std::memory_order_acquire)) return true;
     while (seen != Closed) {
         // Awaited also when it is free now: this thread may not be the only one that waited.
-        if (!state.compare_exchange_strong(seen, Awaited, std::memory_order_acquire, std::memory_order_relaxed))
-            continue;
+        if (!state.compare_exchange_strong(seen, Awaited, std::memory_order_acquire)) continue;
         if (seen == Free) return true;
         WaitOnWord(state, Awaited);
         seen = state.load(std::memory_order_relaxed);
@@ -27,15 +26,15 @@ bool zel::AcquireSemaphore(std::atomic<std::uint32_t>& state) noexcept {
     return false;
 }
 
-bool zel::ReleaseSemaphore(std::atomic<std::uint32_t>& state) noexcept {
+bool zel::ReleaseSemaphore(ZELAtomic<std::uint32_t>& state) noexcept {
     std::uint32_t seen = Taken;
-    while (!state.compare_exchange_strong(seen, Free, std::memory_order_release, std::memory_order_relaxed))
+    while (!state.compare_exchange_strong(seen, Free, std::memory_order_release))
         if (seen == Free || seen == Closed) return false;
     // The word may be gone as soon as it is free: the wake-up uses its address alone.
     if (seen == Awaited) WakeOne(state);
     return true;
 }
 
-void zel::CloseSemaphore(std::atomic<std::uint32_t>& state) noexcept {
+void zel::CloseSemaphore(ZELAtomic<std::uint32_t>& state) noexcept {
     if (state.exchange(Closed) == Awaited) WakeAll(state);
 }

@@ -6,17 +6,18 @@
 #ifndef THREADS_BINARY_SEMAPHORE_H
 #define THREADS_BINARY_SEMAPHORE_H
 
-#include <atomic>
 #include <cstdint>
+
+#include "ZELAtomic.h"
 
 namespace zel {
 
 // False when it is or becomes closed: then nothing was taken.
-bool AcquireSemaphore(std::atomic<std::uint32_t>& state) noexcept;
+bool AcquireSemaphore(ZELAtomic<std::uint32_t>& state) noexcept;
 // False when it was free or closed: then nothing changes.
-bool ReleaseSemaphore(std::atomic<std::uint32_t>& state) noexcept;
+bool ReleaseSemaphore(ZELAtomic<std::uint32_t>& state) noexcept;
 // Ends every wait, also to come. Waking uses the address of the word alone.
-void CloseSemaphore(std::atomic<std::uint32_t>& state) noexcept;
+void CloseSemaphore(ZELAtomic<std::uint32_t>& state) noexcept;
 
 }  // namespace zel
 

@@ -1,5 +1,9 @@
 #include "ZELFileBufferPool.h"
+
+#include "TAFileBuffer.h"
+#include "TAThread.h"
 #include "buffers/load_queue.h"
+#include "support/failing_memory.h"
 #include "support/gate.h"
 #include "support/programs.h"
 #include "support/testing.h"
@@ -121,6 +125,25 @@ TEST_F(FileBuffers, PoolsGetThreadsWhenTheyMayAndSubscribersMayEndThem) {
         EXPECT_EQ(wasLoaded, hasThread ? 1 : 0);
         if (hasThread) ended.Pass();
     }
+}
+
+TEST_F(FileBuffers, EachFailedAllocationIsReportedAndLosesNoMoreThanAText) {
+    ZELFileBufferPool::enableMultiThread();
+    FailEachAllocation([&](FailingMemory& memory) {
+        ZELFileBuffer* const shared = Make("text");
+        memory.Begin();
+        bool isRead;
+        {
+            ZELFileBufferPool pool;
+            pool.append(shared);
+            TAFileBuffer ahead((folder / "text").c_str(), 0);
+            isRead = ahead.GetBuffer() != nullptr && shared->getBuffer() != nullptr;
+        }
+        EXPECT_TRUE(memory.End() || isRead);
+        shared->Release();
+    });
+    TAFileBuffer::ASyncCleanup();
+    TAThread::WaitForAll();
 }
 
 // A ceiling of one byte admits one file: the next is read when the text before it ends. What lies between counts for

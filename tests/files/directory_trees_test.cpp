@@ -1,5 +1,7 @@
 #include "TAFileUtilities.h"
+#include "ZELDirectory.h"
 #include "platform/tree_cursor.h"
+#include "support/failing_memory.h"
 #include "support/test_system.h"
 #include "support/testing.h"
 
@@ -61,6 +63,28 @@ TEST_F(Trees, RandomTreesAreListedAndRemovedWhole) {
         EXPECT_EQ(Clean(seed % 2 == 0 ? tree : tree + "/"), 0);
         EXPECT_FALSE(fs::exists(tree));
     }
+}
+
+TEST_F(Trees, EachFailedAllocationLeavesAPartAndIsReported) {
+    const auto grow = [this] {
+        fs::create_directories(tree + "/a/" + std::string(100, 'b') + "/c");
+        WriteBytes(tree + "/a/one", "x");
+        WriteBytes(tree + "/a/" + std::string(100, 'b') + "/two", "x");
+    };
+    FailEachAllocation([&](FailingMemory& memory) {
+        grow();
+        ZELListValZELString list;
+        const ZELString top(tree.c_str());
+        ZELDirectoryHandle handle;
+        memory.Begin();
+        const int opened = ZELOpenDirectory(tree.c_str(), &handle);
+        ZELCloseDirectory(&handle);  // an open directory may stay
+        ReadRecursiveDirectory(top, list);
+        const int removed = TACleanDirectory(tree.c_str());
+        const bool isWhole = opened == 0 && list.Size() == 2 && removed == 0;
+        EXPECT_TRUE(memory.End() || isWhole);
+        EXPECT_EQ(fs::exists(tree), removed != 0);
+    });
 }
 
 TEST_F(Trees, WhatIsNoDirectoryStays) {

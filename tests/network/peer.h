@@ -24,7 +24,7 @@ struct Listener {
 inline zel::NetworkAddress Loopback(int port, const char* host = "127.0.0.1") {
     zel::AddressList list;
     EXPECT_EQ(zel::ResolveAddresses(host, port, zel::Purpose::Connect, list), 0);
-    return list.count > 0 ? *list.begin() : zel::NetworkAddress();
+    return !list.IsEmpty() ? *list.begin() : zel::NetworkAddress();
 }
 
 class Peer {

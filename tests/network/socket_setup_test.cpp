@@ -29,9 +29,7 @@ bool Has(const std::string& text, const std::string& part) {
 
 AddressList ListOf(const std::vector<NetworkAddress>& addresses) {
     AddressList list;
-    list.count = static_cast<int>(addresses.size());
-    list.items = std::make_unique<NetworkAddress[]>(addresses.size());
-    std::copy(addresses.begin(), addresses.end(), list.items.get());
+    EXPECT_TRUE(list.Append(addresses.data(), addresses.size()));
     return list;
 }
 

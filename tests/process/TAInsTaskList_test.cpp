@@ -1,6 +1,7 @@
 #include "TAInsTaskList.h"
 
 #include "process/processes.h"
+#include "support/failing_memory.h"
 
 namespace fs = std::filesystem;
 
@@ -37,6 +38,12 @@ TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
         EXPECT_EQ(tasks.TAInsCheckTask(none, nullptr), 0) << none;
     EXPECT_EQ(tasks.TAInsCheckTask(nullptr, nullptr), 0);
     EXPECT_EQ(tasks.TAInsCheckTask((directory + "x").c_str(), nullptr), 0);
+
+    FailEachAllocation([&](FailingMemory& memory) {
+        memory.Begin();
+        const int listed = TAInsTaskList().TAInsCheckTask(directory.c_str(), nullptr);
+        EXPECT_TRUE(memory.End() || listed == 2) << listed;
+    });
 
     EXPECT_EQ(tasks.TAInsCheckTask(directory.c_str(), nullptr), 2);
     tasks.TAInsGetListTask(&names, &count);

@@ -4,6 +4,7 @@
 
 #include "platform/system.h"
 #include "process/processes.h"
+#include "support/failing_memory.h"
 #include "support/programs.h"
 
 using namespace std::string_literals;
@@ -169,6 +170,26 @@ TEST(TAProcess, FailedStartsLeaveNothing) {
     const int pid = process.GetprocessID();
     for (const char* const empty : {"", "   "}) EXPECT_EQ(process.Start(empty, 0), 1);
     EXPECT_TRUE(process.GetprocessID() == pid && process.GetErrMsg() == "No command given, no process started");
+}
+
+TEST(TAProcess, EachFailedAllocationIsAFailureAndNoMore) {
+    const ZELString commands[] = {ChildCommand("sleep 60000"), "cmd /c exit 7"};
+    const AllocationFailures failures = FailEachAllocation([&](FailingMemory& memory) {
+        TAProcess tree, shell;
+        memory.Begin();
+        const bool isStarted = tree.Start(commands[0], 0) == 0;
+        const bool isShellStarted = shell.Start(commands[1], 0) == 0;
+        const bool isKilled = isStarted && tree.KillTree() == 0;
+        const bool hasFailed = memory.End();
+        EXPECT_TRUE(hasFailed || (isKilled && isShellStarted));
+        EXPECT_TRUE(isStarted || tree.GetprocessID() == 0);
+        EXPECT_TRUE(!isShellStarted || CodeOf(shell) == 7);
+        EXPECT_TRUE(!isStarted || isKilled || tree.Kill() == 0);
+        // A tree that cannot be listed to its end counts as not killed, whatever was killed of it.
+        const int code = isStarted ? CodeOf(tree) : 0;
+        EXPECT_TRUE(!isStarted || code == 999 || (!isKilled && code == 99)) << code;
+    });
+    EXPECT_GT(failures.count, 8);
 }
 
 TEST(TAProcess, BatchFilesRunByNameAndByRetry) {

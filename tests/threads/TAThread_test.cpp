@@ -1,5 +1,9 @@
 #include "TAThread.h"
 
+#include "TAMutex.h"
+#include "TAThreadLock.h"
+#include "ZELThreads.h"
+#include "support/failing_memory.h"
 #include "support/gate.h"
 #include "support/programs.h"
 #include "support/slots.h"
@@ -140,6 +144,24 @@ TEST(TAThread, SaysThatThereIsNothingToRunAndFreezesAtExit) {
     const ProgramResult frozen = RunProgram("process_probe", {"freeze"});
     EXPECT_EQ(frozen.exitCode, 0);
     EXPECT_EQ(frozen.out, "end\n");
+}
+
+TEST(TAThread, EachFailedAllocationOfThreadsAndLocksIsReported) {
+    const AllocationFailures failures = FailEachAllocation([](FailingMemory& memory) {
+        int argument = 0;
+        memory.Begin();
+        TAThreadLock lock;
+        TAMutex mutex("");
+        ZELThreads body(nullptr);
+        TAThread thread([](int, const char**) { ++ended; });
+        thread.SetArgs(&argument, nullptr);
+        const bool isStarted = mutex.Lock() == 0 && body.Run(0) == 0 && thread.Start() == 0;
+        const bool hasFailed = memory.End();
+        EXPECT_TRUE(hasFailed || isStarted);
+        EXPECT_TRUE(lock.GetLock() == 1 && lock.ReleaseLock() == 1);
+        EXPECT_TRUE(!isStarted || mutex.Unlock() != 0);
+    });
+    EXPECT_GE(failures.count, 7);
 }
 
 TEST(TAThread, SlotsStandInTheirOrder) {

@@ -13,11 +13,11 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <mutex>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/process_launch.h"
 
 using namespace zel;
@@ -61,7 +61,7 @@ void AddMark(char** texts, std::size_t count) {
     }
     constexpr std::size_t Spare = 16;
     const std::size_t size = (1 + count + Spare + 1) * sizeof(char*);
-    char** const block = static_cast<char**>(std::malloc(size));
+    char** const block = static_cast<char**>(Allocate(size));
     if (block == nullptr) return ReportAllocFailure("ResetRemoteKill", size);
     block[0] = reinterpret_cast<char*>(published);
     char** const copy = block + 1;
@@ -80,7 +80,7 @@ ChildEnvironment::ChildEnvironment() noexcept {
     char** const own = Environment();
     const std::size_t count = Count(own);
     const std::size_t size = (count + 2) * sizeof(char*);
-    _texts = static_cast<char**>(std::malloc(size));
+    _texts = static_cast<char**>(Allocate(size));
     if (_texts == nullptr) {
         ReportAllocFailure("ChildEnvironment", size);
         return;
@@ -96,7 +96,7 @@ ChildEnvironment::ChildEnvironment() noexcept {
 }
 
 ChildEnvironment::~ChildEnvironment() {
-    std::free(_texts);
+    Free(_texts);
 }
 
 void zel::ResetRemoteKill() noexcept {

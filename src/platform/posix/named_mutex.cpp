@@ -29,8 +29,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <new>
 
+#include "base/ascii.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/posix/descriptor.h"
 
 using namespace zel;
@@ -75,8 +77,7 @@ struct FileName {
             const auto byte = static_cast<unsigned char>(character);
             hash = (hash ^ byte) * 0x100000001B3;
             if (length > Longest) continue;
-            const bool plain = (byte >= '0' && byte <= '9') || ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
-            const char* const format = plain ? "%c" : "%%%02X";
+            const char* const format = IsAsciiAlnum(byte) ? "%c" : "%%%02X";
             length += static_cast<std::size_t>(std::snprintf(text + length, sizeof text - length, format, byte));
         }
         if (length > Longest)
@@ -195,16 +196,17 @@ void NamedMutex::State::Close() noexcept {
     if (LockByteOf(file, Presence, F_WRLCK, false)) shm_unlink(fileName.text);
 }
 
-NamedMutex::NamedMutex(std::string_view name) noexcept : _state(new (std::nothrow) State(name)) {
+NamedMutex::NamedMutex(std::string_view name) noexcept : _state(ZELNew<State>(name)) {
+    if (_state == nullptr) ReportAllocFailure("NamedMutex", sizeof(State));
     if (_state == nullptr || _state->Open()) return;
-    delete _state;
+    ZELDelete(_state);
     _state = nullptr;
 }
 
 NamedMutex::~NamedMutex() {
     if (_state == nullptr) return;
     _state->Close();
-    delete _state;
+    ZELDelete(_state);
 }
 
 int NamedMutex::Lock() noexcept {

@@ -3,10 +3,10 @@
 
 #include "platform/native_path.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/slash_path.h"
 
 using namespace zel;
@@ -16,7 +16,7 @@ NativePath::NativePath(const char* path) noexcept : _text(path) {
     const std::size_t size = std::strlen(path) + 1;
     char* room = _room;
     if (size > sizeof _room) {
-        room = _block = static_cast<char*>(std::malloc(size));
+        room = _block = AllocateArray<char>(size);
         if (room == nullptr) ReportAllocFailure("NativePath", size);
     }
     if (room != nullptr) WriteSlashPath(path, room);
@@ -24,7 +24,7 @@ NativePath::NativePath(const char* path) noexcept : _text(path) {
 }
 
 NativePath::~NativePath() {
-    std::free(_block);
+    Free(_block);
 }
 
 void zel::ToPathValue(char* nativePath) noexcept {

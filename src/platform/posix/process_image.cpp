@@ -5,9 +5,10 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/native_path.h"
 
 using namespace zel;
@@ -33,8 +34,11 @@ bool zel::ReadProcessImage(int pid, char (&path)[ImagePathSize]) noexcept {
 bool zel::MakeImagePrefix(const char* directory, char*& prefix) noexcept {
     if (directory[0] != '\0' && directory[1] == ':') directory += 2;
     const std::size_t size = std::strlen(directory);
-    prefix = static_cast<char*>(std::malloc(size + 2));
-    if (prefix == nullptr) return false;
+    prefix = AllocateArray<char>(size + 2);
+    if (prefix == nullptr) {
+        ReportAllocFailure("ImagePrefix", size + 2);
+        return false;
+    }
     std::memcpy(prefix, directory, size);
     std::memcpy(prefix + size, "\\", 2);
     return true;

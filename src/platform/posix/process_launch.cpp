@@ -24,7 +24,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "base/command_line.h"
 #include "platform/native_path.h"
 #include "platform/posix/child_environment.h"
 #include "platform/posix/descriptor.h"
@@ -128,12 +127,12 @@ void Reap(int pid) {
     RetryInterrupted([&] { return waitid(P_PID, static_cast<id_t>(pid), &about, WEXITED); });
 }
 
-void DescribeLimit(const char* line, const ProgramPlan& plan, LaunchFailure& failure) {
+void DescribeLimit(const Command& command, const ProgramPlan& plan, LaunchFailure& failure) {
     constexpr std::size_t LongestArgument = 131071;  // the kernel's MAX_ARG_STRLEN, without the terminator
     auto limit = static_cast<std::size_t>(sysconf(_SC_ARG_MAX));
     for (char** text = plan.arguments; *text != nullptr; ++text)
         if (std::strlen(*text) > LongestArgument) limit = LongestArgument;
-    DescribeTooLong(std::strlen(line), limit, failure);
+    DescribeTooLong(std::strlen(command.Line()), limit, failure);
 }
 
 void Describe(int error, LaunchFailure& failure) {
@@ -200,12 +199,11 @@ void ChildProcess::Close() noexcept {
     _pid = 0;
 }
 
-bool zel::Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
+bool zel::Launch(const Command& command, const ChildFile& input, const ChildFile& output, ChildProcess& child,
                  LaunchFailure& failure) noexcept {
-    const CommandWords words(line);
     ProgramPlan plan;
     const ChildEnvironment environment;
-    if (!words.AreComplete() || !plan.Make(words) || environment.Texts() == nullptr) {
+    if (!command.IsComplete() || !plan.Make(command) || environment.Texts() == nullptr) {
         Describe(ENOMEM, failure);
         return false;
     }
@@ -219,7 +217,7 @@ bool zel::Launch(const char* line, const ChildFile& input, const ChildFile& outp
     }
     if (pid > 0) Reap(pid);
     if (started.error == E2BIG)
-        DescribeLimit(line, plan, failure);
+        DescribeLimit(command, plan, failure);
     else
         Describe(started.error, failure);
     return false;

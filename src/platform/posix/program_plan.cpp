@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/slash_path.h"
 
 using namespace zel;
@@ -21,10 +22,9 @@ using namespace zel;
 namespace {
 
 constexpr const char* Shell = "/bin/sh";
-constexpr std::string_view BatchEnding = ".bat";
 
-char* Allocate(std::size_t size) {
-    char* const block = static_cast<char*>(std::malloc(size));
+char* AllocateText(std::size_t size) {
+    char* const block = AllocateArray<char>(size);
     if (block == nullptr) ReportAllocFailure("ProgramPlan", size);
     return block;
 }
@@ -42,12 +42,12 @@ void WriteProgram(std::string_view word, char* path) {
     std::memcpy(name, word.data(), word.size());
     name[word.size()] = '\0';
     if (NeedsSlashPath(name)) WriteSlashPath(name, name);
-    const bool isLocalBatch = word.ends_with(BatchEnding) && std::strchr(name, '/') == nullptr && IsFile(name);
+    const bool isLocalBatch = IsBatchName(word) && std::strchr(name, '/') == nullptr && IsFile(name);
     if (!isLocalBatch) std::memmove(path, name, std::strlen(name) + 1);
 }
 
 bool NeedsShell(const char* path) {
-    if (!std::string_view(path).ends_with(BatchEnding) || std::strchr(path, '/') == nullptr) return false;
+    if (!IsBatchName(path) || std::strchr(path, '/') == nullptr) return false;
     return IsFile(path) && access(path, X_OK) != 0 && access(path, R_OK) == 0;
 }
 
@@ -65,9 +65,10 @@ char* WriteQuoted(const char* path, char* out) {
     return out;
 }
 
-// The shell's form of "NAME.bat rest": the name as a path, in quotes, and "/bin/sh" in front when it must be read.
-void WriteBatchCall(std::string_view word, std::string_view rest, char* path, char* out) {
-    WriteProgram(word, path);
+// The shell's form of "NAME.bat rest": the name as a path, in quotes, after "/bin/sh" when the shell must read it.
+void WriteBatchCall(const Command& command, char* path, char* out) {
+    const std::string_view rest = command.BehindBatchFile();
+    WriteProgram(command.BatchFile(), path);
     if (NeedsShell(path)) out += std::sprintf(out, "%s ", Shell);
     out = WriteQuoted(path, out);
     std::memcpy(out, rest.data(), rest.size());
@@ -76,12 +77,9 @@ void WriteBatchCall(std::string_view word, std::string_view rest, char* path, ch
 
 }  // namespace
 
-ProgramPlan::~ProgramPlan() {
-    std::free(_block);
-}
-
-bool ProgramPlan::Make(const CommandWords& words) noexcept {
-    if (IsInterpreterCall(words)) return MakeInterpreterCall(words);
+bool ProgramPlan::Make(const Command& command) noexcept {
+    if (command.IsInterpreterCall()) return MakeInterpreterCall(command);
+    const CommandWords& words = command.Words();
     arguments = words.Texts();
     if (words.Count() == 0) return true;  // the empty name, which is no program
     if (!SetProgram(arguments[0])) return false;
@@ -99,28 +97,25 @@ bool ProgramPlan::SetProgram(const char* word) noexcept {
     const char* const path = std::getenv("PATH");
     searchPath = path != nullptr ? path : "/bin:/usr/bin";
     const std::size_t length = std::strlen(word) + 3;
-    _block = Allocate(2 * length + std::strlen(searchPath) + 1);
+    _block.reset(AllocateText(2 * length + std::strlen(searchPath) + 1));
     if (_block == nullptr) return false;
-    WriteProgram(word, _block);
-    program = _block;
-    candidate = _block + length;
+    WriteProgram(word, _block.get());
+    program = _block.get();
+    candidate = _block.get() + length;
     if (*program == '\0' || std::strchr(program, '/') != nullptr) searchPath = nullptr;
     return true;
 }
 
-bool ProgramPlan::MakeInterpreterCall(const CommandWords& words) noexcept {
-    const std::string_view text = words.Behind(1);
-    const std::size_t wordLength = ProgramWordLength(text);
-    const std::size_t pathRoom = wordLength + 3;
-    _block = Allocate(pathRoom + text.size() + 4 * pathRoom + 16);
+bool ProgramPlan::MakeInterpreterCall(const Command& command) noexcept {
+    const std::string_view text = command.InterpreterText();
+    const std::size_t pathRoom = command.BatchFile().size() + 3;
+    _block.reset(AllocateText(pathRoom + text.size() + 4 * pathRoom + 16));
     if (_block == nullptr) return false;
-    char* const shellText = _block + pathRoom;
-    std::string_view word = text.substr(0, wordLength);
-    if (word.size() >= 2 && word.front() == '"' && word.back() == '"') word = word.substr(1, word.size() - 2);
-    if (word.ends_with(BatchEnding)) {
-        WriteBatchCall(word, text.substr(wordLength), _block, shellText);
+    char* const shellText = _block.get() + pathRoom;
+    if (!command.BatchFile().empty()) {
+        WriteBatchCall(command, _block.get(), shellText);
     } else {
-        std::memcpy(shellText, text.data(), text.size());
+        if (!text.empty()) std::memcpy(shellText, text.data(), text.size());
         shellText[text.size()] = '\0';
     }
     _shell[0] = const_cast<char*>("sh");

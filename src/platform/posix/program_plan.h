@@ -1,24 +1,26 @@
-// Which program a command line names on Linux, and what that program gets as arguments.
+// The program of a command on Linux, and its arguments.
 #ifndef PLATFORM_POSIX_PROGRAM_PLAN_H
 #define PLATFORM_POSIX_PROGRAM_PLAN_H
 
+#include <memory>
+
 #include "base/command_line.h"
+#include "base/memory.h"
 
 namespace zel {
 
-// Everything that a child needs for execve, made before there is a child.
+// Everything that a child needs for execve, prepared before the child exists.
 //
-// The program word is a path value: its backslashes become slashes. Without a separator it is looked for along PATH.
-// A name that ends with ".bat" is looked for in the working directory first, and needs no permission to be executed.
-// "cmd /c" is the shell with the rest of the line, of which only a leading batch file's name is touched.
+// The program word is a path value: its backslashes become slashes. Without a separator it is searched along PATH.
+// The name of a batch file is searched in the working directory first, and the file needs no permission to be executed.
+// The shell serves as the command interpreter; in its text, only the name of a leading batch file is changed.
 struct ProgramPlan {
     ProgramPlan() noexcept = default;
     ProgramPlan(const ProgramPlan&) = delete;
     ProgramPlan& operator=(const ProgramPlan&) = delete;
-    ~ProgramPlan();
 
-    // False when memory ran out. The words are used and changed, and must outlive the plan.
-    bool Make(const CommandWords& words) noexcept;
+    // False when memory ran out. The plan changes the words of the command, which must outlive it.
+    bool Make(const Command& command) noexcept;
 
     const char* program = "";
     char** arguments = nullptr;
@@ -27,10 +29,10 @@ struct ProgramPlan {
     char* candidate = nullptr;         // room for a place of the search path and the program's name
 
 private:
-    bool MakeInterpreterCall(const CommandWords& words) noexcept;
+    bool MakeInterpreterCall(const Command& command) noexcept;
     bool SetProgram(const char* word) noexcept;
 
-    char* _block = nullptr;  // malloc'd: the program's path, or the shell's text
+    std::unique_ptr<char[], FreeBlock> _block;  // the path of the program, or the text for the shell
     char* _shell[4] = {};
 };
 

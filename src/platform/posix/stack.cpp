@@ -2,6 +2,7 @@
 
 #include "platform/stack.h"
 
+#include <cxxabi.h>
 #include <dlfcn.h>
 #include <execinfo.h>
 
@@ -19,6 +20,11 @@ int zel::CaptureStack(void** frames, int limit, int skip) noexcept {
     const int count = std::min(found - first, limit);
     std::copy_n(all + first, count, frames);
     return count;
+}
+
+char* zel::Demangle(const char* symbol) noexcept {
+    int status = -1;
+    return abi::__cxa_demangle(symbol, nullptr, nullptr, &status);
 }
 
 void zel::DescribeFrame(const void* address, FrameName& name) noexcept {

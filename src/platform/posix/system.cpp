@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 
@@ -65,12 +67,13 @@ bool zel::PutEnvironment(const char* assignment) noexcept {
     const char* const equals = std::strchr(assignment, '=');
     if (equals == nullptr || equals == assignment) return false;
     // Only a copy of the name is needed: the C runtime copies what it keeps.
-    char* const name = strndup(assignment, static_cast<std::size_t>(equals - assignment));
+    const std::string_view written(assignment, static_cast<std::size_t>(equals - assignment));
+    char* const name = CopyText(written);
     if (name == nullptr) {
-        ReportAllocFailure("PutEnvironment", static_cast<std::size_t>(equals - assignment));
+        ReportAllocFailure("PutEnvironment", written.size());
         return false;
     }
     const int result = equals[1] != '\0' ? setenv(name, equals + 1, 1) : unsetenv(name);
-    std::free(name);
+    Free(name);
     return result == 0;
 }

@@ -1,4 +1,4 @@
-// Threads by the C library's own calls. What a new thread is to call travels in a block that the thread frees.
+// Threads by the C library's own calls. A new thread gets its function in a block, which it frees.
 
 #include "platform/threads.h"
 
@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <new>
+
+#include "base/failure_report.h"
+#include "base/memory.h"
 
 using namespace zel;
 
@@ -20,7 +22,7 @@ struct Call {
 
 void* MakeCall(void* made) {
     const Call call = *static_cast<Call*>(made);
-    delete static_cast<Call*>(made);
+    ZELDelete(static_cast<Call*>(made));
     call.body(call.argument);
     return nullptr;
 }
@@ -38,15 +40,18 @@ void zel::NameCurrentThread(const char* name) noexcept {
 }
 
 bool zel::StartThread(void (*body)(void* argument), void* argument) noexcept {
-    auto* const call = new (std::nothrow) Call{body, argument};
-    if (call == nullptr) return false;
+    auto* const call = ZELNew<Call>(body, argument);
+    if (call == nullptr) {
+        ReportAllocFailure("StartThread", sizeof(Call));
+        return false;
+    }
     pthread_attr_t detached;
     pthread_attr_init(&detached);
     pthread_attr_setdetachstate(&detached, PTHREAD_CREATE_DETACHED);
     pthread_t thread;
     const bool started = pthread_create(&thread, &detached, MakeCall, call) == 0;
     pthread_attr_destroy(&detached);
-    if (!started) delete call;
+    if (!started) ZELDelete(call);
     return started;
 }
 

@@ -12,12 +12,12 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <new>
 #include <utility>
 
 #include "base/failure_report.h"
+#include "base/growing_array.h"
 #include "platform/native_path.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entry_kind.h"
@@ -48,11 +48,10 @@ struct TreeCursor::State {
     State(const State&) = delete;
     State& operator=(const State&) = delete;
     ~State() {
-        for (std::size_t i = firstOpen; i < depth; ++i) close(levels[i].descriptor);
-        std::free(levels);
+        for (std::size_t i = firstOpen; i < levels.Size(); ++i) close(levels[i].descriptor);
     }
 
-    int Current() const noexcept { return levels[depth - 1].descriptor; }
+    int Current() const noexcept { return levels[levels.Size() - 1].descriptor; }
     bool MakeRoom() noexcept;
     bool CloseOldest() noexcept;
     Descriptor OpenBelow(int folder, const char* name, int flags) noexcept;
@@ -61,10 +60,8 @@ struct TreeCursor::State {
 
     const NativePath top;
     const bool removing;
-    Level* levels = nullptr;
-    std::size_t depth = 0;
-    std::size_t capacity = 0;
-    std::size_t firstOpen = 0;  // the levels in front of it are closed, all others open
+    GrowingArray<Level> levels;  // from the top to the current directory
+    std::size_t firstOpen = 0;   // the levels before it are closed, all others open
 
     std::size_t filled = 0;  // bytes of `records`
     std::size_t at = 0;
@@ -72,21 +69,16 @@ struct TreeCursor::State {
 };
 
 bool TreeCursor::State::MakeRoom() noexcept {
-    if (depth < capacity) return true;
-    const std::size_t wanted = capacity == 0 ? 64 : capacity * 2;
-    void* const grown = std::realloc(levels, wanted * sizeof(Level));
-    if (grown == nullptr) {
-        ReportAllocFailure("TreeCursor", wanted * sizeof(Level));
-        return false;
-    }
-    levels = static_cast<Level*>(grown);
-    capacity = wanted;
-    return true;
+    if (levels.Size() < levels.Capacity()) return true;
+    const std::size_t wanted = std::max(std::size_t{64}, levels.Capacity() * 2);
+    if (levels.Reserve(wanted)) return true;
+    ReportAllocFailure("TreeCursor", wanted * sizeof(Level));
+    return false;
 }
 
 // Never the current level.
 bool TreeCursor::State::CloseOldest() noexcept {
-    if (firstOpen + 1 >= depth) return false;
+    if (firstOpen + 1 >= levels.Size()) return false;
     close(std::exchange(levels[firstOpen].descriptor, -1));
     ++firstOpen;
     return true;
@@ -110,28 +102,28 @@ bool TreeCursor::State::Push(Descriptor directory) noexcept {
     if (!directory.IsOpen() || fstat(directory.Number(), &status) != 0 || !MakeRoom()) return false;
     // Another's directory refuses; removing what is in it then tells.
     if (removing && (status.st_mode & OwnerRights) != OwnerRights) (void)fchmod(directory.Number(), OwnerRights);
-    levels[depth++] = {directory.Release(), status.st_dev, status.st_ino};
-    if (depth - firstOpen > MostOpen) CloseOldest();
+    levels.Append({directory.Release(), status.st_dev, status.st_ino});
+    if (levels.Size() - firstOpen > MostOpen) CloseOldest();
     filled = at = 0;
     return true;
 }
 
 bool TreeCursor::State::ReopenParent() noexcept {
-    Level& parent = levels[depth - 2];
+    Level& parent = levels[levels.Size() - 2];
     const int flags = O_PATH | O_DIRECTORY | O_CLOEXEC;  // needs no right to list, which was done before
     Descriptor directory(RetryInterrupted([&] { return openat(Current(), "..", flags); }));
     struct stat status;
     if (!directory.IsOpen() || fstat(directory.Number(), &status) != 0) return false;
     if (status.st_dev != parent.device || status.st_ino != parent.inode) return false;
     parent.descriptor = directory.Release();
-    firstOpen = depth - 2;
+    firstOpen = levels.Size() - 2;
     return true;
 }
 
 bool TreeCursor::Open(const char* top) noexcept {
     if (top == nullptr || *top == '\0' || _state != nullptr) return false;
     const bool removing = _purpose == Purpose::Remove;
-    _state = new (std::nothrow) State(top, removing);
+    _state = ZELNew<State>(top, removing);
     if (_state == nullptr) ReportAllocFailure("TreeCursor", sizeof(State));
     if (_state == nullptr || _state->top.Text() == nullptr) return false;
     const int flags = OpenFlags | (removing ? O_NOFOLLOW : 0);
@@ -139,11 +131,11 @@ bool TreeCursor::Open(const char* top) noexcept {
 }
 
 void TreeCursor::Close() noexcept {
-    delete std::exchange(_state, nullptr);
+    ZELDelete(std::exchange(_state, nullptr));
 }
 
 ListingStep TreeCursor::Next(const char** name, EntryKind* kind) noexcept {
-    if (_state == nullptr || _state->depth == 0) return ListingStep::Error;
+    if (_state == nullptr || _state->levels.IsEmpty()) return ListingStep::Error;
     State& state = *_state;
     for (;;) {
         if (state.at == state.filled) {
@@ -163,14 +155,15 @@ ListingStep TreeCursor::Next(const char** name, EntryKind* kind) noexcept {
 }
 
 bool TreeCursor::Enter(const char* name) noexcept {
-    if (_state == nullptr || _state->depth == 0) return false;
+    if (_state == nullptr || _state->levels.IsEmpty()) return false;
     return _state->Push(_state->OpenBelow(_state->Current(), name, OpenFlags | O_NOFOLLOW));
 }
 
 bool TreeCursor::Leave() noexcept {
-    if (_state == nullptr || _state->depth < 2) return false;
-    if (_state->firstOpen == _state->depth - 1 && !_state->ReopenParent()) return false;
-    close(_state->levels[--_state->depth].descriptor);
+    if (_state == nullptr || _state->levels.Size() < 2) return false;
+    if (_state->firstOpen == _state->levels.Size() - 1 && !_state->ReopenParent()) return false;
+    close(_state->Current());
+    _state->levels.RemoveLast();
     return true;
 }
 

@@ -6,9 +6,9 @@
 
 #include <cstdio>
 #include <cstring>
-#include <new>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/native_path.h"
 #include "platform/windows/file_look.h"
 
@@ -49,7 +49,7 @@ bool DirectoryListing::Open(const char* path) noexcept {
     const NativePath native(path);
     char pattern[MAX_PATH + 2];
     if (native.Text() == nullptr || !MakePattern(native.Text(), pattern)) return false;
-    Search* const search = new (std::nothrow) Search;
+    Search* const search = ZELNew<Search>();
     if (search == nullptr) {
         ReportAllocFailure("DirectoryListing", sizeof(Search));
         return false;
@@ -57,7 +57,7 @@ bool DirectoryListing::Open(const char* path) noexcept {
     search->handle = FindFirstFileA(pattern, &search->found);
     search->waiting = search->handle != INVALID_HANDLE_VALUE;
     if (!search->waiting && GetLastError() != ERROR_FILE_NOT_FOUND) {
-        delete search;
+        ZELDelete(search);
         return false;
     }
     _state = search;
@@ -67,7 +67,7 @@ bool DirectoryListing::Open(const char* path) noexcept {
 void DirectoryListing::Close() noexcept {
     Search* const search = static_cast<Search*>(_state);
     if (search != nullptr && search->handle != INVALID_HANDLE_VALUE) FindClose(search->handle);
-    delete search;
+    ZELDelete(search);
     _state = nullptr;
 }
 

@@ -6,7 +6,6 @@
 
 #include "platform/native_path.h"
 #include "platform/windows/file_look.h"
-#include "platform/windows/file_time.h"
 
 using namespace zel;
 

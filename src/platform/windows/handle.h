@@ -1,9 +1,10 @@
-// Handles that close themselves.
+// Two values of the system that most files of this folder use: handles and times.
 #ifndef PLATFORM_WINDOWS_HANDLE_H
 #define PLATFORM_WINDOWS_HANDLE_H
 
 #include <windows.h>
 
+#include <cstdint>
 #include <utility>
 
 namespace zel {
@@ -28,6 +29,11 @@ public:
 private:
     HANDLE _handle;
 };
+
+// A time as a number: units of 100 nanoseconds since 1601.
+inline std::int64_t Ticks(const FILETIME& time) noexcept {
+    return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+}
 
 }  // namespace zel
 

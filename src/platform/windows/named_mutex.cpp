@@ -4,21 +4,14 @@
 
 #include <windows.h>
 
-#include <cstddef>
-#include <memory>
-#include <new>
+#include "platform/windows/wide_text.h"
 
 using namespace zel;
 
 NamedMutex::NamedMutex(std::string_view name) noexcept {
-    const int bytes = static_cast<int>(name.size());
-    const int units = name.empty() ? 0 : MultiByteToWideChar(CP_ACP, 0, name.data(), bytes, nullptr, 0);
-    if (name.empty() != (units == 0)) return;
-    const std::unique_ptr<wchar_t[]> wide(new (std::nothrow) wchar_t[static_cast<std::size_t>(units) + 1]);
-    if (!wide) return;
-    if (units != 0) MultiByteToWideChar(CP_ACP, 0, name.data(), bytes, wide.get(), units);
-    wide[static_cast<std::size_t>(units)] = L'\0';
-    _state = static_cast<State*>(CreateMutexW(nullptr, FALSE, units != 0 ? wide.get() : nullptr));
+    const WideText wide(name);
+    if (wide.Text() == nullptr || name.empty() != (wide.Length() == 0)) return;
+    _state = static_cast<State*>(CreateMutexW(nullptr, FALSE, name.empty() ? nullptr : wide.Text()));
 }
 
 NamedMutex::~NamedMutex() {

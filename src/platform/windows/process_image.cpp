@@ -6,9 +6,10 @@
 //
 #include <psapi.h>
 
-#include <cstdlib>
 #include <cstring>
 
+#include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/windows/handle.h"
 
 using namespace zel;
@@ -30,8 +31,12 @@ bool zel::MakeImagePrefix(const char* directory, char*& prefix) noexcept {
     const char* const rest = directory + (hasDrive ? 2 : 1);
     const std::size_t targetSize = std::strlen(target);
     const std::size_t restSize = std::strlen(rest);
-    prefix = static_cast<char*>(std::malloc(targetSize + restSize + 2));
-    if (prefix == nullptr) return false;
+    const std::size_t size = targetSize + restSize + 2;
+    prefix = AllocateArray<char>(size);
+    if (prefix == nullptr) {
+        ReportAllocFailure("ImagePrefix", size);
+        return false;
+    }
     std::memcpy(prefix, target, targetSize);
     std::memcpy(prefix + targetSize, rest, restSize);
     std::memcpy(prefix + targetSize + restSize, "\\", 2);

@@ -6,7 +6,6 @@
 
 #include <windows.h>
 
-#include "platform/windows/file_time.h"
 #include "platform/windows/handle.h"
 
 using namespace zel;

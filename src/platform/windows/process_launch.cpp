@@ -10,12 +10,11 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
-#include "base/command_line.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/native_path.h"
 #include "platform/system.h"
 #include "platform/windows/handle.h"
@@ -49,7 +48,7 @@ public:
         while (own[length] != L'\0') length += std::wcslen(own + length) + 1;
         constexpr std::size_t MarkRoom = 32;
         const std::size_t size = (length + MarkRoom + 1) * sizeof(wchar_t);
-        _text = static_cast<wchar_t*>(std::malloc(size));
+        _text = static_cast<wchar_t*>(Allocate(size));
         if (_text != nullptr)
             Write(own);
         else
@@ -58,7 +57,7 @@ public:
     }
     ChildEnvironment(const ChildEnvironment&) = delete;
     ChildEnvironment& operator=(const ChildEnvironment&) = delete;
-    ~ChildEnvironment() { std::free(_text); }
+    ~ChildEnvironment() { Free(_text); }
 
     wchar_t* Text() const noexcept { return _text; }
 
@@ -192,11 +191,11 @@ void ChildProcess::Close() noexcept {
     _pid = 0;
 }
 
-bool zel::Launch(const char* line, const ChildFile& input, const ChildFile& output, ChildProcess& child,
+bool zel::Launch(const Command& command, const ChildFile& input, const ChildFile& output, ChildProcess& child,
                  LaunchFailure& failure) noexcept {
-    const WideText wide(line);
+    const WideText wide(command.IsComplete() ? command.Line() : "");
     const ChildEnvironment environment;
-    if (wide.Text() == nullptr || environment.Text() == nullptr) {
+    if (!command.IsComplete() || wide.Text() == nullptr || environment.Text() == nullptr) {
         Describe(ERROR_NOT_ENOUGH_MEMORY, failure);
         return false;
     }

@@ -8,12 +8,11 @@
 #include <psapi.h>
 #include <winternl.h>
 
-#include <cstdlib>
 #include <ctime>
 #include <utility>
 
 #include "base/failure_report.h"
-#include "platform/windows/file_time.h"
+#include "base/growing_array.h"
 #include "platform/windows/handle.h"
 
 using namespace zel;
@@ -43,20 +42,20 @@ bool ReadParent(HANDLE process, int& parent) {
     return true;
 }
 
-// The list of all numbers, malloc'd; null on failure.
-DWORD* ListNumbers(std::size_t& count) {
+// Fills `numbers` with those of all processes. The list is complete when it leaves room.
+bool ListNumbers(GrowingArray<DWORD>& numbers) {
     constexpr std::size_t First = 1024;
-    for (std::size_t room = First;; room *= 2) {
+    for (std::size_t room = First; numbers.Size() == numbers.Capacity(); room *= 2) {
         const std::size_t size = room * sizeof(DWORD);
-        auto* const numbers = static_cast<DWORD*>(std::malloc(size));
-        if (numbers == nullptr) ReportAllocFailure("ProcessTable", size);
         DWORD used = 0;
-        const bool isListed = numbers != nullptr && EnumProcesses(numbers, static_cast<DWORD>(size), &used);
-        count = used / sizeof(DWORD);
-        if (isListed && count < room) return numbers;
-        std::free(numbers);
-        if (!isListed) return nullptr;
+        if (!numbers.Reserve(room)) {
+            ReportAllocFailure("ProcessTable", size);
+            return false;
+        }
+        if (!EnumProcesses(numbers.Data(), static_cast<DWORD>(size), &used)) return false;
+        numbers.SetSize(used / sizeof(DWORD));
     }
+    return true;
 }
 
 }  // namespace
@@ -72,14 +71,12 @@ bool zel::ReadProcess(int pid, ProcessEntry& entry) noexcept {
 }
 
 bool zel::VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
-    std::size_t count = 0;
-    DWORD* const numbers = ListNumbers(count);
-    if (numbers == nullptr) return false;
-    for (std::size_t i = 0; i < count; ++i) {
+    GrowingArray<DWORD> numbers;
+    if (!ListNumbers(numbers)) return false;
+    for (const DWORD number : numbers) {
         ProcessEntry entry;
-        if (ReadProcess(static_cast<int>(numbers[i]), entry) && !entry.hasEnded) visit(entry, context);
+        if (ReadProcess(static_cast<int>(number), entry) && !entry.hasEnded) visit(entry, context);
     }
-    std::free(numbers);
     return true;
 }
 

@@ -6,6 +6,7 @@
 
 #include <windows.h>
 //
+#include <cxxabi.h>
 #include <dbghelp.h>
 
 #include <algorithm>
@@ -64,6 +65,11 @@ int zel::CaptureStack(void** frames, int limit, int skip) noexcept {
     const int found = CaptureStackBackTrace(static_cast<DWORD>(skip) + 1, static_cast<DWORD>(limit), frames, nullptr);
     // Below a thread's first function the walk may run into memory that holds no frames.
     return static_cast<int>(std::find(frames, frames + found, nullptr) - frames);
+}
+
+char* zel::Demangle(const char* symbol) noexcept {
+    int status = -1;
+    return abi::__cxa_demangle(symbol, nullptr, nullptr, &status);
 }
 
 void zel::DescribeFrame(const void* address, FrameName& name) noexcept {

@@ -1,12 +1,12 @@
-// Threads by the C runtime's and the system's calls. What a new thread is to call travels in a block that the thread
-// frees.
+// Threads by the calls of the C runtime and of the system. A new thread gets its function in a block, which it frees.
 
 #include "platform/threads.h"
 
 #include <process.h>
 #include <windows.h>
 
-#include <new>
+#include "base/failure_report.h"
+#include "base/memory.h"
 
 using namespace zel;
 
@@ -19,7 +19,7 @@ struct Call {
 
 unsigned __stdcall MakeCall(void* made) {
     const Call call = *static_cast<Call*>(made);
-    delete static_cast<Call*>(made);
+    ZELDelete(static_cast<Call*>(made));
     call.body(call.argument);
     return 0;
 }
@@ -42,12 +42,15 @@ void zel::NameCurrentThread(const char* name) noexcept {
 }
 
 bool zel::StartThread(void (*body)(void* argument), void* argument) noexcept {
-    auto* const call = new (std::nothrow) Call{body, argument};
-    if (call == nullptr) return false;
+    auto* const call = ZELNew<Call>(body, argument);
+    if (call == nullptr) {
+        ReportAllocFailure("StartThread", sizeof(Call));
+        return false;
+    }
     // The C runtime's call, which gives back at the thread's end what the runtime keeps for it.
     const auto thread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, MakeCall, call, 0, nullptr));
     if (thread == nullptr) {
-        delete call;
+        ZELDelete(call);
         return false;
     }
     CloseHandle(thread);

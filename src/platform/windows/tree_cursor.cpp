@@ -9,10 +9,10 @@
 
 #include <cstdio>
 #include <cstring>
-#include <new>
 #include <utility>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/native_path.h"
 #include "platform/windows/file_look.h"
 #include "platform/windows/handle.h"
@@ -91,7 +91,7 @@ bool TreeCursor::Open(const char* top) noexcept {
     const std::size_t length = std::strlen(native.Text());
     if (length >= sizeof _state->path) return false;
     const bool removing = _purpose == Purpose::Remove;
-    _state = new (std::nothrow) State(removing);
+    _state = ZELNew<State>(removing);
     if (_state == nullptr) {
         ReportAllocFailure("TreeCursor", sizeof(State));
         return false;
@@ -101,7 +101,7 @@ bool TreeCursor::Open(const char* top) noexcept {
 }
 
 void TreeCursor::Close() noexcept {
-    delete std::exchange(_state, nullptr);
+    ZELDelete(std::exchange(_state, nullptr));
 }
 
 ListingStep TreeCursor::Next(const char** name, EntryKind* kind) noexcept {

@@ -8,20 +8,20 @@ using namespace zel;
 
 namespace {
 
-void* AddressOf(const std::atomic<std::uint32_t>& word) {
-    return const_cast<std::atomic<std::uint32_t>*>(&word);
+void* AddressOf(const ZELAtomic<std::uint32_t>& word) {
+    return const_cast<ZELAtomic<std::uint32_t>*>(&word);
 }
 
 }  // namespace
 
-void zel::WaitOnWord(const std::atomic<std::uint32_t>& word, std::uint32_t value) noexcept {
+void zel::WaitOnWord(const ZELAtomic<std::uint32_t>& word, std::uint32_t value) noexcept {
     WaitOnAddress(AddressOf(word), &value, sizeof value, INFINITE);
 }
 
-void zel::WakeOne(const std::atomic<std::uint32_t>& word) noexcept {
+void zel::WakeOne(const ZELAtomic<std::uint32_t>& word) noexcept {
     WakeByAddressSingle(AddressOf(word));
 }
 
-void zel::WakeAll(const std::atomic<std::uint32_t>& word) noexcept {
+void zel::WakeAll(const ZELAtomic<std::uint32_t>& word) noexcept {
     WakeByAddressAll(AddressOf(word));
 }

@@ -3,10 +3,10 @@
 #define PLATFORM_WINDOWS_WIDE_TEXT_H
 
 #include <cstddef>
-#include <cstdlib>
 #include <string_view>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/text.h"
 
 namespace zel {
@@ -16,7 +16,7 @@ class WideText {
 public:
     explicit WideText(std::string_view text) noexcept {
         const std::size_t size = (text.size() + 1) * sizeof(wchar_t);  // no byte gives more than one unit
-        _text = static_cast<wchar_t*>(std::malloc(size));
+        _text = static_cast<wchar_t*>(Allocate(size));
         if (_text == nullptr) {
             ReportAllocFailure("WideText", size);
             return;
@@ -26,7 +26,7 @@ public:
     }
     WideText(const WideText&) = delete;
     WideText& operator=(const WideText&) = delete;
-    ~WideText() { std::free(_text); }
+    ~WideText() { Free(_text); }
 
     // Null when memory ran out (said on standard output).
     wchar_t* Text() const noexcept { return _text; }
