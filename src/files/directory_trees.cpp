@@ -7,7 +7,7 @@
 #include "TAFileUtilities.h"
 #include "files/tree_walk.h"
 #include "paths/path_names.h"
-#include "text/list_text.h"
+#include "text/string_list.h"
 
 using namespace zel;
 

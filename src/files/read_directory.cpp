@@ -12,7 +12,7 @@
 #include "paths/path_names.h"
 #include "platform/directories.h"
 #include "platform/file_actions.h"
-#include "text/list_text.h"
+#include "text/string_list.h"
 #include "text/wildcard.h"
 
 using namespace zel;

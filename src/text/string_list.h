@@ -1,6 +1,6 @@
 // Filling lists of texts without copying a text twice.
-#ifndef TEXT_LIST_TEXT_H
-#define TEXT_LIST_TEXT_H
+#ifndef TEXT_STRING_LIST_H
+#define TEXT_STRING_LIST_H
 
 #include <string_view>
 

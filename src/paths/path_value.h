@@ -1,7 +1,7 @@
 // The one form in which every path value is kept: backslashes, no empty or "." components, no ".." that can be taken
 // back, no backslash at the end.
-#ifndef PATHS_NORMALISE_H
-#define PATHS_NORMALISE_H
+#ifndef PATHS_PATH_VALUE_H
+#define PATHS_PATH_VALUE_H
 
 #include <cstddef>
 
