@@ -266,7 +266,11 @@ void ZELHashSCMap::ReleaseAll() noexcept {
     std::free(_table);
 }
 
-// What users call.
+// The public interface.
+
+ZELMapIterator::~ZELMapIterator() = default;
+
+ZELMap::~ZELMap() = default;
 
 int ZELHashSCMap::size() {
     return _count;

@@ -13,9 +13,9 @@
 #include <cstring>
 #include <utility>
 
+#include "ZELToken.h"
 #include "base/failure_report.h"
 #include "base/utf8.h"
-#include "foundations/scan_number.h"
 
 using namespace zel;
 
@@ -161,10 +161,6 @@ const char* ZELUnicodeString::ConvertToChar() const noexcept {
     return known;
 }
 
-int ZELUnicodeString::ConvertToNum(int* value, const char* format) const noexcept {
-    return value != nullptr ? ScanNumber(View(), ZELUnicodeString(format).View(), value) : 0;
-}
-
 ZELUnicodeString ZELUnicodeString::Strip(ZELStripMode mode, const ZELUnicodeChar& c) const noexcept {
     if (_isNull) return *this;
     std::u32string_view rest = View();
@@ -209,4 +205,18 @@ void ZELUnicodeString::Recompose(std::size_t joint) noexcept {
     while (!rest.empty()) *out++ = TakeUtf8(rest);
     out = std::copy(units + last, units + _length, out);
     _length = static_cast<std::uint32_t>(out - units);
+}
+
+// The tokenizer. Each call costs the length of the text that it passes, times the number of separators.
+
+ZELToken::ZELToken(const ZELUnicodeString& text) noexcept : _text(text) {}
+
+ZELToken::~ZELToken() = default;
+
+ZELUnicodeString ZELToken::GetNextToken(const ZELUnicodeString& separators) noexcept {
+    const std::u32string_view text = _text.View();
+    const std::size_t start = std::min(text.find_first_not_of(separators.View(), _position), text.size());
+    const std::size_t end = std::min(text.find_first_of(separators.View(), start), text.size());
+    _position = std::min(end + 1, text.size());
+    return ZELUnicodeString(text.substr(start, end - start));
 }

@@ -19,7 +19,6 @@
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
 #include "base/failure_report.h"
-#include "paths/path_names.h"
 #include "paths/path_value.h"
 #include "platform/file_actions.h"
 #include "platform/native_path.h"

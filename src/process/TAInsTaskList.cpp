@@ -12,7 +12,7 @@
 #include "ZELString.h"
 #include "base/failure_report.h"
 #include "base/memory.h"
-#include "paths/path_names.h"
+#include "paths/path_value.h"
 #include "platform/process_image.h"
 #include "platform/process_table.h"
 #include "process/child_ledger.h"

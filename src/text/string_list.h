@@ -1,4 +1,4 @@
-// Filling lists of texts without copying a text twice.
+// Lists of texts, for the loops of the library that fill them.
 #ifndef TEXT_STRING_LIST_H
 #define TEXT_STRING_LIST_H
 
@@ -8,15 +8,8 @@
 
 namespace zel {
 
-// Appends a text; false, and the list as it was, when memory runs out.
-inline bool AppendText(ZELListValZELString& list, std::string_view text) noexcept {
-    if (list.Append(ZELString()) != 0) return false;
-    ZELString& added = list[list.Size()];
-    added = ZELString(text);
-    if (added.View().size() == text.size()) return true;
-    list.RemovePosition(list.Size());
-    return false;
-}
+// Appends a text without copying it twice. False, and the list unchanged, when memory runs out.
+bool AppendText(ZELListValZELString& list, std::string_view text) noexcept;
 
 }  // namespace zel
 
