@@ -41,6 +41,7 @@
 #include "ZELFwModRespHelper.h"
 #include "ZELHashRWMap.h"
 #include "ZELHashSCMap.h"
+#include "ZELHeapObject.h"
 #include "ZELIndexArrays.h"
 #include "ZELListPtr.h"
 #include "ZELListVal.h"

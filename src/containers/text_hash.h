@@ -22,8 +22,6 @@ namespace zel {
 
 static_assert(std::endian::native == std::endian::little);
 
-namespace hash_text {
-
 inline constexpr std::size_t Step = 16;
 
 inline constexpr std::array<std::uint32_t, Step + 1> powers = [] {
@@ -40,7 +38,7 @@ alignas(16) inline constexpr std::array<std::uint8_t, 2 * Step> keepLast = [] {
 }();
 
 template <class Word>
-Word Load(const char* bytes) noexcept {
+Word LoadWord(const char* bytes) noexcept {
     Word word;
     std::memcpy(&word, bytes, sizeof word);
     return word;
@@ -72,12 +70,12 @@ inline __m128i LoadShort(std::string_view text) noexcept {
     std::uint64_t front = 0;
     std::uint64_t back = 0;
     if (size >= 8) {
-        front = size > 8 ? Load<std::uint64_t>(begin) << (8 * (16 - size)) : 0;
-        back = Load<std::uint64_t>(begin + size - 8);
+        front = size > 8 ? LoadWord<std::uint64_t>(begin) << (8 * (16 - size)) : 0;
+        back = LoadWord<std::uint64_t>(begin + size - 8);
     } else if (size >= 4) {
-        const std::uint64_t first = Load<std::uint32_t>(begin);
+        const std::uint64_t first = LoadWord<std::uint32_t>(begin);
         back = ((first << (8 * (8 - size))) & 0xFFFFFFFF) |
-               static_cast<std::uint64_t>(Load<std::uint32_t>(begin + size - 4)) << 32;
+               static_cast<std::uint64_t>(LoadWord<std::uint32_t>(begin + size - 4)) << 32;
     } else {
         for (const char byte : text)
             back = back >> 8 | static_cast<std::uint64_t>(static_cast<std::uint8_t>(byte)) << 56;
@@ -85,11 +83,8 @@ inline __m128i LoadShort(std::string_view text) noexcept {
     return _mm_set_epi64x(static_cast<std::int64_t>(back), static_cast<std::int64_t>(front));
 }
 
-}  // namespace hash_text
-
 // Inlined also where compilers find it large: it is a third of a look-up, and its steps overlap with what follows.
 [[gnu::always_inline]] inline std::uint32_t HashText(std::string_view text) noexcept {
-    using namespace hash_text;
     if (text.size() < Step) return HashStep(LoadShort(text));
     const char* at = text.data();
     const char* const end = at + text.size();

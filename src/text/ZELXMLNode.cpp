@@ -12,9 +12,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <utility>
 
+#include "ZELMemory.h"
 #include "base/failure_report.h"
 #include "text/xml_text.h"
 
@@ -71,7 +71,7 @@ void ZELXMLNode::DeleteNodes() noexcept {
             pending = node;
         }
         parent->_nodes.RemoveAll(ZELCollec::ReleaseMemory);
-        if (parent != this) delete parent;
+        if (parent != this) ZELDelete(parent);
         if (pending == nullptr) return;
         parent = std::exchange(pending, pending->_next);
     }
@@ -120,7 +120,7 @@ bool ZELXMLNode::CopyTree(const ZELXMLNode& other) noexcept {
         }
         ZELXMLNode* const copy = MakeNode();
         if (copy == nullptr || !copy->CopyOwn(original) || !parent->Adopt(copy)) {
-            delete copy;
+            ZELDelete(copy);
             return false;
         }
         parent = copy;
@@ -134,7 +134,7 @@ bool ZELXMLNode::CopyTree(const ZELXMLNode& other) noexcept {
 }
 
 ZELXMLNode* ZELXMLNode::MakeNode() noexcept {
-    auto* const node = new (std::nothrow) ZELXMLNode;
+    auto* const node = ZELNew<ZELXMLNode>();
     if (node == nullptr) ReportAllocFailure("ZELXMLNode", sizeof(ZELXMLNode));
     return node;
 }
@@ -151,7 +151,7 @@ bool ZELXMLNode::Adopt(ZELXMLNode* node) noexcept {
 // Adopts `node`, or deletes it, and tells the listeners.
 ZELXMLNode& ZELXMLNode::AddOwned(ZELXMLNode* node) noexcept {
     if (node == nullptr || !Adopt(node)) {
-        delete node;
+        ZELDelete(node);
         return ZELFreshValue<ZELXMLNode>();
     }
     int position = 1;
@@ -168,7 +168,7 @@ ZELXMLNode& ZELXMLNode::AddOwned(ZELXMLNode* node) noexcept {
 ZELXMLNode& ZELXMLNode::AddNode(const ZELXMLNode& node) noexcept {
     ZELXMLNode* copy = MakeNode();
     if (copy != nullptr && !copy->CopyTree(node)) {
-        delete copy;
+        ZELDelete(copy);
         copy = nullptr;
     }
     return AddOwned(copy);

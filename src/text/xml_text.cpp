@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <iterator>
 
+#include "base/ascii.h"
 #include "base/utf8.h"
 
 using namespace zel;
@@ -32,12 +33,11 @@ bool IsIn(const Range (&ranges)[Count], char32_t code) noexcept {
 }
 
 bool IsNameStart(char32_t code) noexcept {
-    const char32_t folded = code | 0x20;
-    return (folded >= 'a' && folded <= 'z') || code == '_' || code == ':' || IsIn(NameStarts, code);
+    return IsAsciiLetter(code) || code == '_' || code == ':' || IsIn(NameStarts, code);
 }
 
 bool IsNamePart(char32_t code) noexcept {
-    return IsNameStart(code) || (code >= '0' && code <= '9') || code == '-' || code == '.' || IsIn(NameParts, code);
+    return IsNameStart(code) || IsAsciiDigit(code) || code == '-' || code == '.' || IsIn(NameParts, code);
 }
 
 // The other form of a character, or an empty text where it stands for itself.
