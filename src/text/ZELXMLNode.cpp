@@ -22,7 +22,17 @@ using namespace zel;
 
 ZELXMLNodeListener::~ZELXMLNodeListener() = default;
 
-ZELXMLNode::ZELXMLNode(const char* tag) noexcept : _tag(MakeXMLName(tag != nullptr ? tag : "")) {}
+namespace {
+
+ZELString NameOf(const char* text) noexcept {
+    return MakeXMLName(text != nullptr ? text : "");
+}
+
+}  // namespace
+
+ZELXMLNode::ZELXMLNode(const char* tag) noexcept : _tag(NameOf(tag)) {
+    if (_tag.Length() == 0) _tag = "_";
+}
 
 ZELXMLNode::ZELXMLNode(const ZELXMLNode& other) noexcept {
     if (CopyTree(other)) return;
@@ -175,14 +185,14 @@ ZELXMLNode& ZELXMLNode::AddNode(const ZELXMLNode& node) noexcept {
 }
 
 ZELXMLNode& ZELXMLNode::AddNode(const char* tag) noexcept {
-    ZELXMLNode* const node = MakeNode();
-    if (node != nullptr) node->_tag = MakeXMLName(tag != nullptr ? tag : "");
+    ZELXMLNode* node = MakeNode();
+    if (node != nullptr && (node->_tag = NameOf(tag)).Length() == 0) ZELDelete(std::exchange(node, nullptr));
     return AddOwned(node);
 }
 
 int ZELXMLNode::LocateNode(const char* tag, int from) const noexcept {
     if (from < 1) return 0;
-    const ZELString wanted = MakeXMLName(tag != nullptr ? tag : "");
+    const ZELString wanted = NameOf(tag);
     for (int position = from; position <= GetNodeCount(); ++position)
         if (GetNode(position)->_tag == wanted) return position;
     return 0;
@@ -194,19 +204,29 @@ int ZELXMLNode::LocateAttribute(const ZELString& name) const noexcept {
     return at == _attributes.end() ? 0 : static_cast<int>(at - _attributes.begin()) + 1;
 }
 
+// The list copies the texts, which are compared since a copy without memory is empty.
+int ZELXMLNode::AppendAttribute(const Attribute& attribute) noexcept {
+    if (_attributes.Append(attribute) != 0) return 1;
+    const Attribute& copy = _attributes[_attributes.Size()];
+    if (copy.name == attribute.name && copy.value == attribute.value) return 0;
+    _attributes.RemovePosition(_attributes.Size());
+    return 1;
+}
+
 int ZELXMLNode::SetAttr(const char* name, const char* value) noexcept {
     if (name == nullptr || *name == '\0') return 1;
-    Attribute attribute{MakeXMLName(name), ZELString(value)};
+    Attribute attribute{NameOf(name), ZELString(value)};
+    if (attribute.name.Length() == 0) return 1;
     if (value != nullptr && static_cast<std::size_t>(attribute.value.Length()) != std::strlen(value)) return 1;
     const int position = LocateAttribute(attribute.name);
-    if (position == 0) return _attributes.Append(attribute);
+    if (position == 0) return AppendAttribute(attribute);
     _attributes[position].value = std::move(attribute.value);
     return 0;
 }
 
 const char* ZELXMLNode::GetAttr(const char* name) const noexcept {
     if (name == nullptr || *name == '\0') return nullptr;
-    const int position = LocateAttribute(MakeXMLName(name));
+    const int position = LocateAttribute(NameOf(name));
     return position != 0 ? _attributes[position].value.CastToCharPtr() : nullptr;
 }
 

@@ -69,15 +69,15 @@ std::string_view Escape(char32_t code, XMLPlace place) noexcept {
 }  // namespace
 
 ZELString zel::MakeXMLName(std::string_view text) noexcept {
-    ZELString name;
-    while (!text.empty()) {
+    XMLOutput name;
+    if (text.empty()) name.Put("_");
+    for (bool isFirst = true; !text.empty(); isFirst = false) {
         const std::string_view before = text;
         const char32_t code = TakeUtf8(text);
-        const bool fits = name.Length() == 0 ? IsNameStart(code) : IsNamePart(code);
-        name.Append(fits ? before.substr(0, before.size() - text.size()) : "_");
+        const bool fits = isFirst ? IsNameStart(code) : IsNamePart(code);
+        name.Put(fits ? before.substr(0, before.size() - text.size()) : "_");
     }
-    if (name.Length() == 0) name.Append("_");
-    return name;
+    return name.HasFailed() ? ZELString() : name.Take();
 }
 
 XMLOutput& XMLOutput::Put(std::string_view piece) noexcept {

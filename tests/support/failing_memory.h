@@ -59,4 +59,22 @@ AllocationFailures FailEachAllocation(Round round, Fallback fallback = Fallback:
     }
 }
 
+// Changes a copy of `before` once for each allocation that may fail. Where the failure is reported, the copy must show
+// what `before` shows, and otherwise the effect of the change. `show` returns what is compared.
+template <class Object, class Change, class Show>
+void ExpectAllOrNothing(const Object& before, Change change, Show show) {
+    Object after(before);
+    change(after);
+    const AllocationFailures failures = FailEachAllocation(
+        [&](FailingMemory& memory) {
+            Object object(before);
+            memory.Begin();
+            change(object);
+            memory.End();
+            EXPECT_TRUE(show(object) == show(memory.Said().empty() ? after : before)) << memory.Said();
+        },
+        Fallback::Possible);
+    EXPECT_GE(failures.count, 1);
+}
+
 #endif
