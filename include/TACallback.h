@@ -14,10 +14,10 @@
 #ifndef TACALLBACK_H
 #define TACALLBACK_H
 
-#include <memory>
-
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELListPtr.h"
+#include "ZELShared.h"
 
 class TACallbackPublisher;
 
@@ -46,7 +46,7 @@ public:
 };
 
 // Copies that were made after the first subscription share one list.
-class ZEL_API TACallbackPublisher {
+class ZEL_API TACallbackPublisher : public ZELHeapObject {
 public:
     TACallbackPublisher() noexcept = default;
     TACallbackPublisher(const TACallbackPublisher&) noexcept = default;
@@ -63,7 +63,7 @@ public:
     int SendCallback(const TAEvent* event);
 
 private:
-    std::shared_ptr<ZELListPtrTACallbackSubscriber> _subscribers;  // null until the first subscription
+    ZELShared<ZELListPtrTACallbackSubscriber> _subscribers;  // null until the first subscription
 };
 
 #endif

@@ -10,6 +10,7 @@
 #define TAENVIRONMENT_H
 
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELPlatformTypes.h"
 #include "ZELString.h"
 
@@ -48,7 +49,7 @@ ZEL_API ZELString TAGetTempDir() noexcept;
 
 // One variable of this process's environment, set through a buffer of fixed capacity. A variable that was set stays set
 // when the object is gone.
-class ZEL_API TAEnvVariable {
+class ZEL_API TAEnvVariable : public ZELHeapObject {
 public:
     // Copies `name`; null and empty stand for no name. `capacity` is the room for a value and its terminator, in bytes;
     // with 0 or less there is no buffer and no value fits. A name with "=" in it sets the variable named before the

@@ -56,10 +56,10 @@ public:
 
     // Without regard to the case of A to Z. The null name equals only itself, a null pointer and "".
     friend bool operator==(const TAFileName& left, const TAFileName& right) noexcept {
-        return EqualsIgnoringCase(left.View(), right.View());
+        return IsSameText(left.View(), right.View());
     }
     friend bool operator==(const TAFileName& left, const char* right) noexcept {
-        return EqualsIgnoringCase(left.View(), right != nullptr ? right : "");
+        return IsSameText(left.View(), right != nullptr ? right : "");
     }
     // Byte for byte: 1 or 0, and -1 when either is the null name.
     int IsEqual(const TAFileName& other) const noexcept;
@@ -145,15 +145,20 @@ private:
         bool normalised;  // false behind an added or replaced extension
         char text[7];     // length + 1 bytes, and room up to what the normaliser may touch
     };
+    struct Text;
 
-    static bool EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept;
+    // Without regard to the case of A to Z.
+    static bool IsSameText(std::string_view left, std::string_view right) noexcept {
+        return left.size() == right.size() && HasSameLetters(left.data(), right.data(), left.size());
+    }
+    static bool HasSameLetters(const char* left, const char* right, std::size_t length) noexcept;
     static Block* NewBlock(std::size_t length) noexcept;
-    static Block* MakeBlock(std::string_view text) noexcept;
-    static Block* MakeBlock(std::string_view first, std::string_view separator, std::string_view second) noexcept;
-    explicit TAFileName(std::string_view path) noexcept;
+    static Block* MakeBlock(const Text& text) noexcept;
+    static Block* MakeBlock(const Text& first, const Text& separator, const Text& second) noexcept;
+    explicit TAFileName(const Text& path) noexcept;
     std::size_t FindLast(char character, std::size_t end) const noexcept;
     TAFileName Part(std::size_t start, std::size_t length) const noexcept;
-    TAFileName Join(std::string_view tail) const noexcept;
+    TAFileName Join(const Text& tail) const noexcept;
     void SetBlock(Block* block) noexcept;
     void Release() noexcept {
         if (_block != nullptr && --_block->count <= 0) FreeBlock();

@@ -24,6 +24,7 @@
 #define TAINDEX_H
 
 #include "ZELExport.h"
+#include "ZELIndexArrays.h"
 
 namespace zel {
 class TAIndexSearch;
@@ -54,15 +55,15 @@ public:
     // earlier or `length` is negative. Looks up a part of a text without a copy.
     int IsIn(const char* key, int length) const noexcept;
 
-    const char* operator[](int position) const noexcept { return Holds(position) ? _keys[position] : nullptr; }
-    void* Get(int position) const noexcept { return Holds(position) ? _values[position] : nullptr; }
+    const char* operator[](int position) const noexcept { return Holds(position) ? _entries.keys[position] : nullptr; }
+    void* Get(int position) const noexcept { return Holds(position) ? _entries.values[position] : nullptr; }
     // The values in the order of their keys, never null. They may be replaced in place; the array is valid until the
     // index changes.
     void** GetContent() const noexcept {
-        if (_settled != _count) Settle();
-        return _values;
+        if (_settled != _entries.count) Settle();
+        return _entries.values;
     }
-    int Size() const noexcept { return _count; }
+    int Size() const noexcept { return _entries.count; }
 
     // Returns 0, or 1 when there is no such position (or a view found no memory for its own entries).
     int RemovePosition(int position) noexcept;
@@ -81,7 +82,7 @@ private:
     bool Holds(int position) const noexcept {
         return static_cast<unsigned>(position) < static_cast<unsigned>(_settled) || HoldsAfterSettling(position);
     }
-    bool IsInline() const noexcept { return _keys == _inlineKeys; }
+    bool IsInline() const noexcept { return _entries.keys == _inlineKeys; }
     bool HoldsAfterSettling(int position) const noexcept;
     Spot Find(const zel::SoughtKey& key) const noexcept;
     int PositionOf(const zel::SoughtKey& key) const noexcept;
@@ -91,18 +92,12 @@ private:
     void DropSearch() noexcept;
     void FreeAll() noexcept;
     bool BecomeOwner() noexcept;
-    void CopyFields(const TAIndex& other) noexcept;
 
     char* _inlineKeys[InlineCapacity] = {};
     void* _inlineValues[InlineCapacity] = {};
-    char** _keys = _inlineKeys;
-    void** _values = _inlineValues;
-    int _count = 0;
-    int _allocated = InlineCapacity;  // slots of both arrays
-    int _increment;
+    zel::IndexArrays<char*> _entries;
     mutable int _settled = 0;               // entries that are readable by position: all, or 0 while some are staged
-    zel::TAIndexSearch* _search = nullptr;  // null while the index is small
-    bool _isView = false;                   // the arrays, the keys and _search belong to another index
+    zel::TAIndexSearch* _search = nullptr;  // null while the index is small; a view uses that of its source
 };
 
 #endif

@@ -20,6 +20,7 @@
 #define TAINDEXB_H
 
 #include "ZELExport.h"
+#include "ZELIndexArrays.h"
 
 class ZEL_API TAIndexB {
 public:
@@ -45,12 +46,14 @@ public:
     // The same, and -1 when `sizeofkey` is not the length of this index's keys.
     int IsIn(const void* key, int sizeofkey) const noexcept;
 
-    const void* operator[](int position) const noexcept { return Holds(position) ? _keys[position] : nullptr; }
-    void* Get(int position) const noexcept { return Holds(position) ? _values[position] : nullptr; }
+    const void* operator[](int position) const noexcept {
+        return _entries.Holds(position) ? _entries.keys[position] : nullptr;
+    }
+    void* Get(int position) const noexcept { return _entries.Holds(position) ? _entries.values[position] : nullptr; }
     // The values in the order of their keys; null only where nothing is allocated. They may be replaced in place; the
     // array is valid until the index changes.
-    void** GetContent() const noexcept { return _values; }
-    int Size() const noexcept { return _count; }
+    void** GetContent() const noexcept { return _entries.values; }
+    int Size() const noexcept { return _entries.count; }
 
     // Returns 0, or 1 when there is no such position (or a view found no memory for its own entries).
     int RemovePosition(int position) noexcept;
@@ -64,22 +67,12 @@ protected:
 private:
     static constexpr int FirstCapacity = 1000;
 
-    bool Holds(int position) const noexcept { return static_cast<unsigned>(position) < static_cast<unsigned>(_count); }
     // 1 when `b` is the greater key, -1 when it is the smaller, 0 when they are equal.
     int compare(const void* a, const void* b) const noexcept;
-    void* CopyKey(const void* key) const noexcept;
-    void FreeKeys() noexcept;
-    void FreeAll() noexcept;
-    void CopyFields(const TAIndexB& other) noexcept;
     bool BecomeOwner() noexcept;
 
-    void** _keys = nullptr;
-    void** _values = nullptr;
+    zel::IndexArrays<void*> _entries;
     int _sizeofkey;
-    int _count = 0;
-    int _allocated = 0;  // slots of both arrays; 0 while there are none
-    int _increment = FirstCapacity;
-    bool _isView = false;  // the arrays and the keys belong to another index
 };
 
 #endif

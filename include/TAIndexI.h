@@ -18,6 +18,7 @@
 #define TAINDEXI_H
 
 #include "ZELExport.h"
+#include "ZELIndexArrays.h"
 
 class ZEL_API TAIndexI {
 public:
@@ -34,12 +35,12 @@ public:
     // The position of `key`, or -1.
     int IsIn(int key) const noexcept;
 
-    int GetKey(int position) const noexcept { return Holds(position) ? _keys[position] : 0; }
-    void* Get(int position) const noexcept { return Holds(position) ? _values[position] : nullptr; }
+    int GetKey(int position) const noexcept { return _entries.Holds(position) ? _entries.keys[position] : 0; }
+    void* Get(int position) const noexcept { return _entries.Holds(position) ? _entries.values[position] : nullptr; }
     // The values in the order of their keys; null only where nothing is allocated. They may be replaced in place; the
     // array is valid until the index changes.
-    void** GetContent() const noexcept { return _values; }
-    int Size() const noexcept { return _count; }
+    void** GetContent() const noexcept { return _entries.values; }
+    int Size() const noexcept { return _entries.count; }
 
     // Returns 0, or 1 when there is no such position.
     int RemovePosition(int position) noexcept;
@@ -53,13 +54,7 @@ protected:
 private:
     static constexpr int FirstCapacity = 10;
 
-    bool Holds(int position) const noexcept { return static_cast<unsigned>(position) < static_cast<unsigned>(_count); }
-
-    int* _keys = nullptr;
-    void** _values = nullptr;
-    int _count = 0;
-    int _allocated = 0;  // slots of both arrays; 0 while there are none
-    int _increment = FirstCapacity;
+    zel::IndexArrays<int> _entries;
 };
 
 #endif

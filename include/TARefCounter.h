@@ -13,8 +13,9 @@
 #define TAREFCOUNTER_H
 
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 
-class ZEL_API TARefCounter {
+class ZEL_API TARefCounter : public ZELHeapObject {
 public:
     TARefCounter() noexcept = default;
     // A copy starts with as many references as its source has.

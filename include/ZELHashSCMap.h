@@ -104,8 +104,8 @@ public:
     ~ZELHashSCMap() override;
 
     // The same for a key that needs no terminator.
-    int search(std::string_view key, void** value) const noexcept;
-    bool contains(std::string_view key) const noexcept;
+    int search(std::string_view key, void** value) const noexcept { return SearchBytes(key.data(), key.size(), value); }
+    bool contains(std::string_view key) const noexcept { return ContainsBytes(key.data(), key.size()); }
     bool contains(const char* key) const noexcept { return key != nullptr && contains(std::string_view(key)); }
 
     // A walk in the order of getIterator() that needs no memory, valid until the map changes.
@@ -122,8 +122,8 @@ protected:
 
     // search() in one chain; 0 also when `chain` is null.
     int searchR(node* chain, const char* key, void** value) const noexcept;
-    // Puts the entries into an iterator that was made for them with new, and returns it. Null, and the iterator
-    // deleted, when it got no memory for them; null for null.
+    // Puts the entries into an iterator that was created for them by ZELNew() or `new`, and returns it. Null, and the
+    // iterator deleted, when it has no memory for them; null for null.
     ZELHashSCMapIterator* Fill(ZELHashSCMapIterator* iterator) const noexcept;
 
     // For reading: what is hidden behind the table must follow every change of it.
@@ -136,9 +136,9 @@ protected:
 
 private:
     struct Sought;
-    struct Holds;
-    struct Block;
 
+    int SearchBytes(const char* key, std::size_t length, void** value) const noexcept;
+    bool ContainsBytes(const char* key, std::size_t length) const noexcept;
     int Init(int size, float loadFactor) noexcept;
     static node* createNode(ZELHashSCMap* map, const Sought& key, void* value, node* next) noexcept;
     static void addFreeNode(ZELHashSCMap* map, node* freed) noexcept;

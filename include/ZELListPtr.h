@@ -34,6 +34,8 @@ public:
     using ZELRawCollPV::RemovePosition;
     using ZELRawCollPV::Reserve;
     using ZELRawCollPV::Size;
+    using ZELRawCollPV::operator new;
+    using ZELRawCollPV::operator delete;
 
     int Append(T* pointer) noexcept { return AppendElement(pointer); }
     // Makes `pointer` the element at `position`, 1 to Size() + 1.

@@ -19,10 +19,12 @@
 #include <compare>
 #include <cstddef>
 #include <iterator>
+#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
 
+#include "ZELMemory.h"
 #include "ZELRawColl.h"
 #include "ZELStableSort.h"
 
@@ -100,6 +102,8 @@ public:
 
     using ZELRawCollPV::Reserve;
     using ZELRawCollPV::Size;
+    using ZELRawCollPV::operator new;
+    using ZELRawCollPV::operator delete;
 
     int Append(const T& value) { return InsertBefore(Size() + 1, value); }
     // Copies all values of another list, or of this one, behind the last: all of them or, without memory, none.
@@ -116,7 +120,7 @@ public:
     // `position` is 1 to Size() + 1: in front of the value there, or at the end.
     int InsertBefore(int position, const T& value) {
         if (position < 1 || position > Size() + 1) return 1;
-        T* const copy = new (std::nothrow) T(value);
+        T* const copy = Copy(value);
         if (copy == nullptr) {
             ReportAllocFailure("ZELListVal", sizeof(T));
             return 1;
@@ -175,15 +179,27 @@ public:
     }
 
 private:
-    // What a list holds is exactly a T. A delete-expression would warn where T has virtual functions and a destructor
-    // that is not one of them.
+    // The block of a value, which is created and destroyed apart from it: the constructor may throw, and the value is
+    // exactly a T, whatever destructor T has.
+    struct Room {
+        Room() noexcept {}
+        alignas(T) unsigned char bytes[sizeof(T)];
+    };
+    struct FreeRoom {
+        void operator()(Room* room) const noexcept { ZELDelete(room); }
+    };
+
+    // Null without memory.
+    static T* Copy(const T& value) {
+        std::unique_ptr<Room, FreeRoom> room(ZELNew<Room>());
+        if (room == nullptr) return nullptr;
+        T* const copy = ::new (static_cast<void*>(room->bytes)) T(value);
+        static_cast<void>(room.release());
+        return copy;
+    }
     static void Delete(T* value) noexcept {
-        static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
         value->T::~T();
-        if constexpr (requires(void* block) { T::operator delete(block); })
-            T::operator delete(value);
-        else
-            ::operator delete(value);
+        ZELDelete(reinterpret_cast<Room*>(value));
     }
     T* Slot(int position) const noexcept { return this->template Elements<T*>()[position - 1]; }
 };

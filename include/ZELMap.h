@@ -13,9 +13,10 @@
 #define ZELMAP_H
 
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 
 // A walk over entries. It starts in front of the first one.
-class ZEL_API ZELMapIterator {
+class ZEL_API ZELMapIterator : public ZELHeapObject {
 public:
     // Goes on to the next entry: 1, or 0 when there is none.
     virtual int next() = 0;
@@ -25,7 +26,7 @@ public:
     virtual ~ZELMapIterator();
 };
 
-class ZEL_API ZELMap {
+class ZEL_API ZELMap : public ZELHeapObject {
 public:
     // The number of entries.
     virtual int size() = 0;
@@ -38,7 +39,7 @@ public:
     // Removes the entry of `key`, if there is one.
     virtual void remove(const char* key) = 0;
     virtual void clear() = 0;
-    // A new iterator over the entries as they are now; the caller deletes it before the map changes or ends.
+    // A new iterator over the entries as they are now; the caller deletes it, before the map changes or is destroyed.
     // Null when memory runs out.
     virtual ZELMapIterator* getIterator() = 0;
     virtual ~ZELMap();

@@ -20,6 +20,7 @@
 #include <new>
 
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 
 // What a position outside refers to: a default value that belongs to the calling thread and is made anew by each call.
 // Never destroyed, so that it serves thread ends and static destructors too.
@@ -33,7 +34,7 @@ Value& ZELFreshValue() {
 }
 
 // What all collections share: a growing block of elements of one size, which are copied as bytes.
-class ZEL_API ZELCollec {
+class ZEL_API ZELCollec : public ZELHeapObject {
 public:
     // For RemoveAll: keep the storage for the next elements, or give it back to the heap at once.
     enum MemoryHandling { KeepMemory, ReleaseMemory };
@@ -86,7 +87,7 @@ private:
     bool SetCapacity(int capacity) noexcept;
     unsigned char* ElementAt(int position) const noexcept;
 
-    void* _elements = nullptr;  // malloc'd, _capacity elements; null while _capacity is 0
+    void* _elements = nullptr;  // a heap block of _capacity elements; null while _capacity is 0
     int _size = 0;
     int _capacity = 0;
     unsigned int _elementSize;

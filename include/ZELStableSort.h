@@ -13,8 +13,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
-#include <new>
+
+#include "ZELMemory.h"
 
 // The sort itself, for callers who bring the buffer: room for count / 2 pointers, or null to sort in place.
 template <class Pointer, class Compare>
@@ -70,8 +70,9 @@ private:
 template <class Pointer, class Compare>
 void ZELStableSort(Pointer* first, int count, Compare compare) noexcept {
     if (count < 2) return;
-    const std::unique_ptr<Pointer[]> buffer(new (std::nothrow) Pointer[static_cast<std::size_t>(count / 2)]);
-    ZELMergeSort<Pointer, Compare>(compare, buffer.get()).Sort(first, count);
+    void* const buffer = ZELAllocate(static_cast<std::size_t>(count / 2) * sizeof(Pointer));
+    ZELMergeSort<Pointer, Compare>(compare, static_cast<Pointer*>(buffer)).Sort(first, count);
+    ZELFree(buffer);
 }
 
 #endif

@@ -14,9 +14,10 @@
 #include <cstdio>
 
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 
 // What every stack trace has in common: the frames and their printing. How frames are gathered is the derived class's.
-class ZEL_API ZELBasicStackTrace {
+class ZEL_API ZELBasicStackTrace : public ZELHeapObject {
 public:
     static constexpr int MaxFrames = 128;
 

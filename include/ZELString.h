@@ -119,7 +119,7 @@ public:
     }
     ZELString& Append(std::string_view text) noexcept {
         if (text.size() > Room() - _length) {
-            AppendGrowing(text);
+            AppendGrowing(text.data(), text.size());
         } else {
             std::memmove(Text() + _length, text.data(), text.size());
             SetLength(_length + text.size());
@@ -186,15 +186,20 @@ private:
         _length = 0;
         _room = 0;
     }
-    void Assign(std::string_view text) noexcept;
-    void AppendGrowing(std::string_view text) noexcept;
+    void Assign(std::string_view text) noexcept { AssignBytes(text.data(), text.size()); }
+    void AssignBytes(const char* text, std::size_t length) noexcept;
+    void AppendGrowing(const char* text, std::size_t length) noexcept;
     bool Grow(std::size_t length) noexcept;
     void FreeText() noexcept;
-    static ZELString Join(std::string_view left, std::string_view right) noexcept;
+    static ZELString Join(std::string_view left, std::string_view right) noexcept {
+        return JoinBytes(left.data(), left.size(), right.data(), right.size());
+    }
+    static ZELString JoinBytes(const char* left, std::size_t leftLength, const char* right,
+                               std::size_t rightLength) noexcept;
 
     union {
         char _short[InlineCapacity + 1];
-        char* _long;  // malloc'd, _room + 1 bytes
+        char* _long;  // a heap block of _room + 1 bytes
     };
     std::uint32_t _length;
     std::uint32_t _room;  // characters that _long has room for; 0 while the text is inside the object

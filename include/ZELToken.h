@@ -16,9 +16,10 @@
 #include <cstddef>
 
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELUnicodeString.h"
 
-class ZEL_API ZELToken {
+class ZEL_API ZELToken : public ZELHeapObject {
 public:
     explicit ZELToken(const ZELUnicodeString& text) noexcept;
     virtual ~ZELToken();

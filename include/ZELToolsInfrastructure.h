@@ -41,6 +41,8 @@
 #include "ZELFwModRespHelper.h"
 #include "ZELHashRWMap.h"
 #include "ZELHashSCMap.h"
+#include "ZELHeapObject.h"
+#include "ZELIndexArrays.h"
 #include "ZELListPtr.h"
 #include "ZELListVal.h"
 #include "ZELListValZELString.h"

@@ -21,13 +21,13 @@
 #ifndef ZELUNICODESTRING_H
 #define ZELUNICODESTRING_H
 
-#include <atomic>
 #include <compare>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "ZELAtomic.h"
 #include "ZELExport.h"
 #include "ZELString.h"
 
@@ -116,8 +116,12 @@ public:
     // From UTF-8; null gives the null string.
     ZELUnicodeString(const char* text) noexcept;
     ZELUnicodeString(const ZELString& text) noexcept : ZELUnicodeString(text.View()) {}
-    explicit ZELUnicodeString(std::string_view text) noexcept;
-    explicit ZELUnicodeString(std::u32string_view text) noexcept;
+    explicit ZELUnicodeString(std::string_view text) noexcept : ZELUnicodeString() {
+        SetBytes(text.data(), text.size());
+    }
+    explicit ZELUnicodeString(std::u32string_view text) noexcept : ZELUnicodeString() {
+        SetUnits(text.data(), text.size());
+    }
     // `count` times the same character; empty when `count` is not positive.
     ZELUnicodeString(const ZELUnicodeChar& character, int count) noexcept;
     ZELUnicodeString(const ZELUnicodeString& other) noexcept;
@@ -185,6 +189,9 @@ public:
 private:
     const char32_t* Units() const noexcept { return _room != 0 ? _long : _short; }
     char32_t* Units() noexcept { return _room != 0 ? _long : _short; }
+    // Both fill a fresh string, which stays empty without memory.
+    void SetBytes(const char* text, std::size_t size) noexcept;
+    void SetUnits(const char32_t* units, std::size_t length) noexcept;
     char32_t* MakeRoom(std::size_t length) noexcept;
     void Take(ZELUnicodeString& other) noexcept;
     void DropBytes() noexcept;
@@ -192,12 +199,12 @@ private:
 
     union {
         char32_t _short[InlineCapacity];
-        char32_t* _long;  // malloc'd, _room units
+        char32_t* _long;  // a heap block of _room units
     };
     std::uint32_t _length;
     std::uint32_t _room : 31;  // units at _long; 0 while the text is inside the object
     std::uint32_t _isNull : 1;
-    mutable std::atomic<char*> _bytes = nullptr;  // malloc'd 8-bit form, or null while nobody has asked for it
+    mutable ZELAtomic<char*> _bytes{nullptr};  // the 8-bit form, a heap block; null before its first use
 };
 
 #endif

@@ -111,6 +111,7 @@ private:
     bool Adopt(ZELXMLNode* node) noexcept;
     ZELXMLNode& AddOwned(ZELXMLNode* node) noexcept;
     int LocateAttribute(const ZELString& name) const noexcept;
+    int AppendAttribute(const Attribute& attribute) noexcept;
     ZELXMLNodeListener* GetListener(int position) const noexcept { return _listeners[position]; }
     static ZELXMLNode* MakeNode() noexcept;
     template <class Enter, class Leave>

@@ -17,11 +17,11 @@ import gdb
 STRING = "32xII"  # text inside or pointer at 0; length, room
 UNICODE = "64xII"  # the same; length, room in 31 bits and isNull in one
 COLLECTION = "PPiiI"  # vtable, elements, size, capacity, size of an element
-INDEX = "80x80xPPiiiiP"  # keys and values inside, keys, values, count, allocated, increment, settled, search
+INDEX_ARRAYS = "PPiii?xxx"  # keys, values, count, allocated, increment, isView
+INDEX = "80x80x" + INDEX_ARRAYS + "ixxxxP"  # keys and values inside; the arrays; settled, search
 SEARCH = "256xPixxxxQiiPPP"  # ... staged entries, their room, words, slots, records
 RECORD = "PPixxxx"  # key, value, place
-INDEX_OF_BLOCKS = "PPiii"  # keys, values, numbers in a key, count, allocated
-INDEX_OF_NUMBERS = "PPii"  # keys, values, count, allocated
+INDEX_OF_BLOCKS = INDEX_ARRAYS + "i"  # ... numbers in a key
 MAP = "PPii"  # vtable, table, count, buckets
 NODE = "PPP"  # key, value, next
 FILE_NAME = "PP"  # vtable, block
@@ -127,7 +127,7 @@ def index_size(address):
 
 def index_entries(address):
     """Keys in order; those that wait in the staging area stand between the others."""
-    keys, values, count, allocated, _, _, search = read(address, INDEX)
+    keys, values, count, allocated, *_, search = read(address, INDEX)
     staged = []
     if search:
         *_, waiting, room, _, slots, records = read(search, SEARCH)

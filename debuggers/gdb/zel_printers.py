@@ -155,9 +155,9 @@ class FlatIndex(Parts):
 
     def layout(self):
         if self.name == "TAIndexI":
-            keys, values, count, allocated = read(self.address, memory.INDEX_OF_NUMBERS)
+            keys, values, count, allocated, *_ = read(self.address, memory.INDEX_ARRAYS)
             return keys, "i", None, values, memory.sizes(count, allocated)
-        keys, values, width, count, allocated = read(self.address, memory.INDEX_OF_BLOCKS)
+        keys, values, count, allocated, *_, width = read(self.address, memory.INDEX_OF_BLOCKS)
         check(0 <= width <= memory.LONGEST_TEXT, f"keys of {width} numbers")
         return keys, "P", width, values, memory.sizes(count, allocated)
 

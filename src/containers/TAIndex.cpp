@@ -1,19 +1,20 @@
-// TAIndex keeps its first entries inside the object and later ones in two heap arrays; from SearchFrom entries on, a
-// TAIndexSearch beside the arrays makes it fast. Without one (small, or no memory for it) the index is the plain thing:
-// binary search with string comparisons, and insertion that moves the tails of both arrays.
+// TAIndex keeps its first entries inside the object and later ones in two heap arrays. From SearchFrom entries on, a
+// TAIndexSearch beside the arrays makes it fast. Without one (a small index, or no memory for the search) a look-up is
+// a binary search with string comparisons, and an insertion moves the tails of both arrays.
 //
-// Invariants: _count counts all entries, the arrays hold _count - staged of them, in order; _settled is 0 while some
-// are staged, else _count; _count < _allocated always, so that there is room to settle. A view is always settled. Cost:
-// 16 bytes moved for each entry behind an inserted or removed one while the index is small. Danger: a view shares
-// everything with its source. Whatever writes or frees must ask _isView first.
+// Invariants: _entries.count counts all entries. The arrays hold all of them but the staged ones, in order. _settled is
+// 0 while some entries are staged, else the count. The count is below the capacity, so that there is room to settle. A
+// view is always settled.
+// Cost: 16 bytes are moved for each entry after an inserted or removed one while the index is small.
+// Hazard: a view shares everything with its source. Code that writes or frees must check isView first.
 
 #include "TAIndex.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
-#include "base/failure_report.h"
 #include "containers/index_search.h"
 #include "containers/sorted_arrays.h"
 
@@ -24,25 +25,19 @@ namespace {
 // Below this size a few string comparisons beat the search for words.
 constexpr int SearchFrom = 8;
 
-char* CopyKey(std::string_view key) noexcept {
-    char* const copy = static_cast<char*>(std::malloc(key.size() + 1));
-    if (copy == nullptr) {
-        ReportAllocFailure("TAIndex", key.size() + 1);
-        return nullptr;
-    }
-    std::memcpy(copy, key.data(), key.size());
-    copy[key.size()] = '\0';
-    return copy;
+TAIndexSearch::Entries SettledOf(const IndexArrays<char*>& entries, const TAIndexSearch& search) noexcept {
+    return {entries.keys, entries.values, entries.count - search.Staged()};
 }
 
 }  // namespace
 
 struct TAIndex::Spot : TAIndexSearch::Spot {};
 
-TAIndex::TAIndex(int increment) noexcept : _increment(increment < InlineCapacity ? InlineCapacity : increment) {}
+TAIndex::TAIndex(int increment) noexcept
+    : _entries{_inlineKeys, _inlineValues, 0, InlineCapacity, std::max(increment, InlineCapacity)} {}
 
 TAIndex::TAIndex(const TAIndex& other) noexcept : TAIndex() {
-    for (int i = 0; i < other._count; ++i) {
+    for (int i = 0; i < other._entries.count; ++i) {
         if (Append(other[i], other.Get(i)) == nullptr) {
             Reset();
             return;
@@ -52,12 +47,12 @@ TAIndex::TAIndex(const TAIndex& other) noexcept : TAIndex() {
 
 TAIndex& TAIndex::operator=(const TAIndex& other) noexcept {
     // A view of this index brings nothing new, and would be left without its source.
-    const bool viewsThis = other._isView && !_isView && other._keys == _keys;
-    if (this == &other || viewsThis) return *this;
-    if (other._settled != other._count) other.Settle();
+    if (this == &other || other._entries.IsViewOf(_entries)) return *this;
+    if (other._settled != other.Size()) other.Settle();
     FreeAll();
-    CopyFields(other);
-    _isView = true;
+    _entries = other._entries.View();
+    _settled = other._settled;
+    _search = other._search;
     return *this;
 }
 
@@ -66,56 +61,41 @@ TAIndex::~TAIndex() {
 }
 
 void TAIndex::FreeAll() noexcept {
-    if (_isView) return;
-    Reset();
-    if (IsInline()) return;
-    std::free(_keys);
-    std::free(_values);
-}
-
-// Takes every field as it is, so that arrays inside `other` stay there; nothing may be owned before.
-void TAIndex::CopyFields(const TAIndex& other) noexcept {
-    std::memcpy(_inlineKeys, other._inlineKeys, sizeof _inlineKeys);
-    std::memcpy(_inlineValues, other._inlineValues, sizeof _inlineValues);
-    _keys = other._keys;
-    _values = other._values;
-    _count = other._count;
-    _allocated = other._allocated;
-    _increment = other._increment;
-    _isView = other._isView;
-    _settled = other._settled;
-    _search = other._search;
+    if (!_entries.isView) DropSearch();
+    FreeEntries(_entries, IsInline());
 }
 
 // Turns a view into an index with entries of its own; false, and still a view, when memory ran out.
 bool TAIndex::BecomeOwner() noexcept {
     TAIndex own(*this);
-    if (own._count != _count) return false;
-    const bool isInline = own.IsInline();
-    CopyFields(own);
-    if (isInline) {
-        _keys = _inlineKeys;
-        _values = _inlineValues;
+    if (own.Size() != Size()) return false;
+    if (own.IsInline()) {
+        std::memcpy(_inlineKeys, own._inlineKeys, sizeof _inlineKeys);
+        std::memcpy(_inlineValues, own._inlineValues, sizeof _inlineValues);
+        own._entries.keys = _inlineKeys;
+        own._entries.values = _inlineValues;
     }
-    own._isView = true;  // what it made is ours now
+    std::swap(_entries, own._entries);  // so that the copy ends as a view
+    std::swap(_search, own._search);
+    _settled = own._settled;
     return true;
 }
 
 int TAIndex::PositionOf(const SoughtKey& key) const noexcept {
-    if (_settled != _count) Settle();
+    if (_settled != _entries.count) Settle();
     if (_search != nullptr) {
-        const TAIndexSearch::Hit hit = _search->LookUp(key, {_keys, _values, _count});
+        const TAIndexSearch::Hit hit = _search->LookUp(key, SettledOf(_entries, *_search));
         return hit.found ? hit.place : -1;
     }
-    const IndexPlace place = FindPlace(_count, [&](int i) { return CompareKey(key, _keys[i]); });
+    const IndexPlace place = FindPlace(_entries.count, [&](int i) { return CompareKey(key, _entries.keys[i]); });
     return place.found ? place.position : -1;
 }
 
 void* TAIndex::operator[](const char* key) const noexcept {
     if (key == nullptr) return nullptr;
-    if (_search != nullptr) return _search->LookUp({key, true}, {_keys, _values, _count - _search->Staged()}).value;
-    const IndexPlace place = FindPlace(_count, [&](int i) { return std::strcmp(key, _keys[i]); });
-    return place.found ? _values[place.position] : nullptr;
+    if (_search != nullptr) return _search->LookUp({key, true}, SettledOf(_entries, *_search)).value;
+    const IndexPlace place = FindPlace(_entries.count, [&](int i) { return std::strcmp(key, _entries.keys[i]); });
+    return place.found ? _entries.values[place.position] : nullptr;
 }
 
 int TAIndex::IsIn(const char* key) const noexcept {
@@ -130,20 +110,20 @@ int TAIndex::IsIn(const char* key, int length) const noexcept {
 }
 
 TAIndex::Spot TAIndex::Find(const SoughtKey& key) const noexcept {
-    if (_search != nullptr) return {_search->Find(key, {_keys, _values, _count - _search->Staged()})};
-    const IndexPlace place = FindInsertPlace(_count, [&](int i) { return CompareKey(key, _keys[i]); });
-    return {{place.position, 0, place.found ? _keys[place.position] : nullptr, 0, 0}};
+    if (_search != nullptr) return {_search->Find(key, SettledOf(_entries, *_search))};
+    const IndexPlace place = FindInsertPlace(_entries.count, [&](int i) { return CompareKey(key, _entries.keys[i]); });
+    return {{place.position, 0, place.found ? _entries.keys[place.position] : nullptr, 0, 0}};
 }
 
 const char* TAIndex::Append(const char* key, void* value) noexcept {
     if (key == nullptr) return nullptr;
     const std::string_view text(key);
-    if (!_isView) PrepareSearch();
+    if (!_entries.isView) PrepareSearch();
     const Spot spot = Find({text, true});
     if (spot.key != nullptr) return spot.key;
-    if (_isView) return BecomeOwner() ? Append(key, value) : nullptr;
+    if (_entries.isView) return BecomeOwner() ? Append(key, value) : nullptr;
     if (increaseAllocSize() != 0) return nullptr;
-    char* const copy = CopyKey(text);
+    char* const copy = static_cast<char*>(CopyKey("TAIndex", key, text.size() + 1));
     if (copy != nullptr) Insert(spot, copy, value);
     return copy;
 }
@@ -151,70 +131,67 @@ const char* TAIndex::Append(const char* key, void* value) noexcept {
 // Gives a large index its TAIndexSearch, with room for one more entry. An index that cannot have it does without.
 void TAIndex::PrepareSearch() noexcept {
     if (_search == nullptr) {
-        if (_count >= SearchFrom) _search = TAIndexSearch::Create({_keys, _values, _count});
-    } else if (!_search->Reserve(_count + 1)) {
+        if (_entries.count >= SearchFrom)
+            _search = TAIndexSearch::Create({_entries.keys, _entries.values, _entries.count});
+    } else if (!_search->Reserve(_entries.count + 1)) {
         DropSearch();
     }
 }
 
 void TAIndex::DropSearch() noexcept {
-    if (_settled != _count) Settle();
-    delete _search;
+    if (_settled != _entries.count) Settle();
+    ZELDelete(_search);
     _search = nullptr;
 }
 
 void TAIndex::Insert(const Spot& spot, char* key, void* value) noexcept {
     if (_search != nullptr) {
-        _search->Insert(spot, {_keys, _values, _count - _search->Staged()}, key, value);
+        _search->Insert(spot, SettledOf(_entries, *_search), key, value);
+        ++_entries.count;
     } else {
-        InsertItem(_keys, _count, spot.place, key);
-        InsertItem(_values, _count, spot.place, value);
+        InsertEntry(_entries, spot.place, key, value);
     }
-    ++_count;
-    _settled = _search != nullptr && _search->Staged() > 0 ? 0 : _count;
+    _settled = _search != nullptr && _search->Staged() > 0 ? 0 : _entries.count;
 }
 
 bool TAIndex::HoldsAfterSettling(int position) const noexcept {
-    if (_settled != _count) Settle();
-    return static_cast<unsigned>(position) < static_cast<unsigned>(_count);
+    if (_settled != _entries.count) Settle();
+    return static_cast<unsigned>(position) < static_cast<unsigned>(_entries.count);
 }
 
 void TAIndex::Settle() const noexcept {
-    if (_search != nullptr) _search->Settle({_keys, _values, _count - _search->Staged()});
-    _settled = _count;
+    if (_search != nullptr) _search->Settle(SettledOf(_entries, *_search));
+    _settled = _entries.count;
 }
 
 int TAIndex::RemovePosition(int position) noexcept {
-    if (!Holds(position) || (_isView && !BecomeOwner())) return 1;
-    std::free(_keys[position]);
-    RemoveItem(_keys, _count, position);
-    RemoveItem(_values, _count, position);
-    if (_search != nullptr) _search->Remove(position, _count);
-    _settled = --_count;
+    if (!Holds(position) || (_entries.isView && !BecomeOwner())) return 1;
+    Free(_entries.keys[position]);
+    if (_search != nullptr) _search->Remove(position, _entries.count);
+    RemoveEntry(_entries, position);
+    _settled = _entries.count;
     // The search lives on entries; half its threshold, so that an index of about that size does not go to and fro.
-    if (_search != nullptr && _count < SearchFrom / 2) DropSearch();
+    if (_search != nullptr && _entries.count < SearchFrom / 2) DropSearch();
     return 0;
 }
 
 int TAIndex::Reset() noexcept {
-    if (_isView) {
+    if (_entries.isView) {
         // Nothing of it is ours: start anew.
-        _keys = _inlineKeys;
-        _values = _inlineValues;
+        _entries = {_inlineKeys, _inlineValues, 0, InlineCapacity, _entries.increment};
+        _settled = 0;
         _search = nullptr;
-        _isView = false;
-        _count = _settled = 0;
     }
     DropSearch();
-    while (_count > 0) std::free(_keys[--_count]);
+    FreeKeys(_entries);
     _settled = 0;
     // The arrays are kept. The increment may be more than the inline ones hold, and is never more than heap ones do.
-    _allocated = IsInline() ? InlineCapacity : _increment;
+    _entries.allocated = IsInline() ? InlineCapacity : _entries.increment;
     return 0;
 }
 
 int TAIndex::increaseAllocSize() noexcept {
-    if (_isView && !BecomeOwner()) return 1;
-    GrowWhenNearlyFull(_keys, _values, _count, _allocated, _increment, _inlineKeys, _inlineValues);
+    if (_entries.isView && !BecomeOwner()) return 1;
+    GrowWhenNearlyFull(_entries, IsInline());
     return 0;
 }

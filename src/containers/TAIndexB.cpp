@@ -2,24 +2,29 @@
 //
 // A stored key has 8 bytes for each of its integers and is copied from the caller over that length, while only the
 // first half is compared: a fixed decision, on which callers with 64-bit records rely.
-// Invariants: keys ascend; _count < _allocated wherever there are entries; _allocated is 0 exactly when there are no
-// arrays of its own to fill (no memory in a constructor, a view that was reset): the first insertion then makes them.
-// Danger: a view shares everything with its source. Whatever writes or frees must ask _isView first.
+//
+// Invariants: keys ascend. The count is below the capacity wherever there are entries. The capacity is 0 exactly when
+// the index has no arrays of its own to fill (no memory in a constructor, a view that was reset): the first insertion
+// then creates them.
+// Hazard: a view shares everything with its source. Code that writes or frees must check isView first.
 
 #include "TAIndexB.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
+#include <utility>
 
-#include "base/failure_report.h"
 #include "containers/sorted_arrays.h"
 
 using namespace zel;
 
 namespace {
 
-constexpr std::size_t StoredSize = 8;  // of each integer of a key
+constexpr char ClassName[] = "TAIndexB";
+
+constexpr std::size_t StoredSize(int sizeofkey) noexcept {
+    return static_cast<std::size_t>(sizeofkey) * 8;
+}
 
 std::int32_t Element(const void* key, int position) noexcept {
     std::int32_t value;
@@ -32,75 +37,43 @@ std::int32_t Element(const void* key, int position) noexcept {
 
 TAIndexB::TAIndexB(int sizeofkey) noexcept : _sizeofkey(sizeofkey) {
     FATAL(sizeofkey < 1, "Unable to create TAIndexB with sizeofkey < 0 ");
-    if (AllocateArrays("TAIndexB", _keys, _values, FirstCapacity)) _allocated = FirstCapacity;
+    _entries = NewArrays<void*>(ClassName, FirstCapacity, FirstCapacity);
 }
 
-TAIndexB::TAIndexB(const TAIndexB& other) noexcept : _sizeofkey(other._sizeofkey), _increment(other._increment) {
-    if (!AllocateArrays("TAIndexB", _keys, _values, other._allocated)) return;
-    _allocated = other._allocated;
-    for (; _count < other._count; ++_count) {
-        _keys[_count] = CopyKey(other._keys[_count]);
-        if (_keys[_count] == nullptr) {
-            FreeKeys();
+TAIndexB::TAIndexB(const TAIndexB& other) noexcept
+    : _entries(NewArrays<void*>(ClassName, other._entries.allocated, other._entries.increment)),
+      _sizeofkey(other._sizeofkey) {
+    if (_entries.allocated == 0) return;
+    for (int i = 0; i < other.Size(); ++i) {
+        void* const key = CopyKey(ClassName, other._entries.keys[i], StoredSize(_sizeofkey));
+        if (key == nullptr) {
+            FreeKeys(_entries);
             return;
         }
-        _values[_count] = other._values[_count];
+        InsertEntry(_entries, i, key, other._entries.values[i]);
     }
 }
 
 TAIndexB& TAIndexB::operator=(const TAIndexB& other) noexcept {
     // A view of this index brings nothing new, and would be left without its source.
-    const bool viewsThis = other._isView && !_isView && other._keys == _keys;
-    if (this == &other || viewsThis) return *this;
-    FreeAll();
-    CopyFields(other);
-    _isView = true;
+    if (this == &other || other._entries.IsViewOf(_entries)) return *this;
+    FreeEntries(_entries);
+    _entries = other._entries.View();
+    _sizeofkey = other._sizeofkey;
     return *this;
 }
 
 TAIndexB::~TAIndexB() {
-    FreeAll();
-}
-
-void TAIndexB::FreeAll() noexcept {
-    if (_isView) return;
-    FreeKeys();
-    std::free(_keys);
-    std::free(_values);
-}
-
-void TAIndexB::CopyFields(const TAIndexB& other) noexcept {
-    _keys = other._keys;
-    _values = other._values;
-    _sizeofkey = other._sizeofkey;
-    _count = other._count;
-    _allocated = other._allocated;
-    _increment = other._increment;
-    _isView = other._isView;
+    FreeEntries(_entries);
 }
 
 // Turns a view into an index with entries of its own; false, and still a view, when memory ran out.
 bool TAIndexB::BecomeOwner() noexcept {
-    if (!_isView) return true;
+    if (!_entries.isView) return true;
     TAIndexB own(*this);
-    if (own._count != _count) return false;
-    CopyFields(own);
-    own._isView = true;  // what it made is ours now
+    if (own.Size() != Size()) return false;
+    std::swap(_entries, own._entries);  // so that the copy ends as a view
     return true;
-}
-
-void* TAIndexB::CopyKey(const void* key) const noexcept {
-    const std::size_t size = static_cast<std::size_t>(_sizeofkey) * StoredSize;
-    void* const copy = std::malloc(size);
-    if (copy == nullptr) {
-        ReportAllocFailure("TAIndexB", size);
-        return nullptr;
-    }
-    return std::memcpy(copy, key, size);
-}
-
-void TAIndexB::FreeKeys() noexcept {
-    while (_count > 0) std::free(_keys[--_count]);
 }
 
 int TAIndexB::compare(const void* a, const void* b) const noexcept {
@@ -114,14 +87,11 @@ int TAIndexB::compare(const void* a, const void* b) const noexcept {
 
 const void* TAIndexB::Append(const void* key, void* value) noexcept {
     if (key == nullptr) return nullptr;
-    const IndexPlace place = FindInsertPlace(_count, [&](int i) { return compare(_keys[i], key); });
-    if (place.found) return _keys[place.position];
+    const IndexPlace place = FindInsertPlace(_entries.count, [&](int i) { return compare(_entries.keys[i], key); });
+    if (place.found) return _entries.keys[place.position];
     if (increaseAllocSize() != 0) return nullptr;
-    void* const copy = CopyKey(key);
-    if (copy == nullptr) return nullptr;
-    InsertItem(_keys, _count, place.position, copy);
-    InsertItem(_values, _count, place.position, value);
-    ++_count;
+    void* const copy = CopyKey(ClassName, key, StoredSize(_sizeofkey));
+    if (copy != nullptr) InsertEntry(_entries, place.position, copy, value);
     return copy;
 }
 
@@ -131,7 +101,7 @@ void* TAIndexB::operator[](const void* key) const noexcept {
 
 int TAIndexB::IsIn(const void* key) const noexcept {
     if (key == nullptr) return -1;
-    const IndexPlace place = FindPlace(_count, [&](int i) { return compare(_keys[i], key); });
+    const IndexPlace place = FindPlace(_entries.count, [&](int i) { return compare(_entries.keys[i], key); });
     return place.found ? place.position : -1;
 }
 
@@ -140,31 +110,25 @@ int TAIndexB::IsIn(const void* key, int sizeofkey) const noexcept {
 }
 
 int TAIndexB::RemovePosition(int position) noexcept {
-    if (!Holds(position) || !BecomeOwner() || _keys == nullptr) return 1;
-    std::free(_keys[position]);
-    RemoveItem(_keys, _count, position);
-    RemoveItem(_values, _count, position);
-    --_count;
+    if (!_entries.Holds(position) || !BecomeOwner()) return 1;
+    Free(_entries.keys[position]);
+    RemoveEntry(_entries, position);
     return 0;
 }
 
 int TAIndexB::Reset() noexcept {
-    if (_isView) {
-        _keys = nullptr;
-        _values = nullptr;
-        _count = 0;
-        _allocated = 0;
-        _isView = false;
+    if (_entries.isView) {
+        _entries = {.increment = _entries.increment};
         return 0;
     }
-    FreeKeys();
+    FreeKeys(_entries);
     // The arrays are kept, and hold at least that much.
-    if (_allocated != 0) _allocated = _increment;
+    if (_entries.allocated != 0) _entries.allocated = _entries.increment;
     return 0;
 }
 
 int TAIndexB::increaseAllocSize() noexcept {
     if (!BecomeOwner()) return 1;
-    GrowWhenNearlyFull(_keys, _values, _count, _allocated, _increment);
+    GrowWhenNearlyFull(_entries);
     return 0;
 }

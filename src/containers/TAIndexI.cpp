@@ -1,12 +1,11 @@
 // TAIndexI keeps its ints and values in two heap arrays of equal size and looks keys up without branches.
 //
-// Invariants: keys ascend; _count < _allocated wherever there are entries; _allocated is 0 exactly when there are no
-// arrays, which happens only when memory ran out in a constructor: the first insertion then tries again.
-// Cost: log2 n steps to find, 12 bytes moved for each entry behind an inserted or removed one.
+// Invariants: keys ascend. The count is below the capacity wherever there are entries. The capacity is 0 exactly when
+// there are no arrays, which happens only when memory ran out in a constructor: the first insertion then tries again.
+// Cost: log2 n steps to find, 12 bytes moved for each entry after an inserted or removed one.
 
 #include "TAIndexI.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -14,44 +13,34 @@
 
 using namespace zel;
 
-TAIndexI::TAIndexI() noexcept {
-    if (AllocateArrays("TAIndexI", _keys, _values, FirstCapacity)) _allocated = FirstCapacity;
-}
+TAIndexI::TAIndexI() noexcept : _entries(NewArrays<int>("TAIndexI", FirstCapacity, FirstCapacity)) {}
 
-TAIndexI::TAIndexI(const TAIndexI& other) noexcept : _increment(other._increment) {
-    if (!AllocateArrays("TAIndexI", _keys, _values, other._allocated)) return;
-    _allocated = other._allocated;
-    _count = other._count;
-    std::memcpy(_keys, other._keys, static_cast<std::size_t>(_count) * sizeof *_keys);
-    std::memcpy(_values, other._values, static_cast<std::size_t>(_count) * sizeof *_values);
+TAIndexI::TAIndexI(const TAIndexI& other) noexcept
+    : _entries(NewArrays<int>("TAIndexI", other._entries.allocated, other._entries.increment)) {
+    if (_entries.allocated == 0) return;
+    _entries.count = other._entries.count;
+    std::memcpy(_entries.keys, other._entries.keys, static_cast<std::size_t>(_entries.count) * sizeof(int));
+    std::memcpy(_entries.values, other._entries.values, static_cast<std::size_t>(_entries.count) * sizeof(void*));
 }
 
 TAIndexI& TAIndexI::operator=(const TAIndexI& other) noexcept {
     if (this == &other) return *this;
     TAIndexI copy(other);
     // A copy without arrays of an index that has some: memory ran out.
-    if (copy._allocated != other._allocated) return *this;
-    std::swap(_keys, copy._keys);
-    std::swap(_values, copy._values);
-    _count = copy._count;
-    _allocated = copy._allocated;
-    _increment = copy._increment;
+    if (copy._entries.allocated == other._entries.allocated) std::swap(_entries, copy._entries);
     return *this;
 }
 
 TAIndexI::~TAIndexI() {
-    std::free(_keys);
-    std::free(_values);
+    FreeArrays(_entries);
 }
 
 int TAIndexI::Append(int key, void* value) noexcept {
-    const bool isLast = _count > 0 && _keys[_count - 1] < key;
-    const int place = isLast ? _count : LowerBound(_keys, _count, key);
-    if (place < _count && _keys[place] == key) return key;
+    const bool isLast = _entries.count > 0 && _entries.keys[_entries.count - 1] < key;
+    const int place = isLast ? _entries.count : LowerBound(_entries.keys, _entries.count, key);
+    if (place < _entries.count && _entries.keys[place] == key) return key;
     if (increaseAllocSize() != 0) return 0;
-    InsertItem(_keys, _count, place, key);
-    InsertItem(_values, _count, place, value);
-    ++_count;
+    InsertEntry(_entries, place, key, value);
     return key;
 }
 
@@ -60,24 +49,22 @@ void* TAIndexI::operator[](int key) const noexcept {
 }
 
 int TAIndexI::IsIn(int key) const noexcept {
-    const int place = LowerBound(_keys, _count, key);
-    return place < _count && _keys[place] == key ? place : -1;
+    const int place = LowerBound(_entries.keys, _entries.count, key);
+    return place < _entries.count && _entries.keys[place] == key ? place : -1;
 }
 
 int TAIndexI::RemovePosition(int position) noexcept {
-    if (!Holds(position)) return 1;
-    RemoveItem(_keys, _count, position);
-    RemoveItem(_values, _count, position);
-    --_count;
+    if (!_entries.Holds(position)) return 1;
+    RemoveEntry(_entries, position);
     return 0;
 }
 
 int TAIndexI::Reset() noexcept {
-    _count = 0;
+    _entries.count = 0;
     return 0;
 }
 
 int TAIndexI::increaseAllocSize() noexcept {
-    GrowWhenNearlyFull(_keys, _values, _count, _allocated, _increment);
+    GrowWhenNearlyFull(_entries);
     return 0;
 }

@@ -6,9 +6,7 @@
 
 #include "ZELHashRWMap.h"
 
-#include "base/memory.h"
-
-using namespace zel;
+#include "ZELMemory.h"
 
 namespace {
 
@@ -21,10 +19,8 @@ struct Outliving {
 constinit Outliving* newestOutliving = nullptr;
 
 void KeepReachable(ZELHashRWMapIteratorRef* iterator) noexcept {
-    Outliving* const kept = static_cast<Outliving*>(Allocate(sizeof(Outliving)));
-    if (kept == nullptr) return;  // it stays allocated all the same
-    *kept = {iterator, newestOutliving};
-    newestOutliving = kept;
+    Outliving* const kept = ZELNew<Outliving>(iterator, newestOutliving);
+    if (kept != nullptr) newestOutliving = kept;  // otherwise it stays allocated all the same
 }
 
 }  // namespace
@@ -81,9 +77,9 @@ ZELHashRWMapIteratorRef* ZELHashRWMap::getIteratorRef() {
         _iterator->RewindIterator();
         return _iterator;
     }
-    if (_ownsIterator) delete _iterator;
+    if (_ownsIterator) ZELDelete(_iterator);
     _ownsIterator = false;
-    _iterator = static_cast<ZELHashRWMapIteratorRef*>(Fill(NewObject<ZELHashRWMapIteratorRef>(_count)));
+    _iterator = static_cast<ZELHashRWMapIteratorRef*>(Fill(ZELNew<ZELHashRWMapIteratorRef>(_count)));
     if (_iterator == nullptr) return nullptr;
     _ownsIterator = true;
     _modified = 0;

@@ -15,7 +15,6 @@
 
 #include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -36,6 +35,9 @@ constexpr int LeastBuckets = 8;
 constexpr float UsualLoadFactor = 0.75F;
 constexpr std::size_t LinkSize = sizeof(void*);
 constexpr std::size_t BucketSize = LinkSize + sizeof(std::uint16_t);  // a link and a filter
+constexpr std::size_t NodeSize = 3 * sizeof(void*);
+// Shorter keys are stored in the block of their node.
+constexpr std::size_t MaxJoinedLength = BlockStore::LargestBlock - NodeSize - StoredKeySize(0);
 
 void Report(const char* function, const char* what) noexcept {
     std::printf("# Alloc failed in ZELHashSCMap::%s: unable to %s\n", function, what);
@@ -45,6 +47,22 @@ void Report(const char* function, const char* what) noexcept {
 // The bit of a key in the filter of its bucket; mixed anew, since the lower end of the hash chose the bucket.
 std::uint16_t FilterBit(std::uint32_t hash) noexcept {
     return static_cast<std::uint16_t>(1U << ((hash * 0x9E3779B1U) >> 28));
+}
+
+// A copy of a key that is too long for the block of its node; null without memory.
+char* CopyLongKey(std::string_view text, std::uint32_t hash) noexcept {
+    void* const block = text.size() <= MaxKeyLength ? Allocate(StoredKeySize(text.size())) : nullptr;
+    return block != nullptr ? StoreKey(block, text, hash) : nullptr;
+}
+
+// Whether the key of a node is the sought one, in a map whose keys are in a pool.
+inline bool IsPooledKey(const char* key, std::string_view sought) noexcept {
+    return std::strncmp(key, sought.data(), sought.size()) == 0 && std::strlen(key) == sought.size();
+}
+// The same for a key in the store.
+inline bool IsStoredKey(const char* key, std::string_view sought, std::uint32_t hash) noexcept {
+    return HeaderOf(key) == KeyHeader{hash, static_cast<std::uint32_t>(sought.size())} &&
+           sought.size() <= MaxKeyLength && SameKey(key, sought.data(), sought.size());
 }
 
 }  // namespace
@@ -61,28 +79,12 @@ struct ZELHashSCMap::Sought {
 
 // The entries.
 
-// A node, with its key behind it where there is room for both.
-struct ZELHashSCMap::Block {
-    static std::size_t JoinedSize(std::size_t length) noexcept { return sizeof(node) + StoredKeySize(length); }
-    static bool Joins(const ZELHashSCMap* map, std::size_t length) noexcept {
-        return map->_pool == nullptr && length < BlockStore::LargestBlock - JoinedSize(0);
-    }
-    static char* LongKey(const Sought& key) noexcept {
-        if (key.text.size() > MaxKeyLength) return nullptr;
-        void* const block = Allocate(StoredKeySize(key.text.size()));
-        return block != nullptr ? StoreKey(block, key.text, key.hash) : nullptr;
-    }
-    // The size of the block of a node of a map without a pool.
-    static std::size_t SizeOf(const node* entry) noexcept {
-        const bool isJoined = entry->key == reinterpret_cast<const char*>(entry + 1) + sizeof(KeyHeader);
-        return isJoined ? JoinedSize(HeaderOf(entry->key).length) : sizeof(node);
-    }
-};
-
 // A node with a copy of `key`; null when there is no memory.
 ZELHashSCMap::node* ZELHashSCMap::createNode(ZELHashSCMap* map, const Sought& key, void* value, node* next) noexcept {
-    const bool isJoined = Block::Joins(map, key.text.size());
-    void* const block = blockStore.Take(isJoined ? Block::JoinedSize(key.text.size()) : sizeof(node));
+    static_assert(sizeof(node) == NodeSize);
+    const std::size_t joinedSize = sizeof(node) + StoredKeySize(key.text.size());
+    const bool isJoined = map->_pool == nullptr && key.text.size() < MaxJoinedLength;
+    void* const block = blockStore.Take(isJoined ? joinedSize : sizeof(node));
     if (block == nullptr) {
         Report("createBlocOfFreeNode", "create new node[20000]");
         return nullptr;
@@ -91,7 +93,7 @@ ZELHashSCMap::node* ZELHashSCMap::createNode(ZELHashSCMap* map, const Sought& ke
     if (isJoined)
         created->key = StoreKey(created + 1, key.text, key.hash);
     else
-        created->key = map->_pool != nullptr ? map->_pool->create(key.text.data()) : Block::LongKey(key);
+        created->key = map->_pool != nullptr ? map->_pool->create(key.text.data()) : CopyLongKey(key.text, key.hash);
     if (created->key != nullptr) return created;
     Report("createNode", "strdup()");
     blockStore.Drop(created, sizeof(node));
@@ -99,8 +101,14 @@ ZELHashSCMap::node* ZELHashSCMap::createNode(ZELHashSCMap* map, const Sought& ke
 }
 
 void ZELHashSCMap::addFreeNode(ZELHashSCMap* map, node* freed) noexcept {
-    const std::size_t size = map->_pool == nullptr ? Block::SizeOf(freed) : sizeof(node);
-    if (map->_pool == nullptr && size == sizeof(node)) std::free(freed->key - sizeof(KeyHeader));
+    std::size_t size = sizeof(node);
+    if (map->_pool == nullptr) {
+        char* const keyBlock = freed->key - sizeof(KeyHeader);
+        if (keyBlock == reinterpret_cast<char*>(freed + 1))
+            size += StoredKeySize(HeaderOf(freed->key).length);
+        else
+            Free(keyBlock);
+    }
     blockStore.Drop(freed, size);
 }
 
@@ -124,25 +132,12 @@ inline std::uint32_t ZELHashSCMap::BucketOf(std::uint32_t hash) const noexcept {
     return (size & (size - 1)) == 0 ? hash & (size - 1) : hash % size;
 }
 
-// Whether a node holds the sought key, in a map whose keys are in a pool or in the store.
-struct ZELHashSCMap::Holds {
-    static bool Pooled(const node& entry, const Sought& key) noexcept {
-        const std::size_t size = key.text.size();
-        return std::strncmp(entry.key, key.text.data(), size) == 0 && std::strlen(entry.key) == size;
-    }
-    static bool Stored(const node& entry, const Sought& key) noexcept {
-        const std::size_t size = key.text.size();
-        return HeaderOf(entry.key) == KeyHeader{key.hash, static_cast<std::uint32_t>(size)} && size <= MaxKeyLength &&
-               SameKey(entry.key, key.text.data(), size);
-    }
-};
-
 // The pointer to the first node from `*at` on that holds the key, or to the null at the end of the chain.
 ZEL_ALWAYS_INLINE ZELHashSCMap::link* ZELHashSCMap::FindLink(link* at, const Sought& key) const noexcept {
     if (_pool != nullptr) {
-        while (*at != nullptr && !Holds::Pooled(**at, key)) at = &(*at)->next;
+        while (*at != nullptr && !IsPooledKey((*at)->key, key.text)) at = &(*at)->next;
     } else {
-        while (*at != nullptr && !Holds::Stored(**at, key)) at = &(*at)->next;
+        while (*at != nullptr && !IsStoredKey((*at)->key, key.text, key.hash)) at = &(*at)->next;
     }
     return at;
 }
@@ -186,7 +181,7 @@ void ZELHashSCMap::Grow() noexcept {
             Push(entry, HashText(entry->key));
         });
     }
-    std::free(old);
+    Free(old);
 }
 
 // Life.
@@ -263,10 +258,14 @@ void ZELHashSCMap::ReleaseNodes() noexcept {
 void ZELHashSCMap::ReleaseAll() noexcept {
     if (_isView) return;
     ReleaseNodes();
-    std::free(_table);
+    Free(_table);
 }
 
-// What users call.
+// The public interface.
+
+ZELMapIterator::~ZELMapIterator() = default;
+
+ZELMap::~ZELMap() = default;
 
 int ZELHashSCMap::size() {
     return _count;
@@ -278,16 +277,16 @@ inline int ZELHashSCMap::Give(const link* found, void** value) noexcept {
     return 1;
 }
 
-int ZELHashSCMap::search(std::string_view key, void** value) const noexcept {
-    return value != nullptr ? Give(Find(Sought(key)), value) : 0;
+int ZELHashSCMap::SearchBytes(const char* key, std::size_t length, void** value) const noexcept {
+    return value != nullptr ? Give(Find(Sought({key, length})), value) : 0;
 }
 
 int ZELHashSCMap::search(const char* key, void** value) {
     return key != nullptr && value != nullptr ? Give(Find(Sought(key)), value) : 0;
 }
 
-bool ZELHashSCMap::contains(std::string_view key) const noexcept {
-    return Find(Sought(key)) != nullptr;
+bool ZELHashSCMap::ContainsBytes(const char* key, std::size_t length) const noexcept {
+    return Find(Sought({key, length})) != nullptr;
 }
 
 int ZELHashSCMap::searchR(node* chain, const char* key, void** value) const noexcept {
@@ -345,7 +344,7 @@ ZELHashSCMapIterator* ZELHashSCMap::Fill(ZELHashSCMapIterator* iterator) const n
         return nullptr;
     }
     if (iterator->_size < _count) {
-        delete iterator;
+        ZELDelete(iterator);
         return nullptr;
     }
     if (_count == 0) return iterator;
@@ -360,5 +359,5 @@ ZELHashSCMapIterator* ZELHashSCMap::Fill(ZELHashSCMapIterator* iterator) const n
 }
 
 ZELMapIterator* ZELHashSCMap::getIterator() {
-    return Fill(NewObject<ZELHashSCMapIterator>(_count));
+    return Fill(ZELNew<ZELHashSCMapIterator>(_count));
 }

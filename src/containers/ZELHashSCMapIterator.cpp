@@ -6,7 +6,6 @@
 #include "ZELHashSCMap.h"
 
 #include <cstdio>
-#include <cstdlib>
 
 #include "base/failure_report.h"
 #include "base/memory.h"
@@ -15,11 +14,11 @@ using namespace zel;
 
 ZELHashSCMapIterator::ZELHashSCMapIterator(int size) noexcept : _size(size > 0 ? size : 0) {
     if (_size == 0) return;
-    const std::size_t bytes = static_cast<std::size_t>(_size) * sizeof(void*);
-    _keys = static_cast<const char**>(Allocate(bytes));
-    _values = _keys != nullptr ? static_cast<void**>(Allocate(bytes)) : nullptr;
+    const auto places = static_cast<std::size_t>(_size);
+    _keys = AllocateArray<const char*>(places);
+    _values = _keys != nullptr ? AllocateArray<void*>(places) : nullptr;
     if (_values != nullptr) return;
-    ReportAllocFailure("ZELHashSCMapIterator", bytes);
+    ReportAllocFailure("ZELHashSCMapIterator", places * sizeof(void*));
     FreeArrays();
     _keys = nullptr;
     _size = 0;
@@ -54,8 +53,8 @@ ZELHashSCMapIterator::~ZELHashSCMapIterator() {
 
 void ZELHashSCMapIterator::FreeArrays() noexcept {
     if (_isView) return;
-    std::free(_keys);
-    std::free(_values);
+    Free(_keys);
+    Free(_values);
 }
 
 int ZELHashSCMapIterator::next() {

@@ -8,7 +8,6 @@
 
 #include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "base/memory.h"
@@ -54,7 +53,7 @@ ZELStringPool::~ZELStringPool() {
 void ZELStringPool::clear() noexcept {
     while (!_isView && _block != nullptr) {
         Block* const older = _block->older;
-        std::free(_block);
+        Free(_block);
         _block = older;
     }
     _block = nullptr;

@@ -17,9 +17,8 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <cstring>
-#include <new>
+#include <memory>
 
 using namespace zel;
 
@@ -51,35 +50,31 @@ std::uint64_t WordOf(std::string_view rest) noexcept {
 
 template <class Item>
 bool Resize(Item*& items, int room) noexcept {
-    return MoveToSlots<Item>(items, room, nullptr, 0);
+    return MoveToSlots(items, room, 0, false);
 }
 
 }  // namespace
 
 TAIndexSearch* TAIndexSearch::Create(const Entries& entries) noexcept {
-    TAIndexSearch* const search = new (std::nothrow) TAIndexSearch();
-    if (search == nullptr) return nullptr;
-    if (!search->Reserve(entries.count + 1)) {
-        delete search;
-        return nullptr;
-    }
+    std::unique_ptr<TAIndexSearch, DeleteObject> search(ZELNew<TAIndexSearch>());
+    if (search == nullptr || !search->Reserve(entries.count + 1)) return nullptr;
     // What the first and the last of sorted keys share, all share.
     search->_prefix = CommonPrefix(entries.keys[0], entries.keys[entries.count - 1]);
     search->MakeWords(entries);
-    return search;
+    return search.release();
 }
 
 TAIndexSearch::~TAIndexSearch() {
-    if (_words != _firstWords) std::free(_words);
-    std::free(_stageWords);
-    std::free(_slots);
-    std::free(_records);
+    if (_words != _firstWords) Free(_words);
+    Free(_stageWords);
+    Free(_slots);
+    Free(_records);
 }
 
 bool TAIndexSearch::Reserve(int count) noexcept {
     if (count <= _room) return true;
     const int generous = count <= INT_MAX / 2 ? count * 2 : INT_MAX;
-    if (!MoveToSlots<std::uint64_t>(_words, generous, _firstWords, _room)) return false;
+    if (!MoveToSlots(_words, generous, _room, _words == _firstWords)) return false;
     _room = generous;
     return true;
 }

@@ -47,6 +47,7 @@ public:
         std::uint64_t word;  // the key's word, when that is all of it
     };
 
+    TAIndexSearch() noexcept {}  // empty, without a word
     // Null when there is no memory. The entries are never empty from here on.
     static TAIndexSearch* Create(const Entries& entries) noexcept;
     ~TAIndexSearch();
@@ -75,7 +76,6 @@ private:
         int place;  // in the plain arrays, as they stand without the staged entries
     };
 
-    TAIndexSearch() noexcept {}  // _firstWords are left as they are
     template <class KeyAt>
     IndexPlace FindByWord(const std::uint64_t* words, int count, std::uint64_t word, const SoughtKey& key,
                           KeyAt keyAt) const noexcept;

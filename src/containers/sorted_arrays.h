@@ -9,11 +9,12 @@
 #include <bit>
 #include <climits>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 
 #include "TADiagnostics.h"
+#include "ZELIndexArrays.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 
 namespace zel {
 
@@ -74,14 +75,27 @@ void RemoveItem(Item* items, int count, int place) noexcept {
     std::memmove(items + place, items + place + 1, static_cast<std::size_t>(count - place - 1) * sizeof(Item));
 }
 
-// Moves `items` to an array of `slots` slots, or makes one when there is none. Items that stand in `inlineItems` are
-// copied, since that array is no heap block. False, and nothing changed, when there is no memory.
+template <class Key>
+void InsertEntry(IndexArrays<Key>& entries, int place, Key key, void* value) noexcept {
+    InsertItem(entries.keys, entries.count, place, key);
+    InsertItem(entries.values, entries.count, place, value);
+    ++entries.count;
+}
+
+template <class Key>
+void RemoveEntry(IndexArrays<Key>& entries, int place) noexcept {
+    RemoveItem(entries.keys, entries.count, place);
+    RemoveItem(entries.values, entries.count, place);
+    --entries.count;
+}
+
+// Moves `items` to an array of `slots` slots, or makes one when `items` is null. An array inside an object is no heap
+// block: its `count` items are copied. False, and nothing changed, when there is no memory.
 template <class Item>
-bool MoveToSlots(Item*& items, int slots, const Item* inlineItems, int count) noexcept {
-    const bool isInline = items != nullptr && items == inlineItems;
-    void* const block = std::realloc(isInline ? nullptr : items, static_cast<std::size_t>(slots) * sizeof(Item));
+bool MoveToSlots(Item*& items, int slots, int count, bool isInside) noexcept {
+    void* const block = Reallocate(isInside ? nullptr : items, static_cast<std::size_t>(slots) * sizeof(Item));
     if (block == nullptr) return false;
-    if (isInline) std::memcpy(block, items, static_cast<std::size_t>(count) * sizeof(Item));
+    if (isInside) std::memcpy(block, items, static_cast<std::size_t>(count) * sizeof(Item));
     items = static_cast<Item*>(block);
     return true;
 }
@@ -93,40 +107,65 @@ inline int SlotsFor(int capacity) noexcept {
     return isSmall ? static_cast<int>(std::bit_ceil(static_cast<unsigned>(capacity))) : capacity;
 }
 
-// Gives both arrays the slots of another capacity; see MoveToSlots.
+// Gives both arrays the slots of another capacity. `areInside`: they are arrays inside the index. False without memory.
 template <class Key>
-bool ChangeCapacity(Key*& keys, void**& values, int count, int from, int to, const Key* inlineKeys,
-                    void* const* inlineValues) noexcept {
-    const bool isHeap = keys != nullptr && keys != inlineKeys;
-    if (isHeap && SlotsFor(from) == SlotsFor(to)) return true;
-    return MoveToSlots(keys, SlotsFor(to), inlineKeys, count) &&
-           MoveToSlots(values, SlotsFor(to), const_cast<void**>(inlineValues), count);
+bool ChangeCapacity(IndexArrays<Key>& entries, int capacity, bool areInside) noexcept {
+    const bool fits = entries.keys != nullptr && !areInside && SlotsFor(entries.allocated) == SlotsFor(capacity);
+    if (!fits && !(MoveToSlots(entries.keys, SlotsFor(capacity), entries.count, areInside) &&
+                   MoveToSlots(entries.values, SlotsFor(capacity), entries.count, areInside)))
+        return false;
+    entries.allocated = capacity;
+    return true;
 }
 
-// Makes room for one more entry behind `count`. The step is constant at first and turns into half the capacity once
-// that exceeds ten steps, so that large indexes are moved a logarithmic number of times.
+// Makes room for one more entry. The step is constant at first and turns into half the capacity once that exceeds ten
+// steps, so that large indexes are moved a logarithmic number of times.
 template <class Key>
-void GrowWhenNearlyFull(Key*& keys, void**& values, int count, int& allocated, int& increment,
-                        const Key* inlineKeys = nullptr, void* const* inlineValues = nullptr) noexcept {
-    if (count < allocated - 1) return;
-    const bool grown = allocated <= INT_MAX - increment &&
-                       ChangeCapacity(keys, values, count, allocated, allocated + increment, inlineKeys, inlineValues);
+void GrowWhenNearlyFull(IndexArrays<Key>& entries, bool areInside = false) noexcept {
+    if (entries.count < entries.allocated - 1) return;
+    const int increment = entries.increment;
+    const bool grown =
+        entries.allocated <= INT_MAX - increment && ChangeCapacity(entries, entries.allocated + increment, areInside);
     FATAL(!grown, "TAIndex::increaseAllocSize failed, memory allocation failed");
-    allocated += increment;
-    if (allocated > increment * 10LL) increment = allocated / 2;
+    if (entries.allocated > increment * 10LL) entries.increment = entries.allocated / 2;
 }
 
-// Two new arrays of a capacity of `slots`. False, and both null, when there is no memory or none is asked for.
 template <class Key>
-bool AllocateArrays(const char* className, Key*& keys, void**& values, int slots) noexcept {
-    keys = nullptr;
-    values = nullptr;
-    if (slots == 0) return false;
-    if (ChangeCapacity<Key>(keys, values, 0, 0, slots, nullptr, nullptr)) return true;
-    std::free(keys);
-    keys = nullptr;
-    ReportAllocFailure(className, static_cast<std::size_t>(slots) * (sizeof(Key) + sizeof(void*)));
-    return false;
+void FreeArrays(const IndexArrays<Key>& entries) noexcept {
+    Free(entries.keys);
+    Free(entries.values);
+}
+
+// Frees the keys of an index whose keys are blocks. No entry remains.
+template <class Key>
+void FreeKeys(IndexArrays<Key*>& entries) noexcept {
+    while (entries.count > 0) Free(entries.keys[--entries.count]);
+}
+
+// Frees everything that an index of such keys owns, for the end of the index or an assignment.
+template <class Key>
+void FreeEntries(IndexArrays<Key*>& entries, bool areInside = false) noexcept {
+    if (entries.isView) return;
+    FreeKeys(entries);
+    if (!areInside) FreeArrays(entries);
+}
+
+// No entries, in two new arrays. Without memory, or when no capacity is asked for, there are no arrays.
+template <class Key>
+IndexArrays<Key> NewArrays(const char* className, int capacity, int increment) noexcept {
+    IndexArrays<Key> entries{.increment = increment};
+    if (capacity == 0 || ChangeCapacity(entries, capacity, false)) return entries;
+    ReportAllocFailure(className, static_cast<std::size_t>(capacity) * (sizeof(Key) + sizeof(void*)));
+    Free(entries.keys);
+    return {.increment = increment};
+}
+
+// A copy of a key of `size` bytes, or null.
+inline void* CopyKey(const char* className, const void* key, std::size_t size) noexcept {
+    void* const copy = Allocate(size);
+    if (copy != nullptr) return std::memcpy(copy, key, size);
+    ReportAllocFailure(className, size);
+    return nullptr;
 }
 
 }  // namespace zel

@@ -19,25 +19,23 @@
 
 namespace zel {
 
-namespace hash_text {
+inline constexpr std::size_t HashStep = 16;
 
-inline constexpr std::size_t Step = 16;
-
-inline constexpr std::array<std::uint32_t, Step + 1> powers = [] {
-    std::array<std::uint32_t, Step + 1> result{1};
-    for (std::size_t i = 1; i <= Step; ++i) result[i] = result[i - 1] * 31;
+inline constexpr std::array<std::uint32_t, HashStep + 1> powersOf31 = [] {
+    std::array<std::uint32_t, HashStep + 1> result{1};
+    for (std::size_t i = 1; i <= HashStep; ++i) result[i] = result[i - 1] * 31;
     return result;
 }();
 
 // 16 bytes of zeros and 16 of ones: 16 bytes from position n on keep the last n bytes of a register.
-alignas(16) inline constexpr std::array<std::uint8_t, 2 * Step> keepLast = [] {
-    std::array<std::uint8_t, 2 * Step> result{};
-    for (std::size_t i = Step; i < 2 * Step; ++i) result[i] = 0xFF;
+alignas(16) inline constexpr std::array<std::uint8_t, 2 * HashStep> lastBytesMasks = [] {
+    std::array<std::uint8_t, 2 * HashStep> result{};
+    for (std::size_t i = HashStep; i < 2 * HashStep; ++i) result[i] = 0xFF;
     return result;
 }();
 
 template <class Word>
-Word Load(const char* bytes) noexcept {
+Word LoadWord(const char* bytes) noexcept {
     Word word;
     std::memcpy(&word, bytes, sizeof word);
     return word;
@@ -50,12 +48,12 @@ inline Bytes16 LoadShort(std::string_view text) noexcept {
     std::uint64_t front = 0;
     std::uint64_t back = 0;
     if (size >= 8) {
-        front = size > 8 ? Load<std::uint64_t>(begin) << (8 * (16 - size)) : 0;
-        back = Load<std::uint64_t>(begin + size - 8);
+        front = size > 8 ? LoadWord<std::uint64_t>(begin) << (8 * (16 - size)) : 0;
+        back = LoadWord<std::uint64_t>(begin + size - 8);
     } else if (size >= 4) {
-        const std::uint64_t first = Load<std::uint32_t>(begin);
+        const std::uint64_t first = LoadWord<std::uint32_t>(begin);
         back = ((first << (8 * (8 - size))) & 0xFFFFFFFF) |
-               static_cast<std::uint64_t>(Load<std::uint32_t>(begin + size - 4)) << 32;
+               static_cast<std::uint64_t>(LoadWord<std::uint32_t>(begin + size - 4)) << 32;
     } else {
         for (const char byte : text)
             back = back >> 8 | static_cast<std::uint64_t>(static_cast<std::uint8_t>(byte)) << 56;
@@ -63,21 +61,18 @@ inline Bytes16 LoadShort(std::string_view text) noexcept {
     return BytesOf(front, back);
 }
 
-}  // namespace hash_text
-
 // Inlined also where compilers find it large: it is a third of a look-up, and its steps overlap with what follows.
 ZEL_ALWAYS_INLINE std::uint32_t HashText(std::string_view text) noexcept {
-    using namespace hash_text;
-    if (text.size() < Step) return NumberToBase31(LoadShort(text));
+    if (text.size() < HashStep) return NumberToBase31(LoadShort(text));
     const char* at = text.data();
     const char* const end = at + text.size();
     std::uint32_t hash = 0;
-    for (; end - at >= static_cast<std::ptrdiff_t>(Step); at += Step)
-        hash = hash * powers[Step] + NumberToBase31(LoadBytes(at));
+    for (; end - at >= static_cast<std::ptrdiff_t>(HashStep); at += HashStep)
+        hash = hash * powersOf31[HashStep] + NumberToBase31(LoadBytes(at));
     const auto rest = static_cast<std::size_t>(end - at);
     if (rest == 0) return hash;
-    const Bytes16 last = LoadBytes(end - Step) & LoadBytes(keepLast.data() + rest);
-    return hash * powers[rest] + NumberToBase31(last);
+    const Bytes16 last = LoadBytes(end - HashStep) & LoadBytes(lastBytesMasks.data() + rest);
+    return hash * powersOf31[rest] + NumberToBase31(last);
 }
 
 }  // namespace zel

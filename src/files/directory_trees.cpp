@@ -6,8 +6,8 @@
 #include "TADiagnostics.h"
 #include "TAFileUtilities.h"
 #include "files/tree_walk.h"
-#include "paths/path_names.h"
-#include "text/list_text.h"
+#include "paths/path_value.h"
+#include "text/string_list.h"
 
 using namespace zel;
 

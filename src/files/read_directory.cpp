@@ -9,10 +9,10 @@
 #include "TAFileUtilities.h"
 #include "TATextUtilities.h"
 #include "files/byte_buffer.h"
-#include "paths/path_names.h"
+#include "paths/path_value.h"
 #include "platform/directories.h"
 #include "platform/file_actions.h"
-#include "text/list_text.h"
+#include "text/string_list.h"
 #include "text/wildcard.h"
 
 using namespace zel;

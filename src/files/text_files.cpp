@@ -9,7 +9,7 @@
 #include "files/byte_buffer.h"
 #include "files/line_reader.h"
 #include "platform/text_reader.h"
-#include "text/list_text.h"
+#include "text/string_list.h"
 
 using namespace zel;
 

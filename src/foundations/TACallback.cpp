@@ -3,7 +3,6 @@
 
 #include "TACallback.h"
 
-#include <new>
 #include <utility>
 
 #include "base/failure_report.h"
@@ -15,9 +14,8 @@ TACallbackPublisher::~TACallbackPublisher() = default;
 
 void TACallbackPublisher::AddSubscriber(TACallbackSubscriber* subscriber) noexcept {
     if (!_subscribers) {
-        try {
-            _subscribers = std::make_shared<ZELListPtrTACallbackSubscriber>();
-        } catch (const std::bad_alloc&) {
+        _subscribers = ZELShared<ZELListPtrTACallbackSubscriber>::Make();
+        if (!_subscribers) {
             ReportAllocFailure("TACallbackPublisher", sizeof(ZELListPtrTACallbackSubscriber));
             return;
         }
@@ -32,7 +30,7 @@ void TACallbackPublisher::RemoveSubscriber(TACallbackSubscriber* subscriber) noe
 }
 
 int TACallbackPublisher::SendCallback(const TAEvent* event) {
-    const std::shared_ptr<ZELListPtrTACallbackSubscriber> subscribers = _subscribers;  // outlives this publisher
+    const ZELShared<ZELListPtrTACallbackSubscriber> subscribers = _subscribers;  // outlives this publisher
     if (!subscribers || subscribers->Size() == 0) return 1;
     for (int i = 1; i <= subscribers->Size(); ++i)
         if (TACallbackSubscriber* const subscriber = std::as_const(*subscribers)[i])

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "TAEnvironment.h"
+#include "TARefCounter.h"
 #include "ZELStackTrace.h"
 #include "base/failure_report.h"
 
@@ -74,4 +75,21 @@ char* TAItoa(int value, char* buffer, int radix) {
         end = std::to_chars(buffer, buffer + Room, static_cast<unsigned>(value), radix).ptr;
     *end = '\0';
     return buffer;
+}
+
+// The reference count: a plain number with two checks that end the process, one for a release too many, one for a
+// deletion while others hold references.
+
+TARefCounter::~TARefCounter() {
+    FATAL(_count != 1, "Delete on referenced object");
+    // Volatile, or compilers leave it out: until the memory is used again, it shows a release that comes too late.
+    *const_cast<volatile unsigned int*>(&_count) = 0;
+}
+
+void TARefCounter::Release() {
+    FATAL(_count < 1, "Too many release on object");
+    if (_count == 1)
+        delete this;
+    else
+        --_count;
 }

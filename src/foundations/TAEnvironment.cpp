@@ -6,11 +6,11 @@
 #include "TAEnvironment.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "TADiagnostics.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/system.h"
 
 using namespace zel;
@@ -18,7 +18,7 @@ using namespace zel;
 namespace {
 
 char* AllocateText(std::size_t size) {
-    char* const text = static_cast<char*>(std::malloc(size));
+    char* const text = AllocateArray<char>(size);
     if (text == nullptr) ReportAllocFailure("TAEnvVariable", size);
     return text;
 }
@@ -105,8 +105,8 @@ TAEnvVariable& TAEnvVariable::operator=(const TAEnvVariable& other) noexcept {
 }
 
 TAEnvVariable::~TAEnvVariable() {
-    std::free(_name);
-    std::free(_buffer);
+    Free(_name);
+    Free(_buffer);
 }
 
 // Everything is made before anything is given up, so that an object for which memory runs out stays as it was.
@@ -116,13 +116,13 @@ void TAEnvVariable::copy(const TAEnvVariable& other) noexcept {
     char* const name = other._name != nullptr ? Duplicate(other._name) : nullptr;
     char* const buffer = hasText ? MakeBuffer(name, capacity) : nullptr;
     if ((name == nullptr && other._name != nullptr) || (buffer == nullptr && hasText)) {
-        std::free(name);
-        std::free(buffer);
+        Free(name);
+        Free(buffer);
         return;
     }
     if (hasText) std::strcpy(buffer, other._buffer);
-    std::free(_name);
-    std::free(_buffer);
+    Free(_name);
+    Free(_buffer);
     _name = name;
     _buffer = buffer;
     _capacity = capacity;
@@ -140,7 +140,7 @@ int TAEnvVariable::PutEnvironmentValue(const char* value) const noexcept {
     if (text == nullptr) return 1;
     WriteAssignment(text, _name, value, length);
     const bool put = PutEnvironment(text);
-    if (text != _buffer) std::free(text);
+    if (text != _buffer) Free(text);
     return put ? 0 : 1;
 }
 

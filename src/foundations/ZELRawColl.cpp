@@ -1,4 +1,4 @@
-// The storage of all collections: one malloc'd block of equal elements that are moved as bytes.
+// The storage of all collections: one heap block of equal elements that are moved as bytes.
 //
 // Invariants: 0 <= _size <= _capacity; _elements is null exactly while _capacity is 0.
 // Growth is by half, so that appending costs amortised constant time and realloc can reuse what it freed before.
@@ -9,13 +9,13 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <type_traits>
 #include <utility>
 
 #include "ZELStableSort.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 
 using namespace zel;
 
@@ -44,7 +44,7 @@ ZELCollec::ZELCollec(ZELCollec&& other) noexcept : _elementSize(other._elementSi
 }
 
 ZELCollec::~ZELCollec() {
-    std::free(_elements);
+    Free(_elements);
 }
 
 ZELRawCollPV::~ZELRawCollPV() = default;
@@ -81,7 +81,7 @@ void ZELCollec::ReportAllocFailure(const char* className, std::size_t bytes) noe
 
 // Says nothing: a hint that finds no memory is no failure.
 bool ZELCollec::SetCapacity(int capacity) noexcept {
-    void* const block = std::realloc(_elements, std::size_t{_elementSize} * static_cast<std::size_t>(capacity));
+    void* const block = Reallocate(_elements, std::size_t{_elementSize} * static_cast<std::size_t>(capacity));
     if (block == nullptr) return false;
     _elements = block;
     _capacity = capacity;
@@ -136,7 +136,7 @@ int ZELCollec::RemovePosition(int position, unsigned int count) noexcept {
 void ZELCollec::RemoveAll(MemoryHandling handling) noexcept {
     _size = 0;
     if (handling == KeepMemory) return;
-    std::free(_elements);
+    Free(_elements);
     _elements = nullptr;
     _capacity = 0;
 }

@@ -9,11 +9,12 @@
 #include "ZELString.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <functional>
 #include <utility>
 
+#include "base/ascii.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "foundations/text_search.h"
 
 using namespace zel;
@@ -24,7 +25,7 @@ namespace {
 constexpr std::size_t MaxLength = 0x7FFFFFFE;
 
 char* AllocateText(std::size_t length) noexcept {
-    char* const text = length <= MaxLength ? static_cast<char*>(std::malloc(length + 1)) : nullptr;
+    char* const text = length <= MaxLength ? AllocateArray<char>(length + 1) : nullptr;
     if (text == nullptr) ReportAllocFailure("ZELString", length);
     return text;
 }
@@ -32,23 +33,23 @@ char* AllocateText(std::size_t length) noexcept {
 }  // namespace
 
 void ZELString::FreeText() noexcept {
-    std::free(_long);
+    Free(_long);
 }
 
-// Replaces the text by `text`, which may lie inside the old one.
-void ZELString::Assign(std::string_view text) noexcept {
-    if (text.size() <= Room()) {
-        std::memmove(Text(), text.data(), text.size());
-        SetLength(text.size());
+// Replaces the text by `text`, which may be a part of the old one.
+void ZELString::AssignBytes(const char* text, std::size_t length) noexcept {
+    if (length <= Room()) {
+        std::memmove(Text(), text, length);
+        SetLength(length);
         return;
     }
-    char* const block = AllocateText(text.size());
+    char* const block = AllocateText(length);
     if (block == nullptr) return;
-    std::memcpy(block, text.data(), text.size());
+    std::memcpy(block, text, length);
     if (_room != 0) FreeText();
     _long = block;
-    _room = static_cast<std::uint32_t>(text.size());
-    SetLength(text.size());
+    _room = static_cast<std::uint32_t>(length);
+    SetLength(length);
 }
 
 // Moves the text into a block with room for at least `length` characters; false when there is none.
@@ -58,7 +59,7 @@ bool ZELString::Grow(std::size_t length) noexcept {
     // realloc moves large blocks by their pages; small ones are cheaper to copy by hand.
     constexpr std::uint32_t ReallocatedFrom = 1024;
     if (_room >= ReallocatedFrom && room <= MaxLength) {
-        if (char* const moved = static_cast<char*>(std::realloc(_long, room + 1))) {
+        if (char* const moved = static_cast<char*>(Reallocate(_long, room + 1))) {
             _long = moved;
             _room = static_cast<std::uint32_t>(room);
             return true;
@@ -74,27 +75,28 @@ bool ZELString::Grow(std::size_t length) noexcept {
 }
 
 // Appends what does not fit. `text` may lie in the block that is about to move: it is found again by its offset.
-void ZELString::AppendGrowing(std::string_view text) noexcept {
+void ZELString::AppendGrowing(const char* text, std::size_t length) noexcept {
     const std::less<const char*> before;
     const char* const old = Text();
-    const bool inside = !before(text.data(), old) && !before(old + _length, text.data());
-    const std::size_t offset = inside ? static_cast<std::size_t>(text.data() - old) : 0;
-    if (!Grow(_length + text.size())) return;
-    std::memcpy(Text() + _length, inside ? Text() + offset : text.data(), text.size());
-    SetLength(_length + text.size());
+    const bool inside = !before(text, old) && !before(old + _length, text);
+    const std::size_t offset = inside ? static_cast<std::size_t>(text - old) : 0;
+    if (!Grow(_length + length)) return;
+    std::memcpy(Text() + _length, inside ? Text() + offset : text, length);
+    SetLength(_length + length);
 }
 
 void ZELString::Reserve(std::size_t length) noexcept {
     if (length > Room()) Grow(length);
 }
 
-ZELString ZELString::Join(std::string_view left, std::string_view right) noexcept {
+ZELString ZELString::JoinBytes(const char* left, std::size_t leftLength, const char* right,
+                               std::size_t rightLength) noexcept {
     ZELString joined;
-    const std::size_t length = left.size() + right.size();
+    const std::size_t length = leftLength + rightLength;
     if (length > InlineCapacity && !joined.Grow(length)) return joined;
     char* const text = joined.Text();
-    std::memcpy(text, left.data(), left.size());
-    std::memcpy(text + left.size(), right.data(), right.size());
+    std::memcpy(text, left, leftLength);
+    std::memcpy(text + leftLength, right, rightLength);
     joined.SetLength(length);
     return joined;
 }
@@ -133,9 +135,6 @@ int ZELString::ReplaceSubString(const ZELString& what, const ZELString& by) noex
 
 ZELString& ZELString::ToUpper() noexcept {
     char* const text = Text();
-    for (std::size_t i = 0; i < _length; ++i) {
-        const bool lower = text[i] >= 'a' && text[i] <= 'z';
-        text[i] = static_cast<char>(text[i] - (lower ? 'a' - 'A' : 0));
-    }
+    for (std::size_t i = 0; i < _length; ++i) text[i] = ToAsciiUpper(text[i]);
     return *this;
 }

@@ -11,13 +11,14 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <new>
 #include <string_view>
 
 #include "base/failure_report.h"
+#include "base/growing_array.h"
+#include "base/memory.h"
 #include "platform/text_reader.h"
 
 using namespace zel;
@@ -36,13 +37,12 @@ struct ZELTrace::Channel {
     ZELTraMode mode;
     std::FILE* stream;  // null: the file has not been opened
     char* path;         // null: a standard stream
-    char* message;
-    std::size_t room;  // bytes at `message`; before the first message the number to begin with
+    GrowingArray<char> message;
+    std::size_t firstRoom;  // bytes that are reserved for the first message
 
     ~Channel() {
         if (path != nullptr && stream != nullptr) std::fclose(stream);
-        std::free(path);
-        std::free(message);
+        Free(path);
     }
     bool Open() noexcept;
     bool MakeRoom(std::size_t size) noexcept;
@@ -55,7 +55,7 @@ constinit std::atomic<ZELTraceName*> firstName = nullptr;
 
 ZELTraceName* MakeName(std::string_view text) {
     const std::size_t size = sizeof(ZELTraceName) + text.size();
-    void* const block = std::malloc(size);
+    void* const block = Allocate(size);
     if (block == nullptr) {
         ReportAllocFailure("ZELTrace", size);
         return nullptr;
@@ -75,12 +75,12 @@ ZELTraceName* Intern(const char* name) {
         ZELTraceName* known = head;
         while (known != nullptr && known->Text() != text) known = known->next;
         if (known != nullptr) {
-            std::free(made);
+            Free(made);
             return known;
         }
         if (made == nullptr && (made = MakeName(text)) == nullptr) return nullptr;
         made->next = head;
-        // Somebody else's new entry may be this very name: look again.
+        // Another thread's new entry may be this very name: look again.
         if (firstName.compare_exchange_strong(head, made, std::memory_order_acq_rel, std::memory_order_acquire))
             return made;
     }
@@ -94,32 +94,27 @@ bool ZELTrace::Channel::Open() noexcept {
 }
 
 bool ZELTrace::Channel::MakeRoom(std::size_t size) noexcept {
-    char* const grown = static_cast<char*>(std::realloc(message, size));
-    if (grown == nullptr) {
-        ReportAllocFailure("ZELTrace", size);
-        return false;
-    }
-    message = grown;
-    room = size;
-    return true;
+    if (message.Reserve(size)) return true;
+    ReportAllocFailure("ZELTrace", size);
+    return false;
 }
 
 // The length of the message, which is then complete; negative when it could not be made.
 int ZELTrace::Channel::Format(const char* format, std::va_list arguments) noexcept {
-    if (message == nullptr && !MakeRoom(room)) return -1;
+    if (!MakeRoom(firstRoom)) return -1;
     std::va_list again;
     va_copy(again, arguments);
-    int length = std::vsnprintf(message, room, format, arguments);
-    if (length >= 0 && static_cast<std::size_t>(length) >= room) {
+    int length = std::vsnprintf(message.Data(), message.Capacity(), format, arguments);
+    if (length >= 0 && static_cast<std::size_t>(length) >= message.Capacity()) {
         const bool grown = MakeRoom(static_cast<std::size_t>(length) + 1);
-        length = grown ? std::vsnprintf(message, room, format, again) : -1;
+        length = grown ? std::vsnprintf(message.Data(), message.Capacity(), format, again) : -1;
     }
     va_end(again);
     return length;
 }
 
 ZELTrace::ZELTrace(const char* name, const char*, ZELTraMode mode, const char* destination, int size) noexcept
-    : _name(Intern(name)), _channel(new (std::nothrow) Channel{}) {
+    : _name(Intern(name)), _channel(ZELNew<Channel>()) {
     if (_channel == nullptr) {
         ReportAllocFailure("ZELTrace", sizeof(Channel));
         _name = nullptr;
@@ -127,15 +122,14 @@ ZELTrace::ZELTrace(const char* name, const char*, ZELTraMode mode, const char* d
     }
     constexpr int SmallestRoom = 128;
     constexpr int LargestRoom = 1 << 20;  // a size that is an error should not cost its memory
-    _channel->room = static_cast<std::size_t>(std::clamp(size, SmallestRoom, LargestRoom));
+    _channel->firstRoom = static_cast<std::size_t>(std::clamp(size, SmallestRoom, LargestRoom));
     _channel->mode = mode;
     const std::string_view target(destination != nullptr ? destination : "");
     if (target.empty() || target == "STDERR") {
         _channel->stream = stderr;
     } else if (target == "STDOUT") {
         _channel->stream = stdout;
-    } else if (char* const path = static_cast<char*>(std::malloc(target.size() + 1))) {
-        std::memcpy(path, destination, target.size() + 1);
+    } else if (char* const path = CopyText(target)) {
         _channel->path = path;
     } else {
         ReportAllocFailure("ZELTrace", target.size() + 1);
@@ -144,7 +138,7 @@ ZELTrace::ZELTrace(const char* name, const char*, ZELTraMode mode, const char* d
 }
 
 ZELTrace::~ZELTrace() {
-    delete _channel;
+    ZELDelete(_channel);
 }
 
 void ZELTrace::Activate(const char* name) noexcept {
@@ -168,6 +162,6 @@ void ZELTrace::TraPrint(const char* format, ...) noexcept {
     const int length = _channel->Format(format, arguments);
     va_end(arguments);
     if (length < 0) return;
-    std::fwrite(_channel->message, 1, static_cast<std::size_t>(length), _channel->stream);
+    std::fwrite(_channel->message.Data(), 1, static_cast<std::size_t>(length), _channel->stream);
     std::fflush(_channel->stream);
 }

@@ -9,13 +9,13 @@
 #include "ZELUnicodeString.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
+#include "ZELToken.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "base/utf8.h"
-#include "foundations/scan_number.h"
 
 using namespace zel;
 
@@ -27,7 +27,7 @@ constexpr std::size_t MaxLength = (std::size_t{1} << 29) - 1;
 char* MakeBytes(std::u32string_view units) noexcept {
     std::size_t size = 0;
     for (const char32_t code : units) size += Utf8Length(code);
-    auto* const bytes = static_cast<char*>(std::malloc(size + 1));
+    auto* const bytes = AllocateArray<char>(size + 1);
     if (bytes == nullptr) {
         ReportAllocFailure("ZELUnicodeString", size + 1);
         return nullptr;
@@ -50,10 +50,11 @@ ZELUnicodeString::ZELUnicodeString(const char* text) noexcept
     _isNull = text == nullptr;
 }
 
-ZELUnicodeString::ZELUnicodeString(std::string_view text) noexcept : ZELUnicodeString() {
+void ZELUnicodeString::SetBytes(const char* bytes, std::size_t size) noexcept {
     // No text has more characters than bytes.
-    char32_t* const units = MakeRoom(text.size());
+    char32_t* const units = MakeRoom(size);
     if (units == nullptr) return;
+    std::string_view text(bytes, size);
     std::size_t length = 0;
     while (!text.empty()) {
         const auto byte = static_cast<unsigned char>(text.front());
@@ -67,11 +68,11 @@ ZELUnicodeString::ZELUnicodeString(std::string_view text) noexcept : ZELUnicodeS
     _length = static_cast<std::uint32_t>(length);
 }
 
-ZELUnicodeString::ZELUnicodeString(std::u32string_view text) noexcept : ZELUnicodeString() {
-    char32_t* const units = MakeRoom(text.size());
-    if (units == nullptr) return;
-    std::copy(text.begin(), text.end(), units);
-    _length = static_cast<std::uint32_t>(text.size());
+void ZELUnicodeString::SetUnits(const char32_t* units, std::size_t length) noexcept {
+    char32_t* const room = MakeRoom(length);
+    if (room == nullptr) return;
+    std::copy_n(units, length, room);
+    _length = static_cast<std::uint32_t>(length);
 }
 
 ZELUnicodeString::ZELUnicodeString(const ZELUnicodeChar& character, int count) noexcept : ZELUnicodeString() {
@@ -92,7 +93,7 @@ ZELUnicodeString::ZELUnicodeString(ZELUnicodeString&& other) noexcept : ZELUnico
 
 ZELUnicodeString::~ZELUnicodeString() {
     DropBytes();
-    if (_room != 0) std::free(_long);
+    if (_room != 0) Free(_long);
 }
 
 ZELUnicodeString& ZELUnicodeString::operator=(const ZELUnicodeString& other) noexcept {
@@ -109,7 +110,7 @@ ZELUnicodeString& ZELUnicodeString::operator=(const ZELUnicodeString& other) noe
 ZELUnicodeString& ZELUnicodeString::operator=(ZELUnicodeString&& other) noexcept {
     if (this == &other) return *this;
     DropBytes();
-    if (_room != 0) std::free(_long);
+    if (_room != 0) Free(_long);
     Take(other);
     return *this;
 }
@@ -128,7 +129,7 @@ void ZELUnicodeString::Take(ZELUnicodeString& other) noexcept {
 void ZELUnicodeString::DropBytes() noexcept {
     if (char* const bytes = _bytes.load(std::memory_order_relaxed)) {
         _bytes.store(nullptr, std::memory_order_relaxed);
-        std::free(bytes);
+        Free(bytes);
     }
 }
 
@@ -139,7 +140,7 @@ char32_t* ZELUnicodeString::MakeRoom(std::size_t length) noexcept {
     const std::size_t room = std::min(std::max(length, _length + std::size_t{_length} / 2), MaxLength);
     const std::size_t bytes = room * sizeof(char32_t);
     void* const old = _room != 0 ? _long : nullptr;
-    auto* const units = length <= MaxLength ? static_cast<char32_t*>(std::realloc(old, bytes)) : nullptr;
+    auto* const units = length <= MaxLength ? static_cast<char32_t*>(Reallocate(old, bytes)) : nullptr;
     if (units == nullptr) {
         ReportAllocFailure("ZELUnicodeString", length * sizeof(char32_t));
         return nullptr;
@@ -156,13 +157,9 @@ const char* ZELUnicodeString::ConvertToChar() const noexcept {
     if (known != nullptr) return known;
     char* const made = MakeBytes(View());
     if (made == nullptr) return "";
-    if (_bytes.compare_exchange_strong(known, made, std::memory_order_acq_rel, std::memory_order_acquire)) return made;
-    std::free(made);
+    if (_bytes.compare_exchange_strong(known, made, std::memory_order_acq_rel)) return made;
+    Free(made);
     return known;
-}
-
-int ZELUnicodeString::ConvertToNum(int* value, const char* format) const noexcept {
-    return value != nullptr ? ScanNumber(View(), ZELUnicodeString(format).View(), value) : 0;
 }
 
 ZELUnicodeString ZELUnicodeString::Strip(ZELStripMode mode, const ZELUnicodeChar& c) const noexcept {
@@ -209,4 +206,18 @@ void ZELUnicodeString::Recompose(std::size_t joint) noexcept {
     while (!rest.empty()) *out++ = TakeUtf8(rest);
     out = std::copy(units + last, units + _length, out);
     _length = static_cast<std::uint32_t>(out - units);
+}
+
+// The tokenizer. Each call costs the length of the text that it passes, times the number of separators.
+
+ZELToken::ZELToken(const ZELUnicodeString& text) noexcept : _text(text) {}
+
+ZELToken::~ZELToken() = default;
+
+ZELUnicodeString ZELToken::GetNextToken(const ZELUnicodeString& separators) noexcept {
+    const std::u32string_view text = _text.View();
+    const std::size_t start = std::min(text.find_first_not_of(separators.View(), _position), text.size());
+    const std::size_t end = std::min(text.find_first_of(separators.View(), start), text.size());
+    _position = std::min(end + 1, text.size());
+    return ZELUnicodeString(text.substr(start, end - start));
 }

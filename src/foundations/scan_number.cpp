@@ -1,13 +1,17 @@
+// ZELUnicodeString::ConvertToNum: one integer by a format in the manner of scanf.
+//
 // The caller's format never reaches the C library: a second conversion there would write through a pointer that nobody
 // passed, and a number too large for its type is undefined. A format is parsed here in full before a character of the
 // text is looked at, so a format that is not understood never converts anything.
-
-#include "foundations/scan_number.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
+
+#include "ZELUnicodeString.h"
+#include "base/ascii.h"
 
 using namespace zel;
 
@@ -36,14 +40,15 @@ std::size_t FindConversion(std::u32string_view format) noexcept {
     return at;
 }
 
+// False when the format is none of those that are known.
 bool ParseFormat(std::u32string_view text, Format& format) noexcept {
     const std::size_t start = FindConversion(text);
     if (start == npos) return false;
     format.before = text.substr(0, start);
     std::size_t at = start + 1;
-    if (at < text.size() && text[at] >= '1' && text[at] <= '9') {
+    if (at < text.size() && text[at] != '0' && IsAsciiDigit(text[at])) {
         format.width = 0;
-        for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at)
+        for (; at < text.size() && IsAsciiDigit(text[at]); ++at)
             format.width = std::min<std::size_t>(format.width * 10 + (text[at] - '0'), INT_MAX);
     }
     if (at == text.size()) return false;
@@ -70,16 +75,15 @@ bool MatchLiterals(std::u32string_view& text, std::u32string_view literals) noex
 }
 
 unsigned int DigitValue(char32_t code) noexcept {
-    if (code >= '0' && code <= '9') return code - '0';
-    if (code >= 'a' && code <= 'f') return code - 'a' + 10;
-    if (code >= 'A' && code <= 'F') return code - 'A' + 10;
-    return UINT_MAX;
+    if (IsAsciiDigit(code)) return code - '0';
+    const char32_t letter = ToAsciiLower(code);
+    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : UINT_MAX;
 }
 
 // The base that `conversion` reads in; takes a prefix 0x from `text` where it belongs to the number.
 unsigned int TakeBase(std::u32string_view& text, char32_t conversion) noexcept {
     const bool mayBeHex = conversion == 'x' || conversion == 'X' || conversion == 'i';
-    if (mayBeHex && text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+    if (mayBeHex && text.size() > 1 && text[0] == '0' && ToAsciiLower(text[1]) == 'x') {
         text.remove_prefix(2);
         return 16;
     }
@@ -101,14 +105,17 @@ int Clamp(std::uint64_t magnitude, bool negative, bool isSigned) noexcept {
 
 }  // namespace
 
-int zel::ScanNumber(std::u32string_view text, std::u32string_view formatText, int* value) noexcept {
-    Format format;
-    if (!ParseFormat(formatText, format) || !MatchLiterals(text, format.before)) return 0;
+int ZELUnicodeString::ConvertToNum(int* value, const char* format) const noexcept {
+    if (value == nullptr) return 0;
+    const ZELUnicodeString formatText(format);
+    std::u32string_view text = View();
+    Format parsed;
+    if (!ParseFormat(formatText.View(), parsed) || !MatchLiterals(text, parsed.before)) return 0;
     SkipWhite(text);
-    text = text.substr(0, format.width);
+    text = text.substr(0, parsed.width);
     const bool negative = !text.empty() && text[0] == '-';
     if (negative || (!text.empty() && text[0] == '+')) text.remove_prefix(1);
-    const unsigned int base = TakeBase(text, format.conversion);
+    const unsigned int base = TakeBase(text, parsed.conversion);
 
     if (text.empty() || DigitValue(text[0]) >= base) return 0;
     // Stops growing far above every int, far below the end of its own type.
@@ -116,7 +123,7 @@ int zel::ScanNumber(std::u32string_view text, std::u32string_view formatText, in
     std::uint64_t magnitude = 0;
     for (; !text.empty() && DigitValue(text[0]) < base; text.remove_prefix(1))
         magnitude = std::min(magnitude * base + DigitValue(text[0]), Enough);
-    const bool isSigned = format.conversion == 'd' || format.conversion == 'i';
+    const bool isSigned = parsed.conversion == 'd' || parsed.conversion == 'i';
     *value = Clamp(magnitude, negative, isSigned);
     return 1;
 }

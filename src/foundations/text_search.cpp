@@ -7,7 +7,6 @@
 #include "foundations/text_search.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 
 #include "base/memory.h"
@@ -27,7 +26,7 @@ using BorderTable = std::unique_ptr<std::uint32_t[], FreeBlock>;
 // borders[i]: the length of the longest proper prefix of `what` that ends what[0..i] as well.
 BorderTable MakeBorders(std::string_view what) noexcept {
     if (what.size() > UINT32_MAX) return nullptr;
-    BorderTable borders(static_cast<std::uint32_t*>(std::malloc(what.size() * sizeof(std::uint32_t))));
+    BorderTable borders(AllocateArray<std::uint32_t>(what.size()));
     if (!borders) return nullptr;
     borders[0] = 0;
     std::uint32_t border = 0;

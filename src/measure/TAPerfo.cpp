@@ -12,9 +12,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <ostream>
+#include <string_view>
 #include <utility>
 
-#include "foundations/stream_text.h"
 #include "measure/amount_text.h"
 #include "measure/whole_seconds.h"
 
@@ -40,6 +41,21 @@ int ValidPeriod(int length) noexcept {
 // A sum that wraps.
 int Sum(int one, int other) noexcept {
     return static_cast<int>(static_cast<std::uint32_t>(one) + static_cast<std::uint32_t>(other));
+}
+
+// Passes `text` and an end of line to the stream's buffer in one piece and flushes it; nothing when the stream has
+// failed or has no buffer. The stream may belong to another C++ runtime. The virtual functions of its buffer are the
+// caller's own code, while the stream's operators would be this library's. Bytes that the buffer rejects are lost.
+void WriteLine(std::ostream& stream, std::string_view text) noexcept {
+    std::streambuf* const buffer = stream.rdbuf();
+    if (buffer == nullptr || !stream.good()) return;
+    const ZELString line = ZELString(text) + '\n';
+    try {
+        buffer->sputn(line.CastToCharPtr(), line.Length());
+        buffer->pubsync();
+    } catch (...) {
+        // No exception of a caller's buffer passes through the library.
+    }
 }
 
 }  // namespace

@@ -16,10 +16,11 @@
 
 #include "TADiagnostics.h"
 #include "TAEnvironment.h"
+#include "base/ascii.h"
 #include "base/bytes16.h"
 #include "base/failure_report.h"
-#include "paths/normalise.h"
-#include "paths/path_names.h"
+#include "base/memory.h"
+#include "paths/path_value.h"
 #include "platform/file_actions.h"
 #include "platform/native_path.h"
 #include "platform/system.h"
@@ -30,16 +31,17 @@ namespace {
 
 constexpr char Separator = '\\';
 
-unsigned char FoldCase(char character) noexcept {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte + ('a' - 'A')) : byte;
-}
-
 bool IsAbsolute(std::string_view path) noexcept {
     return IsDrive(path.substr(0, 2)) || path.starts_with(Separator);
 }
 
 }  // namespace
+
+// A view, as a type of this class's own: the exported functions name no type of the standard library.
+struct TAFileName::Text : std::string_view {
+    Text(std::string_view text) noexcept : std::string_view(text) {}
+    Text(const char* text) noexcept : std::string_view(text != nullptr ? text : "") {}
+};
 
 int TAFileName::_backSlashReplacementOnUnix = 1;
 
@@ -48,7 +50,7 @@ TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
     if (length == 0) return nullptr;
     constexpr std::size_t MaxLength = 0x7FFFFF00;
     const std::size_t size = offsetof(Block, text) + (length / PathPadding + 1) * PathPadding;
-    auto* const block = length <= MaxLength ? static_cast<Block*>(std::malloc(size)) : nullptr;
+    auto* const block = length <= MaxLength ? static_cast<Block*>(Allocate(size)) : nullptr;
     if (block == nullptr) {
         ReportAllocFailure("TAFileName", size);
         return nullptr;
@@ -60,15 +62,14 @@ TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
     return block;
 }
 
-TAFileName::Block* TAFileName::MakeBlock(std::string_view text) noexcept {
+TAFileName::Block* TAFileName::MakeBlock(const Text& text) noexcept {
     Block* const block = NewBlock(text.size());
     if (block != nullptr) std::memcpy(block->text, text.data(), text.size());
     return block;
 }
 
 // The pieces one behind the other.
-TAFileName::Block* TAFileName::MakeBlock(std::string_view first, std::string_view separator,
-                                         std::string_view second) noexcept {
+TAFileName::Block* TAFileName::MakeBlock(const Text& first, const Text& separator, const Text& second) noexcept {
     Block* const block = NewBlock(first.size() + separator.size() + second.size());
     if (block == nullptr) return nullptr;
     char* const middle = std::copy(first.begin(), first.end(), block->text);
@@ -93,7 +94,7 @@ std::size_t TAFileName::FindLast(char character, std::size_t end) const noexcept
 // The last owner is gone, or one owner too many.
 void TAFileName::FreeBlock() noexcept {
     if (_block->count < 0) std::abort();
-    std::free(_block);
+    Free(_block);
 }
 
 // Takes over a block, which is this name's alone, and lets the old one go.
@@ -102,14 +103,14 @@ void TAFileName::SetBlock(Block* block) noexcept {
     _block = block;
 }
 
-TAFileName::TAFileName(const char* path) noexcept : TAFileName(std::string_view(path != nullptr ? path : "")) {}
+TAFileName::TAFileName(const char* path) noexcept : TAFileName(Text(path)) {}
 
 TAFileName::TAFileName(const char* path, int length) noexcept
-    : TAFileName(std::string_view(path, path != nullptr && length > 0 ? static_cast<std::size_t>(length) : 0)) {}
+    : TAFileName(Text(std::string_view(path, path != nullptr && length > 0 ? static_cast<std::size_t>(length) : 0))) {}
 
-TAFileName::TAFileName(const ZELString& path) noexcept : TAFileName(path.View()) {}
+TAFileName::TAFileName(const ZELString& path) noexcept : TAFileName(Text(path.View())) {}
 
-TAFileName::TAFileName(std::string_view path) noexcept : _block(MakeBlock(path)) {
+TAFileName::TAFileName(const Text& path) noexcept : _block(MakeBlock(path)) {
     TAFileName::Normalize();
 }
 
@@ -125,7 +126,7 @@ TAFileName& TAFileName::operator=(TAFileName&& other) noexcept {
 }
 
 TAFileName& TAFileName::operator=(const char* path) noexcept {
-    SetBlock(MakeBlock(path != nullptr ? path : ""));
+    SetBlock(MakeBlock(path));
     Normalize();
     return *this;
 }
@@ -149,9 +150,8 @@ ZELString TAFileName::GetNativeName() const noexcept {
     return NativePath(*this).Text();
 }
 
-bool TAFileName::EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char one, char other) { return FoldCase(one) == FoldCase(other); });
+bool TAFileName::HasSameLetters(const char* left, const char* right, std::size_t length) noexcept {
+    return EqualsIgnoringCase({left, length}, {right, length});
 }
 
 int TAFileName::IsEqual(const TAFileName& other) const noexcept {
@@ -177,7 +177,7 @@ TAFileName TAFileName::Part(std::size_t start, std::size_t length) const noexcep
     return part;
 }
 
-TAFileName TAFileName::Join(std::string_view tail) const noexcept {
+TAFileName TAFileName::Join(const Text& tail) const noexcept {
     TAFileName joined;
     joined._block = MakeBlock(View(), _block != nullptr && !tail.empty() ? "\\" : "", tail);
     joined.TAFileName::Normalize();
@@ -185,14 +185,14 @@ TAFileName TAFileName::Join(std::string_view tail) const noexcept {
 }
 
 TAFileName TAFileName::operator+(const char* tail) const noexcept {
-    return Join(tail != nullptr ? tail : "");
+    return Join(tail);
 }
 TAFileName TAFileName::operator+(const ZELString& tail) const noexcept {
     return Join(tail.View());
 }
 
 TAFileName& TAFileName::operator+=(const char* tail) noexcept {
-    const std::string_view added(tail != nullptr ? tail : "");
+    const Text added(tail);
     SetBlock(MakeBlock(View(), _block != nullptr && !added.empty() ? "/" : "", added));
     Normalize();
     return *this;

@@ -13,7 +13,7 @@
 #include "base/failure_report.h"
 #include "base/growing_array.h"
 #include "base/memory.h"
-#include "paths/path_names.h"
+#include "paths/path_value.h"
 #include "platform/process_image.h"
 #include "platform/process_table.h"
 #include "process/child_ledger.h"

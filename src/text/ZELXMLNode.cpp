@@ -12,9 +12,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <utility>
 
+#include "ZELMemory.h"
 #include "base/failure_report.h"
 #include "text/xml_text.h"
 
@@ -22,7 +22,17 @@ using namespace zel;
 
 ZELXMLNodeListener::~ZELXMLNodeListener() = default;
 
-ZELXMLNode::ZELXMLNode(const char* tag) noexcept : _tag(MakeXMLName(tag != nullptr ? tag : "")) {}
+namespace {
+
+ZELString NameOf(const char* text) noexcept {
+    return MakeXMLName(text != nullptr ? text : "");
+}
+
+}  // namespace
+
+ZELXMLNode::ZELXMLNode(const char* tag) noexcept : _tag(NameOf(tag)) {
+    if (_tag.Length() == 0) _tag = "_";
+}
 
 ZELXMLNode::ZELXMLNode(const ZELXMLNode& other) noexcept {
     if (CopyTree(other)) return;
@@ -71,7 +81,7 @@ void ZELXMLNode::DeleteNodes() noexcept {
             pending = node;
         }
         parent->_nodes.RemoveAll(ZELCollec::ReleaseMemory);
-        if (parent != this) delete parent;
+        if (parent != this) ZELDelete(parent);
         if (pending == nullptr) return;
         parent = std::exchange(pending, pending->_next);
     }
@@ -120,7 +130,7 @@ bool ZELXMLNode::CopyTree(const ZELXMLNode& other) noexcept {
         }
         ZELXMLNode* const copy = MakeNode();
         if (copy == nullptr || !copy->CopyOwn(original) || !parent->Adopt(copy)) {
-            delete copy;
+            ZELDelete(copy);
             return false;
         }
         parent = copy;
@@ -134,7 +144,7 @@ bool ZELXMLNode::CopyTree(const ZELXMLNode& other) noexcept {
 }
 
 ZELXMLNode* ZELXMLNode::MakeNode() noexcept {
-    auto* const node = new (std::nothrow) ZELXMLNode;
+    auto* const node = ZELNew<ZELXMLNode>();
     if (node == nullptr) ReportAllocFailure("ZELXMLNode", sizeof(ZELXMLNode));
     return node;
 }
@@ -151,7 +161,7 @@ bool ZELXMLNode::Adopt(ZELXMLNode* node) noexcept {
 // Adopts `node`, or deletes it, and tells the listeners.
 ZELXMLNode& ZELXMLNode::AddOwned(ZELXMLNode* node) noexcept {
     if (node == nullptr || !Adopt(node)) {
-        delete node;
+        ZELDelete(node);
         return ZELFreshValue<ZELXMLNode>();
     }
     int position = 1;
@@ -168,21 +178,21 @@ ZELXMLNode& ZELXMLNode::AddOwned(ZELXMLNode* node) noexcept {
 ZELXMLNode& ZELXMLNode::AddNode(const ZELXMLNode& node) noexcept {
     ZELXMLNode* copy = MakeNode();
     if (copy != nullptr && !copy->CopyTree(node)) {
-        delete copy;
+        ZELDelete(copy);
         copy = nullptr;
     }
     return AddOwned(copy);
 }
 
 ZELXMLNode& ZELXMLNode::AddNode(const char* tag) noexcept {
-    ZELXMLNode* const node = MakeNode();
-    if (node != nullptr) node->_tag = MakeXMLName(tag != nullptr ? tag : "");
+    ZELXMLNode* node = MakeNode();
+    if (node != nullptr && (node->_tag = NameOf(tag)).Length() == 0) ZELDelete(std::exchange(node, nullptr));
     return AddOwned(node);
 }
 
 int ZELXMLNode::LocateNode(const char* tag, int from) const noexcept {
     if (from < 1) return 0;
-    const ZELString wanted = MakeXMLName(tag != nullptr ? tag : "");
+    const ZELString wanted = NameOf(tag);
     for (int position = from; position <= GetNodeCount(); ++position)
         if (GetNode(position)->_tag == wanted) return position;
     return 0;
@@ -194,19 +204,29 @@ int ZELXMLNode::LocateAttribute(const ZELString& name) const noexcept {
     return at == _attributes.end() ? 0 : static_cast<int>(at - _attributes.begin()) + 1;
 }
 
+// The list copies the texts, which are compared since a copy without memory is empty.
+int ZELXMLNode::AppendAttribute(const Attribute& attribute) noexcept {
+    if (_attributes.Append(attribute) != 0) return 1;
+    const Attribute& copy = _attributes[_attributes.Size()];
+    if (copy.name == attribute.name && copy.value == attribute.value) return 0;
+    _attributes.RemovePosition(_attributes.Size());
+    return 1;
+}
+
 int ZELXMLNode::SetAttr(const char* name, const char* value) noexcept {
     if (name == nullptr || *name == '\0') return 1;
-    Attribute attribute{MakeXMLName(name), ZELString(value)};
+    Attribute attribute{NameOf(name), ZELString(value)};
+    if (attribute.name.Length() == 0) return 1;
     if (value != nullptr && static_cast<std::size_t>(attribute.value.Length()) != std::strlen(value)) return 1;
     const int position = LocateAttribute(attribute.name);
-    if (position == 0) return _attributes.Append(attribute);
+    if (position == 0) return AppendAttribute(attribute);
     _attributes[position].value = std::move(attribute.value);
     return 0;
 }
 
 const char* ZELXMLNode::GetAttr(const char* name) const noexcept {
     if (name == nullptr || *name == '\0') return nullptr;
-    const int position = LocateAttribute(MakeXMLName(name));
+    const int position = LocateAttribute(NameOf(name));
     return position != 0 ? _attributes[position].value.CastToCharPtr() : nullptr;
 }
 

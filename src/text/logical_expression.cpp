@@ -14,12 +14,12 @@
 #include <algorithm>
 #include <climits>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "TATextUtilities.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "text/wildcard.h"
 
 using namespace zel;
@@ -63,7 +63,7 @@ public:
     Formula(const Formula&) = delete;
     Formula& operator=(const Formula&) = delete;
     ~Formula() {
-        if (_block != _room) std::free(_block);
+        if (_block != _room) Free(_block);
     }
 
     // False when there was no memory, too.
@@ -104,7 +104,7 @@ private:
     Level* _levels = nullptr;
     int _levelCount = 0;
     char* _copy = nullptr;   // the expression, with the operators of the levels so far overwritten
-    void* _block = nullptr;  // what the four lie in: _room or malloc'd; null without memory
+    void* _block = nullptr;  // what the four lie in: _room or a heap block; null without memory
     alignas(Place) unsigned char _room[2048];
 };
 
@@ -113,7 +113,7 @@ bool Formula::MakeRoom(std::string_view expression) noexcept {
     const std::size_t depths = 2 * size + 1;
     const std::size_t levels = size / 2 + 1;
     const std::size_t bytes = (size + 1) * sizeof(Place) + levels * sizeof(Level) + depths * sizeof(int) + size;
-    _block = bytes <= sizeof _room ? _room : std::malloc(bytes);
+    _block = bytes <= sizeof _room ? _room : Allocate(bytes);
     if (_block == nullptr) {
         ReportAllocFailure("TestMatchWithLogExp", bytes);
         return false;

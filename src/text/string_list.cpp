@@ -1,5 +1,7 @@
-// Sorted lists of texts. Both searches are binary, by bytes; the list is never sorted here, so one that is not in order
-// gives some result, but no harm.
+// Lists of texts. Both searches are binary, by bytes. The list is never sorted here: a list that is not in order gives
+// some result, without harm.
+
+#include "text/string_list.h"
 
 #include <string_view>
 
@@ -19,6 +21,15 @@ std::string_view ViewOf(const ZELString* text) noexcept {
 }
 
 }  // namespace
+
+bool zel::AppendText(ZELListValZELString& list, std::string_view text) noexcept {
+    if (list.Append(ZELString()) != 0) return false;
+    ZELString& added = list[list.Size()];
+    added = ZELString(text);
+    if (added.View().size() == text.size()) return true;
+    list.RemovePosition(list.Size());
+    return false;
+}
 
 void InsertInList(ZELString& text, ZELListValZELString& list) noexcept {
     int low = 1;

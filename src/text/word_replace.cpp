@@ -10,12 +10,13 @@
 // before, so that there is an end.
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "TATextUtilities.h"
+#include "base/ascii.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "foundations/text_search.h"
 
 using namespace zel;
@@ -25,7 +26,7 @@ namespace {
 constexpr std::size_t npos = std::string_view::npos;
 
 bool IsIdentifierPart(char c) noexcept {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '$';
+    return IsAsciiAlnum(c) || c == '_' || c == '$';
 }
 
 bool IsWhite(char c) noexcept {
@@ -38,7 +39,7 @@ public:
     explicit GapText(const char* text) noexcept : _rest(text) {}
     GapText(const GapText&) = delete;
     GapText& operator=(const GapText&) = delete;
-    ~GapText() { std::free(_block); }
+    ~GapText() { Free(_block); }
 
     std::string_view Rest() const noexcept { return _rest; }
     // The byte in front of `position` in the rest; NUL at the beginning of the text.
@@ -65,7 +66,7 @@ public:
         std::memmove(_block + _passed, _rest.data(), _rest.size());
         const std::size_t length = _passed + _rest.size();
         _block[length] = '\0';
-        char* const fitting = static_cast<char*>(std::realloc(_block, length + 1));
+        char* const fitting = static_cast<char*>(Reallocate(_block, length + 1));
         char* const taken = fitting != nullptr ? fitting : _block;
         _block = nullptr;
         return taken;
@@ -77,7 +78,7 @@ private:
         const std::size_t needed = _passed + passing + restSize;
         if (_block != nullptr && needed <= _capacity) return true;
         const std::size_t capacity = std::max(needed + needed / 2, _rest.size());
-        char* const block = static_cast<char*>(std::malloc(capacity + 1));  // and the terminator in the end
+        char* const block = AllocateArray<char>(capacity + 1);  // and the terminator in the end
         if (block == nullptr) {
             ReportAllocFailure("replace", capacity + 1);
             return false;
@@ -85,7 +86,7 @@ private:
         if (_passed != 0) std::memcpy(block, _block, _passed);
         char* const rest = block + capacity - _rest.size();
         std::memcpy(rest, _rest.data(), _rest.size());
-        std::free(_block);
+        Free(_block);
         _block = block;
         _capacity = capacity;
         _rest = {rest, _rest.size()};
@@ -168,7 +169,7 @@ int replace(char*& text, const char* word, const char* open, const char* close, 
         result = 1;
     }
     if (char* const replaced = gap.Take()) {
-        std::free(text);
+        Free(text);
         text = replaced;
     }
     return isComplete ? result : 0;

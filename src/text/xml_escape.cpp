@@ -8,12 +8,12 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "TATextUtilities.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "foundations/text_search.h"
 #include "text/xml_text.h"
 
@@ -118,7 +118,7 @@ int encodeXMLString(char*& text) noexcept {
     std::size_t growth = 0;
     for (std::size_t i = 0; i < length; ++i) growth += GrowthOf(text[i]);
     if (growth == 0) return 0;
-    char* const grown = static_cast<char*>(std::realloc(text, length + growth + 1));
+    char* const grown = static_cast<char*>(Reallocate(text, length + growth + 1));
     if (grown == nullptr) {
         ReportAllocFailure("encodeXMLString", length + growth + 1);
         return 0;

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <iterator>
 
+#include "base/ascii.h"
 #include "base/utf8.h"
 
 using namespace zel;
@@ -32,12 +33,11 @@ bool IsIn(const Range (&ranges)[Count], char32_t code) noexcept {
 }
 
 bool IsNameStart(char32_t code) noexcept {
-    const char32_t folded = code | 0x20;
-    return (folded >= 'a' && folded <= 'z') || code == '_' || code == ':' || IsIn(NameStarts, code);
+    return IsAsciiLetter(code) || code == '_' || code == ':' || IsIn(NameStarts, code);
 }
 
 bool IsNamePart(char32_t code) noexcept {
-    return IsNameStart(code) || (code >= '0' && code <= '9') || code == '-' || code == '.' || IsIn(NameParts, code);
+    return IsNameStart(code) || IsAsciiDigit(code) || code == '-' || code == '.' || IsIn(NameParts, code);
 }
 
 // The other form of a character, or an empty text where it stands for itself.
@@ -69,15 +69,15 @@ std::string_view Escape(char32_t code, XMLPlace place) noexcept {
 }  // namespace
 
 ZELString zel::MakeXMLName(std::string_view text) noexcept {
-    ZELString name;
-    while (!text.empty()) {
+    XMLOutput name;
+    if (text.empty()) name.Put("_");
+    for (bool isFirst = true; !text.empty(); isFirst = false) {
         const std::string_view before = text;
         const char32_t code = TakeUtf8(text);
-        const bool fits = name.Length() == 0 ? IsNameStart(code) : IsNamePart(code);
-        name.Append(fits ? before.substr(0, before.size() - text.size()) : "_");
+        const bool fits = isFirst ? IsNameStart(code) : IsNamePart(code);
+        name.Put(fits ? before.substr(0, before.size() - text.size()) : "_");
     }
-    if (name.Length() == 0) name.Append("_");
-    return name;
+    return name.HasFailed() ? ZELString() : name.Take();
 }
 
 XMLOutput& XMLOutput::Put(std::string_view piece) noexcept {

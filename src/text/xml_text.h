@@ -10,7 +10,7 @@
 namespace zel {
 
 // The UTF-8 text as a name: "_" for each character (and each byte that is not UTF-8) that a name must not hold where it
-// stands, and for an empty text.
+// stands, and for an empty text. Empty when memory runs out.
 ZELString MakeXMLName(std::string_view text) noexcept;
 
 enum class XMLPlace { Text, AttributeValue };

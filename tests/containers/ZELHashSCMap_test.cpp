@@ -1,5 +1,6 @@
 #include "ZELHashSCMap.h"
 
+#include <deque>
 #include <limits>
 
 #include "ZELStringPool.h"
@@ -170,11 +171,11 @@ TEST(ZELHashSCMap, CopiesAreViewsUntilTheyAreChanged) {
 
 // Each allocation fails once, for all of them: the map loses nothing but the one entry, and takes it the next time.
 TEST(ZELHashSCMap, SurvivesEachFailedAllocation) {
-    std::vector<std::unique_ptr<ZELHashSCMap>> maps;  // they keep their nodes, so that each round needs new ones
+    std::deque<ZELHashSCMap> maps;  // they keep their nodes, so that each round needs new ones
     const AllocationFailures failures = FailEachAllocation([&](FailingMemory& memory) {
         const bool hasTable = !maps.empty();
         memory.Begin();
-        ZELHashSCMap& map = *maps.emplace_back(std::make_unique<ZELHashSCMap>());
+        ZELHashSCMap& map = maps.emplace_back();
         for (int i = 0; i < 25000; ++i) {
             // The last one is too long for the block of its entry.
             const std::string key = "key" + std::to_string(i) + std::string(i == 24999 ? 2000 : 0, 'x');

@@ -218,23 +218,24 @@ TEST(FilterMemory, LetsANullFilterBecomeAStar) {
 }
 
 TEST(FilterMemory, BearsThatAnyAllocationFails) {
-    // Needs every kind of memory: bits for many positions, maps, keys longer than a buffer.
-    const std::string text = "*b[a]*a[a]*[a]*[a]*aaaaaaaaaaaaaaaaaaaaaaaa*" + Repeat("[b-c].*", 40);
-    const std::string candidate = Repeat("baa", 1500) + std::string(30, 'a') + Repeat("bx", 40);
+    // Needs every kind of memory: many records, borders, bits for many positions, maps, keys longer than a buffer.
+    const ZELUnicodeString text(
+        std::string_view("*b[a]*a[a]*[a]*[a]*aaaaaaaaaaaaaaaaaaaaaaaa*" + Repeat("[b-c].*", 40)));
+    const ZELUnicodeString candidate(std::string_view(Repeat("baa", 1500) + std::string(30, 'a') + Repeat("bx", 40)));
     const AllocationFailures failures = FailEachAllocation([&](FailingMemory& memory) {
         TAUnicodeRegularExpression filter;
         memory.Begin();
-        const int refused = filter.SetFilter(text.c_str(), URE_Memoised);
-        const int first = filter.CheckFromFilter(candidate.c_str());
-        const int again = filter.CheckFromFilter(candidate.c_str());
+        const int refused = filter.SetFilter(text, URE_Memoised);
+        const int first = filter.CheckFromFilter(candidate);
+        const int again = filter.CheckFromFilter(candidate);
         TAUnicodeRegularExpression copy(filter);
-        const int copied = copy.CheckFromFilter(candidate.c_str());
+        const int copied = copy.CheckFromFilter(candidate);
         memory.End();
         EXPECT_EQ(again, 1 - refused);
         EXPECT_GE(copied + again, 1);
         EXPECT_LE(first, again);
-        EXPECT_EQ(filter.SetFilter(text.c_str(), URE_Memoised), 0);
-        EXPECT_EQ(filter.CheckFromFilter(candidate.c_str()), 1);
+        EXPECT_EQ(filter.SetFilter(text, URE_Memoised), 0);
+        EXPECT_EQ(filter.CheckFromFilter(candidate), 1);
     });
     EXPECT_GE(failures.count, 8);
 }

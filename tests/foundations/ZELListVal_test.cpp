@@ -3,14 +3,14 @@
 #include <ranges>
 
 #include "ZELListValZELString.h"
+#include "support/failing_memory.h"
 #include "support/testing.h"
 
 namespace {
 
-// A value that counts its objects, remembers who was deleted, and whose nth allocation from now fails on request.
+// A value that counts its objects and remembers which were deleted.
 struct Counted {
     static inline int alive = 0;
-    static inline int allocationsLeft = INT_MAX;
     static inline std::vector<int> deleted;
 
     Counted(int initial = 0) : number(initial) { ++alive; }
@@ -20,10 +20,6 @@ struct Counted {
         --alive;
         deleted.push_back(number);
     }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-        return allocationsLeft > 0 && allocationsLeft-- ? std::malloc(size) : nullptr;
-    }
-    static void operator delete(void* block) noexcept { std::free(block); }
     auto operator<=>(const Counted&) const = default;
 
     int number;
@@ -124,16 +120,17 @@ TEST_F(ZELListValTest, StaysAsItWasWithoutMemory) {
         +[](List& list, const List& source) { return (list = source) == source ? 0 : 1; },
     };
     for (const auto operation : operations) {
-        int result = 1;
-        for (int allocations = 0; result != 0; ++allocations) {
-            List list = MakeList(3);
-            Counted::allocationsLeft = allocations;
-            const std::string printed = Printed([&] { result = operation(list, other); });
-            Counted::allocationsLeft = INT_MAX;
-            EXPECT_TRUE(allocations > 0 || result != 0);
-            EXPECT_EQ(printed.rfind("# Alloc failed in ZELListVal", 0), result != 0 ? 0 : std::string::npos);
-            EXPECT_TRUE(result == 0 || Text(list) == "1 2 3 ");
-        }
+        const AllocationFailures failures = FailEachAllocation(
+            [&](FailingMemory& memory) {
+                List list = MakeList(3);
+                memory.Begin();
+                const int result = operation(list, other);
+                memory.End();
+                EXPECT_EQ(Holds(memory.Said(), "# Alloc failed in "), result != 0);
+                EXPECT_TRUE(result == 0 || Text(list) == "1 2 3 ");
+            },
+            Fallback::Possible);
+        EXPECT_TRUE(Holds(failures.said, "# Alloc failed in ZELListVal"));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "TAEnvironment.h"
+#include "support/failing_memory.h"
 #include "support/slots.h"
 #include "support/testing.h"
 
@@ -174,4 +175,27 @@ TEST(TAFileName, TemporaryNamesAreNobodyElses) {
 
 TEST(TAFileName, NormalizeIsTheOnlySlot) {
     EXPECT_EQ(SlotOf(&Exposed::Normalize), 0u);
+}
+
+TEST(TAFileName, BecomesNullAndNeverAPartWithoutMemory) {
+    const TAFileName name("C:\\work\\tools\\file.cpp");
+    using Change = TAFileName (*)(TAFileName);
+    const Change changes[] = {
+        [](TAFileName file) { return file + "below"; },
+        [](TAFileName file) { return file += "below"; },
+        [](TAFileName file) { return file = "another\\name"; },
+        [](TAFileName file) { return file.basename(2); },
+        [](TAFileName file) { return file.dirname(2); },
+        [](TAFileName file) { return file.AddExtension("o"), file; },
+        [](TAFileName file) { return file.SetExtension("o"), file; },
+    };
+    for (const Change change : changes) {
+        const TAFileName expected = change(name);
+        const AllocationFailures failures = FailEachAllocation([&](FailingMemory& memory) {
+            memory.Begin();
+            const TAFileName changed = change(name);
+            EXPECT_EQ(changed.View(), memory.End() ? "" : expected.View());
+        });
+        EXPECT_EQ(failures.count, 1);
+    }
 }

@@ -1,4 +1,6 @@
 #include "TATextUtilities.h"
+
+#include "support/failing_memory.h"
 #include "support/testing.h"
 
 TEST(QStrstr, FindsOnOneLineWithinTheLimitWithoutGoingBack) {
@@ -94,4 +96,34 @@ TEST(ToolsToUnicode, TerminatesWhatFits) {
     unit = 7;
     EXPECT_EQ(ZELToolsToUnicode("a", &unit, -1), 1);
     EXPECT_EQ(unit, 7);
+}
+
+TEST(TextUtilities, LeaveBlocksAsTheyWereWithoutMemory) {
+    const std::string text = Repeat("word & ", 40);
+    using Work = int (*)(char*&);
+    const std::pair<Work, std::string> works[] = {
+        {[](char*& block) { return encodeXMLString(block); }, Repeat("word &amp; ", 40)},
+        {[](char*& block) { return replace(block, "word", nullptr, nullptr, "another word"); },
+         Repeat("another word & ", 40)},
+    };
+    for (const auto& [work, expected] : works)
+        FailEachAllocation(
+            [&](FailingMemory& memory) {
+                char* block = CopyText(text);
+                memory.Begin();
+                const int result = work(block);
+                memory.End();
+                EXPECT_EQ(result, memory.Said().empty() ? 1 : 0);
+                EXPECT_EQ(block, result == 0 ? text : expected);
+                Free(block);
+            },
+            Fallback::Possible);
+    ZELString line(text.c_str());
+    FailEachAllocation(
+        [&](FailingMemory& memory) {
+            memory.Begin();
+            const ZELString entities = substituteEntities(line);
+            EXPECT_EQ(entities.Length() == 0, memory.End());
+        },
+        Fallback::Possible);
 }

@@ -1,5 +1,6 @@
 #include "ZELXMLNode.h"
 
+#include "support/failing_memory.h"
 #include "support/testing.h"
 #include "support/utf8.h"
 
@@ -153,4 +154,29 @@ TEST(ZELXMLNode, IsAsDeepAsMemoryAllows) {
     copy = root;
     EXPECT_TRUE(copy.ToXML() == expected.c_str());
     root.AddNode(copy);
+}
+
+TEST(ZELXMLNode, StaysWellFormedAndAsItWasWithoutMemory) {
+    const std::string longText(60, 't');
+    const auto show = [](const ZELXMLNode& node) { return node.ToXML(); };
+    ZELXMLNode tree(longText.c_str());
+    tree.AddNode("below").SetText(longText.c_str());
+    const ZELXMLNode other(*tree.GetNode(1));
+    const std::function<void(ZELXMLNode&)> changes[] = {
+        [&](ZELXMLNode& node) { node.SetAttr(longText.c_str(), longText.c_str()); },
+        [&](ZELXMLNode& node) { node.SetText(longText.c_str()); },
+        [&](ZELXMLNode& node) { node.AddNode(longText.c_str()); },
+        [](ZELXMLNode& node) { node.AddNode(node); },
+        [&](ZELXMLNode& node) { node = other; },
+    };
+    for (const auto& change : changes) ExpectAllOrNothing(tree, change, show);
+    FailEachAllocation(
+        [&](FailingMemory& memory) {
+            memory.Begin();
+            const ZELXMLNode copy(tree);
+            memory.End();
+            const std::string expected = memory.Said().empty() ? tree.ToXML().CastToCharPtr() : "<" + longText + "/>\n";
+            EXPECT_EQ(copy.ToXML(), expected.c_str());
+        },
+        Fallback::Possible);
 }

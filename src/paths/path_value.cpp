@@ -3,7 +3,7 @@
 // is found, the two ends are all that is left to look at. Otherwise the rules run one after the other, each a single
 // pass that leaps from one such place to the next and moves the text between them as it stands.
 
-#include "paths/normalise.h"
+#include "paths/path_value.h"
 
 #include <bit>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "paths/normalise.h"
+#include "paths/path_value.h"
 #include "support/testing.h"
 
 namespace {

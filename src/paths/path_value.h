@@ -1,9 +1,12 @@
-// The one form in which every path value is kept: backslashes, no empty or "." components, no ".." that can be taken
-// back, no backslash at the end.
-#ifndef PATHS_NORMALISE_H
-#define PATHS_NORMALISE_H
+// Path values: the one form in which each is kept (backslashes, no empty or "." components, no ".." that can be taken
+// back, no backslash at the end), and the names that can be a part of one.
+#ifndef PATHS_PATH_VALUE_H
+#define PATHS_PATH_VALUE_H
 
 #include <cstddef>
+#include <string_view>
+
+#include "base/ascii.h"
 
 namespace zel {
 
@@ -21,6 +24,16 @@ inline constexpr std::size_t PathPadding = 16;
 //   7. at least two characters that end with a backslash: that one goes, also behind a drive ("C:\" becomes "C:").
 // Linear; the same text again when applied twice.
 std::size_t NormalisePath(char* text, std::size_t length) noexcept;
+
+// Whether a path value that ends with `name` leads to it: a backslash in it would be read as a separator.
+inline bool IsPathComponent(std::string_view name) noexcept {
+    return name.find('\\') == std::string_view::npos;
+}
+
+// Whether `name` is a letter and ":", which stand for a drive at the beginning of a path value.
+inline bool IsDrive(std::string_view name) noexcept {
+    return name.size() == 2 && name[1] == ':' && IsAsciiLetter(name[0]);
+}
 
 }  // namespace zel
 
