@@ -33,6 +33,7 @@
 #include "ZELString.h"
 
 namespace zel {
+struct YAVLinePieces;  // both for the library alone
 struct YAVStandardStreams;
 }  // namespace zel
 
@@ -79,6 +80,7 @@ protected:
 
 private:
     friend class YAVIFStream;
+    friend struct zel::YAVLinePieces;
     struct Shared;
 
     bool MakeShared(std::FILE* own) noexcept;
@@ -120,9 +122,6 @@ private:
     friend struct zel::YAVStandardStreams;
     constexpr explicit YAVIFStream(Standard which) noexcept : YAVFStream(which) {}
 
-    struct Piece;
-
-    bool Next(std::FILE* file, int delimiter, std::size_t most, Piece& piece) noexcept;
     int LineResult(bool any) noexcept;
 };
 
