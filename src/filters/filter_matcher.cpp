@@ -58,15 +58,15 @@ public:
 
 private:
     FilterMatcher(const FilterProgram& program, std::u32string_view text, std::size_t end) noexcept
-        : _program(program), _text(text), _end(end), _reached(end) {}
+        : _program(program), _text(text), _end(end) {}
 
     bool AcceptsTail() const noexcept;
     bool ContainsRequiredLiteral() const noexcept;
     bool Accepts(const FilterLexeme& lexeme, std::size_t position) const noexcept;
-    bool Pass(const FilterLexeme& lexeme) noexcept;
-    bool PassFixed(const FilterLexeme& lexeme) noexcept;
-    bool KeepAccepted(const FilterLexeme& lexeme) noexcept;
-    bool KeepLiteral(const FilterLexeme& literal, bool isFirstEnough) noexcept;
+    bool Pass(const FilterLexeme& lexeme, ReachedPositions& reached) const noexcept;
+    bool PassFixed(const FilterLexeme& lexeme, ReachedPositions& reached) const noexcept;
+    bool KeepAccepted(const FilterLexeme& lexeme, ReachedPositions& reached) const noexcept;
+    bool KeepLiteral(const FilterLexeme& literal, bool isFirstEnough, ReachedPositions& reached) const noexcept;
     // The characters that a block admits.
     struct Admission {
         bool operator()(std::size_t position) const noexcept {
@@ -89,17 +89,18 @@ private:
     const FilterProgram& _program;
     const std::u32string_view _text;
     const std::size_t _end;  // where the tail begins in the text
-    ReachedPositions _reached;
 };
 
 inline int FilterMatcher::Match(const FilterProgram& program, std::u32string_view text) noexcept {
     const auto tailSize = static_cast<std::size_t>(program.TailSize());
     if (tailSize > text.size() || (program.Tail() == 0 && tailSize < text.size())) return 0;
-    FilterMatcher matcher(program, text, text.size() - tailSize);
+    const FilterMatcher matcher(program, text, text.size() - tailSize);
     if (!matcher.AcceptsTail() || !matcher.ContainsRequiredLiteral()) return 0;
+    if (program.Tail() == 0) return 1;
+    ReachedPositions reached(matcher._end);
     for (int i = 0; i < program.Tail(); ++i)
-        if (!matcher.Pass(program.Lexeme(i))) return matcher._reached.IsOutOfMemory() ? -1 : 0;
-    return matcher._reached.Holds(matcher._end) ? 1 : 0;
+        if (!matcher.Pass(program.Lexeme(i), reached)) return reached.IsOutOfMemory() ? -1 : 0;
+    return reached.Holds(matcher._end) ? 1 : 0;
 }
 
 inline bool FilterMatcher::AcceptsTail() const noexcept {
@@ -130,42 +131,43 @@ inline bool FilterMatcher::Accepts(const FilterLexeme& lexeme, std::size_t posit
     return position == end;
 }
 
-inline bool FilterMatcher::Pass(const FilterLexeme& lexeme) noexcept {
+inline bool FilterMatcher::Pass(const FilterLexeme& lexeme, ReachedPositions& reached) const noexcept {
     if (lexeme.type == FilterLexeme::AnyRun) {
-        _reached.Open();
+        reached.Open();
         return true;
     }
-    if (lexeme.size >= 0) return PassFixed(lexeme);
-    const bool isFromOne = _reached.IsOne();
-    _reached.Extend(AdmittedBy(lexeme));
-    if (isFromOne && _program.SetOf(lexeme).endsRun) _reached.KeepLast();
+    if (lexeme.size >= 0) return PassFixed(lexeme, reached);
+    const bool isFromOne = reached.IsOne();
+    reached.Extend(AdmittedBy(lexeme));
+    if (isFromOne && _program.SetOf(lexeme).endsRun) reached.KeepLast();
     return true;
 }
 
-inline bool FilterMatcher::PassFixed(const FilterLexeme& lexeme) noexcept {
+inline bool FilterMatcher::PassFixed(const FilterLexeme& lexeme, ReachedPositions& reached) const noexcept {
     const auto size = static_cast<std::size_t>(lexeme.size);
-    if (size > _end || _text.empty() || !_reached.DropAbove(std::min(_end - size, _text.size() - 1))) return false;
-    const bool isAccepted = _reached.IsOne() ? Accepts(lexeme, _reached.First()) : KeepAccepted(lexeme);
-    _reached.Move(size);
+    if (size > _end || _text.empty() || !reached.DropAbove(std::min(_end - size, _text.size() - 1))) return false;
+    const bool isAccepted = reached.IsOne() ? Accepts(lexeme, reached.First()) : KeepAccepted(lexeme, reached);
+    reached.Move(size);
     return isAccepted;
 }
 
-inline bool FilterMatcher::KeepAccepted(const FilterLexeme& lexeme) noexcept {
+inline bool FilterMatcher::KeepAccepted(const FilterLexeme& lexeme, ReachedPositions& reached) const noexcept {
     const bool isFirstEnough = (&lexeme + 1)->type == FilterLexeme::AnyRun;
     if (lexeme.type == FilterLexeme::AnyOne) return true;
-    if (lexeme.type == FilterLexeme::Literal) return KeepLiteral(lexeme, isFirstEnough);
+    if (lexeme.type == FilterLexeme::Literal) return KeepLiteral(lexeme, isFirstEnough, reached);
     BlockSearch search(AdmittedBy(lexeme), static_cast<std::size_t>(lexeme.size));
-    return _reached.Keep(search, isFirstEnough);
+    return reached.Keep(search, isFirstEnough);
 }
 
-inline bool FilterMatcher::KeepLiteral(const FilterLexeme& literal, bool isFirstEnough) noexcept {
+inline bool FilterMatcher::KeepLiteral(const FilterLexeme& literal, bool isFirstEnough,
+                                       ReachedPositions& reached) const noexcept {
     const std::u32string_view text = _program.TextOf(literal);
     if (text.size() <= ShortLiteralSize) {
         ShortLiteralSearch search(_text, text);
-        return _reached.Keep(search, isFirstEnough);
+        return reached.Keep(search, isFirstEnough);
     }
     LongLiteralSearch search(_text, text, _program.BordersOf(literal));
-    return _reached.Keep(search, isFirstEnough);
+    return reached.Keep(search, isFirstEnough);
 }
 
 inline std::size_t FilterMatcher::Admission::Next(std::size_t from, std::size_t end, bool isAdmitted) const noexcept {
