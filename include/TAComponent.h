@@ -18,24 +18,17 @@
 #define TACOMPONENT_H
 
 #include <cstddef>
-#include <new>
 
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELListValZELString.h"
 #include "ZELMap.h"
-#include "ZELMemory.h"
 #include "ZELString.h"
 
 class ZELHashRWMap;
 
-class ZEL_API TAComponent {
+class ZEL_API TAComponent : public ZELHeapObject {
 public:
-    // On the heap: a block of ZELAllocate(), whichever side deletes it.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     TAComponent() noexcept;
     TAComponent(const TAComponent& other) noexcept;
     TAComponent& operator=(const TAComponent& other) noexcept;

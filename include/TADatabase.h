@@ -18,22 +18,15 @@
 #define TADATABASE_H
 
 #include <cstddef>
-#include <new>
 
 #include "TAFileName.h"
 #include "TARefCounter.h"
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 #include "ZELString.h"
 
 class ZEL_API TADatabase : public TARefCounter {
 public:
-    // On the heap: a block of ZELAllocate(), whichever side deletes it.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     // `database` is the connect identifier, which stands behind "@".
     TADatabase(ZELString user, ZELString password, ZELString database) noexcept;
     TADatabase(const TADatabase& other) noexcept = default;

@@ -21,25 +21,18 @@
 #define TAMUTEX_H
 
 #include <cstddef>
-#include <new>
 
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 #include "ZELShared.h"
 #include "ZELString.h"
 
-class ZEL_API TAMutex {
+class ZEL_API TAMutex : public ZELHeapObject {
 public:
     explicit TAMutex(ZELString name) noexcept;
     TAMutex(const TAMutex&) noexcept = default;
     TAMutex& operator=(const TAMutex&) noexcept = default;
     virtual ~TAMutex();
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     // Waits without time limit. 0 when locked; 128 when locked and the thread or process that had it last ended without
     // unlocking, so that what it protects may be half done; -1 on failure.
@@ -53,18 +46,12 @@ private:
     ZELShared<Shared> _shared;  // empty without memory
 };
 
-class ZEL_API TALockProcess {
+class ZEL_API TALockProcess : public ZELHeapObject {
 public:
     explicit TALockProcess(ZELString name) noexcept;
     TALockProcess(const TALockProcess&) noexcept = default;
     TALockProcess& operator=(const TALockProcess&) noexcept = default;
     virtual ~TALockProcess();
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     // As those of TAMutex.
     int Lock();

@@ -26,13 +26,12 @@
 #define TAPATTR_H
 
 #include <cstddef>
-#include <new>
 #include <utility>
 
 #include "TAFileName.h"
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELListVal.h"
-#include "ZELMemory.h"
 #include "ZELString.h"
 
 class TAPAttr;
@@ -44,14 +43,8 @@ namespace zel {
 struct SharedText;
 }  // namespace zel
 
-class ZEL_API TAPAttr {
+class ZEL_API TAPAttr : public ZELHeapObject {
 public:
-    // On the heap: a block of ZELAllocate(), whichever side deletes it.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     // The codes of the kinds, as IsType takes them, in the order of operator<.
     enum Type { TypeNull, TypeString, TypeFileName, TypeObject, TypeList, TypeInteger, TypePath };
 

@@ -31,7 +31,6 @@
 #define TAPOBJECT_H
 
 #include <cstddef>
-#include <new>
 
 #include "TAFileName.h"
 #include "TAIndex.h"
@@ -39,16 +38,10 @@
 #include "TAPPath.h"
 #include "TARefCounter.h"
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 
 class ZEL_API TAPObject : public TARefCounter {
 public:
-    // On the heap: a block of ZELAllocate(), whichever side deletes it.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     TAPObject() noexcept = default;
     TAPObject(const TAPObject& other) noexcept;
     TAPObject& operator=(const TAPObject& other) noexcept;

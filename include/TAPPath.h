@@ -19,11 +19,10 @@
 #define TAPPATH_H
 
 #include <cstddef>
-#include <new>
 
 #include "TARefCounter.h"
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 
 class TAPObjectSaveContext;
 namespace zel {
@@ -32,12 +31,6 @@ struct SharedText;
 
 class ZEL_API TAPName : public TARefCounter {
 public:
-    // On the heap: a block of ZELAllocate(), whichever side deletes it.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     explicit TAPName(const char* name) noexcept;
     // Both take the count of references of `other` along, as every TARefCounter does, and share the text.
     TAPName(const TAPName& other) noexcept;
@@ -53,12 +46,6 @@ private:
 
 class ZEL_API TAPPath : public TARefCounter {
 public:
-    // On the heap: a block of ZELAllocate(), whichever side deletes it.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     // A path of one name.
     explicit TAPPath(TAPName* name) noexcept;
     // The names of `parent` and then `name`. Without a parent the path has no names at all, not even `name`.

@@ -21,15 +21,14 @@
 #define TAPERFO_H
 
 #include <cstddef>
-#include <new>
 #include <ostream>
 
 #include "TAThreadLock.h"
 #include "ZELAtomic.h"
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELListPtr.h"
 #include "ZELListValZELString.h"
-#include "ZELMemory.h"
 #include "ZELPlatformTypes.h"
 #include "ZELString.h"
 
@@ -41,14 +40,8 @@ public:
 };
 
 // The amount since the counter was made or reset: "name 4.88k in 30s".
-class ZEL_API TAPerfo {
+class ZEL_API TAPerfo : public ZELHeapObject {
 public:
-    // Counters on the heap are blocks of ZELAllocate(), whichever side deletes them.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     // Starts at 0 now and is appended to `globalList`.
     TAPerfo() noexcept;  // named "no-name"
     explicit TAPerfo(ZELString name) noexcept;

@@ -20,12 +20,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
 
 #include "ZELAtomic.h"
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELListPtr.h"
-#include "ZELMemory.h"
 #include "ZELShared.h"
 
 namespace zel {
@@ -38,7 +37,7 @@ public:
     using ZELListPtr<TAThread>::ZELListPtr;
 };
 
-class ZEL_API TAThread {
+class ZEL_API TAThread : public ZELHeapObject {
 public:
     TAThread() noexcept;
     explicit TAThread(void (*function)(int, const char**)) noexcept;
@@ -51,12 +50,6 @@ public:
     virtual void Run();
     // Waits for the thread, if it runs, and leaves the register.
     virtual ~TAThread();
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     void SetFunc(void (*function)(int, const char**)) noexcept;
     // The arguments are `first`, which counts also when it is null, and the following pointers in front of the first

@@ -20,13 +20,12 @@
 #define TATHREADLOCK_H
 
 #include <cstddef>
-#include <new>
 
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 #include "ZELShared.h"
 
-class ZEL_API TAThreadLock {
+class ZEL_API TAThreadLock : public ZELHeapObject {
 public:
     TAThreadLock() noexcept;
     TAThreadLock(const TAThreadLock&) noexcept = default;
@@ -37,12 +36,6 @@ public:
     // Frees the lock and lets one waiting thread on; nothing when it is free already.
     virtual int ReleaseLock();
     virtual ~TAThreadLock();
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
 private:
     struct Shared;

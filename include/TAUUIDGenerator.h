@@ -24,20 +24,13 @@
 #define TAUUIDGENERATOR_H
 
 #include <cstddef>
-#include <new>
 
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 #include "ZELPlatformTypes.h"
 
-class ZEL_API TAUUIDGenerator {
+class ZEL_API TAUUIDGenerator : public ZELHeapObject {
 public:
-    // Generators on the heap are blocks of ZELAllocate(), whichever side deletes them.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
-
     TAUUIDGenerator() noexcept = default;
     TAUUIDGenerator(const TAUUIDGenerator&) noexcept = default;
     TAUUIDGenerator& operator=(const TAUUIDGenerator&) noexcept = default;

@@ -25,10 +25,9 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <new>
 
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 #include "ZELShared.h"
 #include "ZELString.h"
 
@@ -37,7 +36,7 @@ struct YAVLinePieces;  // both for the library alone
 struct YAVStandardStreams;
 }  // namespace zel
 
-class ZEL_API YAVFStream {
+class ZEL_API YAVFStream : public ZELHeapObject {
 public:
     constexpr YAVFStream() noexcept = default;
     // Borrows `file`, which must stay open while this and its copies use it. Null: no file.
@@ -45,12 +44,6 @@ public:
     YAVFStream(const YAVFStream& other) noexcept;
     YAVFStream& operator=(const YAVFStream& other) noexcept;
     virtual ~YAVFStream();
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     // Lets go of a borrowed file, or closes an own one, for all copies. 1 when there is none, or the system reports a
     // failure; there is no file afterwards.

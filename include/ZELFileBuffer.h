@@ -18,13 +18,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
 
 #include "TACallback.h"
 #include "ZELAtomic.h"
 #include "ZELExport.h"
+#include "ZELHeapObject.h"
 #include "ZELListPtr.h"
-#include "ZELMemory.h"
 #include "ZELShared.h"
 #include "ZELThreads.h"
 
@@ -48,12 +47,6 @@ public:
     explicit ZELFileBuffer(const char* fileName) noexcept;
     ZELFileBuffer(const ZELFileBuffer&) = delete;
     ZELFileBuffer& operator=(const ZELFileBuffer&) = delete;
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     void AddRef() noexcept { _count.fetch_add(1); }
     // Gives a reference back and returns how many are left. The last one publishes the event and deletes the buffer.

@@ -23,13 +23,12 @@
 #define ZELFILEPREPRO_H
 
 #include <cstddef>
-#include <new>
 
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 #include "ZELString.h"
 
-class ZEL_API ZELFilePrepro {
+class ZEL_API ZELFilePrepro : public ZELHeapObject {
 public:
     // What to remove: any of these, added together.
     static constexpr int REMOVE_SLCOMMENTS = 1;
@@ -45,12 +44,6 @@ public:
     ZELFilePrepro(const ZELFilePrepro&) = delete;
     ZELFilePrepro& operator=(const ZELFilePrepro&) = delete;
     virtual ~ZELFilePrepro();
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     // 0, or 2 when the text ends inside an element (a last line comment or preprocessor line without a line feed is
     // one): `output` is a new block then, NUL-terminated and never longer than the text, which the caller frees with

@@ -24,24 +24,17 @@
 #define ZELFWMODRESPHELPER_H
 
 #include <cstddef>
-#include <new>
 
 #include "ZELExport.h"
-#include "ZELMemory.h"
+#include "ZELHeapObject.h"
 #include "ZELShared.h"
 
-class ZEL_API ZELFwModRespHelper {
+class ZEL_API ZELFwModRespHelper : public ZELHeapObject {
 public:
     ZELFwModRespHelper() noexcept;
     ZELFwModRespHelper(const ZELFwModRespHelper&) noexcept = default;
     ZELFwModRespHelper& operator=(const ZELFwModRespHelper&) noexcept = default;
     virtual ~ZELFwModRespHelper();
-
-    // Objects from `new` come from the library's memory: deleting one through its virtual destructor is library code.
-    static void* operator new(std::size_t size) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return ZELAllocate(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { ZELFree(block); }
 
     // Always 0. Files that cannot be opened count as empty. Each kind is read once: later calls change nothing.
     int parseFiles(const char* orgFile, const char* componentFile) noexcept;

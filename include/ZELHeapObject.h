@@ -44,9 +44,6 @@ public:
     }
 
 protected:
-    constexpr ZELHeapObject() noexcept = default;
-    ZELHeapObject(const ZELHeapObject&) noexcept = default;
-    ZELHeapObject& operator=(const ZELHeapObject&) noexcept = default;
     ~ZELHeapObject() = default;
 };
 

@@ -125,6 +125,13 @@ public:
             ReportAllocFailure("ZELListVal", sizeof(T));
             return 1;
         }
+        // A text whose copy ran out of memory is empty.
+        if constexpr (requires { value.Length(); }) {
+            if (copy->Length() != value.Length()) {
+                Delete(copy);
+                return 1;
+            }
+        }
         const int failed = position > Size() ? AppendElement(copy) : InsertElement(position, &copy);
         if (failed) Delete(copy);
         return failed;

@@ -67,12 +67,6 @@ inline char* CopyText(std::string_view text) noexcept {
 
 // Objects are created by ZELNew() and destroyed by ZELDelete(), see ZELMemory.h.
 
-// An object from operator new, or null.
-template <class T, class... Arguments>
-T* NewObject(Arguments&&... arguments) noexcept {
-    return AllocationFails() ? nullptr : new (std::nothrow) T(std::forward<Arguments>(arguments)...);
-}
-
 // Deleters for std::unique_ptr: to a block, and to an object of ZELNew().
 struct FreeBlock {
     void operator()(void* block) const noexcept { Free(block); }

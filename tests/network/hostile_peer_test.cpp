@@ -261,28 +261,37 @@ TEST(HostilePeer, FilesThatFail) {
         Gives(1, "Unable to free write buffer", narrow.socket, narrow.socket.PutFile((folder / "file").c_str())));
 }
 
-// Every allocation fails once: the call says so, and the next conversation is as good as ever.
+// Each allocation fails once: a call either fails or delivers everything, and the next conversation is complete.
 TEST(HostilePeer, WithoutMemory) {
     const TemporaryFolder folder;
     WriteBytes(folder / "in", "contents");
     const Variable compress("TASocketCompress", "1");
-    const std::string longWord(100, 'w');
+    const std::string longWord(100, 'w'), longText(70000, 'x');
     const std::string words = Header(-3) + word + Number(7) + Text(longWord) + Number(-1) + Number(2) + Number(0) +
                               Number(7) + Header(-1) + Number(-1) + Number(1) + Text(longWord);
     const auto talk = [&](FailingMemory& memory) {
         Listener listener;
         Peer peer(listener.port);
-        peer.Send(Block("query") + Block(std::string(70000, 'x')) + Block("12345") + "    " + Block("5") + words);
+        peer.Send(Block("query") + Block(longText) + Block("12345") + "    " + Block("5") + words);
         TASocket socket;
-        ZELString query;
+        ZELString query, text;
+        ZELListValZELString list;
+        int size = 0;
+        void* data = nullptr;
+        const std::string out = folder / "out";
         memory.Begin();
-        const bool isRefused = listener.server.GetQuery(10, query, socket) != 0 || GetBytes(socket) != 0 ||
-                               GetFile(socket) != 0 || GetText(socket) != 0 || GetList(socket) != 0 ||
-                               socket.PutBlock(("some " + longWord).c_str()) != 0 ||
-                               socket.PutFile((folder / "in").c_str()) != 0;
-        EXPECT_EQ(isRefused, memory.End());
+        const bool hasFailed =
+            listener.server.GetQuery(10, query, socket) != 0 || socket.GetBinBlock(&size, &data, 20) != 0 ||
+            socket.GetFile(out.c_str(), 20) != 0 || socket.GetBlock(text, 20) != 0 || socket.GetBlock(list, 20) != 0 ||
+            socket.PutBlock(("some " + longWord).c_str()) != 0 || socket.PutFile((folder / "in").c_str()) != 0;
+        EXPECT_TRUE(memory.End() || !hasFailed);
+        const std::unique_ptr<void, FreeBlock> received(data);
+        if (hasFailed) return;
+        EXPECT_TRUE(query == "query" && size == 70000 && std::memcmp(data, longText.data(), longText.size()) == 0);
+        EXPECT_EQ(ReadBytes(out), "12345");
+        EXPECT_TRUE(Holds(text.CastToCharPtr(), longWord) && list.Size() == 1 && list[1] == longWord.c_str());
     };
-    EXPECT_GE(FailEachAllocation(talk).count, 12);
+    EXPECT_GE(FailEachAllocation(talk, Fallback::Possible).count, 12);
 }
 
 // Many clients at once, each faulty in its own way, again and again.

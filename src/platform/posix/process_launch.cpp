@@ -24,6 +24,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/compiler.h"
 #include "platform/native_path.h"
 #include "platform/posix/child_environment.h"
 #include "platform/posix/descriptor.h"
@@ -32,7 +33,7 @@
 using namespace zel;
 
 // Instrumented code would leave its marks in the caller's shadow memory.
-#define ZEL_RUNS_IN_CHILD __attribute__((no_sanitize("address", "thread", "undefined")))
+#define ZEL_RUNS_IN_CHILD ZEL_NO_SANITIZE
 
 // The C library's clone under its other name, which sanitizers leave alone: the one that they put in the place of clone
 // takes the child for a process with memory of its own.
