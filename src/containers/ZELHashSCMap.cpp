@@ -101,14 +101,10 @@ ZELHashSCMap::node* ZELHashSCMap::createNode(ZELHashSCMap* map, const Sought& ke
 }
 
 void ZELHashSCMap::addFreeNode(ZELHashSCMap* map, node* freed) noexcept {
-    std::size_t size = sizeof(node);
-    if (map->_pool == nullptr) {
-        char* const keyBlock = freed->key - sizeof(KeyHeader);
-        if (keyBlock == reinterpret_cast<char*>(freed + 1))
-            size += StoredKeySize(HeaderOf(freed->key).length);
-        else
-            Free(keyBlock);
-    }
+    const bool isJoined =
+        map->_pool == nullptr && freed->key == reinterpret_cast<const char*>(freed + 1) + sizeof(KeyHeader);
+    const std::size_t size = isJoined ? sizeof(node) + StoredKeySize(HeaderOf(freed->key).length) : sizeof(node);
+    if (map->_pool == nullptr && !isJoined) Free(freed->key - sizeof(KeyHeader));
     blockStore.Drop(freed, size);
 }
 
