@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+#include "base/ascii.h"
+
 using namespace zel;
 
 namespace {
@@ -14,8 +16,7 @@ bool IsSeparator(char c) {
 }
 
 bool BeginsWithDrive(const char* path) {
-    const char letter = static_cast<char>(path[0] | 0x20);
-    return letter >= 'a' && letter <= 'z' && path[1] == ':' && (path[2] == '\0' || IsSeparator(path[2]));
+    return IsAsciiLetter(path[0]) && path[1] == ':' && (path[2] == '\0' || IsSeparator(path[2]));
 }
 
 }  // namespace
