@@ -4,9 +4,9 @@
 //     Job* const job = ZELNew<Job>(7);
 //     if (job != nullptr) ZELDelete(job);
 //
-// The header templates of the library use these functions, so that a value that a program creates can be destroyed by
-// the library and the other way round, also when the program replaces operator new. Programs rarely need them; they are
-// the right choice for an object or a block that the other side of the boundary frees.
+// The header templates of the library use these functions, so that either side of the boundary can destroy a value that
+// the other side created, also when the program replaces operator new. Programs rarely need them; they are the right
+// choice for an object or a block that the other side frees.
 //
 // Ownership: the caller owns the returned block or object.
 // Errors: null when memory runs out. Nothing is printed. An exception of a constructor ends the process.
@@ -25,7 +25,7 @@
 
 // A block of the C heap, aligned as by malloc.
 ZEL_API void* ZELAllocate(std::size_t size) noexcept;
-// Frees a block of ZELAllocate(), or one that the library says to free by std::free. Null is ignored.
+// Frees a block of ZELAllocate(), or one that the library documents as freed by std::free. Null is ignored.
 ZEL_API void ZELFree(void* block) noexcept;
 
 // Creates an object in a block of ZELAllocate(). Also serves types that are aligned more strictly than the C heap.

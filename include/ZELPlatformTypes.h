@@ -1,7 +1,7 @@
 // The few system types that appear in public signatures, for both targets.
 //
 // On Windows they are declared, not defined, exactly as the system's headers declare them, so <windows.h> may come
-// before or after this header; whoever looks inside OSVERSIONINFOEXW or FILETIME includes <windows.h> as well.
+// before or after this header. Code that uses members of OSVERSIONINFOEXW or FILETIME includes <windows.h> as well.
 // On Linux they are defined here with the same members.
 #ifndef ZELPLATFORMTYPES_H
 #define ZELPLATFORMTYPES_H

@@ -62,7 +62,7 @@ public:
     Body& operator*() const noexcept { return *_body; }
     explicit operator bool() const noexcept { return _body != nullptr; }
     void reset() noexcept { *this = ZELShared(); }
-    // 0 when empty. Other threads may change the number at once.
+    // 0 when empty. Other threads may change the number immediately.
     int use_count() const noexcept { return _body != nullptr ? Count().owners.load(std::memory_order_relaxed) : 0; }
 
 private:

@@ -35,8 +35,8 @@ std::size_t CountBackslashes(std::string_view line, std::size_t at) {
     return count;
 }
 
-// Both readers begin at `at`, which is moved behind the word, and return where the word ends at `out`. Without `out`
-// they only move.
+// Both readers begin at `at`, move it past the word, and return the end of the word at `out`. If `out` is null, they
+// only move `at`.
 char* ReadProgramWord(std::string_view line, std::size_t& at, char* out) {
     bool isQuoted = false;
     for (; at < line.size() && (isQuoted || !IsBlank(line[at])); ++at) {

@@ -21,13 +21,13 @@ public:
     CommandWords& operator=(const CommandWords&) = delete;
     ~CommandWords();
 
-    // False when memory ran out (said on standard output).
+    // False when memory ran out, which is reported on standard output.
     bool AreComplete() const noexcept { return _texts != nullptr; }
     int Count() const noexcept { return _count; }
-    // Count() terminated texts, which may be changed in place, and a null. There is a slot to be used in front of them.
+    // Count() terminated texts, which may be changed in place, and a null. One free slot precedes them.
     char** Texts() const noexcept { return _texts; }
 
-    // What stands in the line behind the word of that index, from 0; not taken apart, without blanks in front.
+    // The rest of the line after the word of that index, from 0, unchanged but without leading blanks.
     std::string_view Behind(int index) const noexcept;
 
 private:
@@ -54,7 +54,7 @@ public:
     // The text need not outlive the command.
     explicit Command(std::string_view text) noexcept;
 
-    // False when memory ran out (said on standard output). Nothing else may be called then.
+    // False when memory ran out, which is reported on standard output. Nothing else may be called then.
     bool IsComplete() const noexcept { return _line != nullptr && _words.AreComplete(); }
 
     // The text, after "cmd /c " when it contains ".bat" anywhere. Terminated.

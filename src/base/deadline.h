@@ -1,4 +1,4 @@
-// How much of a time limit is left, for waits that are interrupted and go on.
+// The rest of a time limit, for waits that are interrupted and continue.
 #ifndef BASE_DEADLINE_H
 #define BASE_DEADLINE_H
 
@@ -16,8 +16,8 @@ public:
         : _isLimited(milliseconds >= 0),
           _end(_isLimited ? Clock::now() + Bounded(milliseconds) : Clock::time_point()) {}
 
-    // Milliseconds, rounded up, so that who waits for them does not come back too early; 0 when the time is over, -1
-    // without limit. Long times come as INT_MAX: who has waited for that asks again.
+    // Milliseconds, rounded up so that a wait does not return too early; 0 after the deadline, -1 without a limit.
+    // Longer times are INT_MAX: the caller asks again after such a wait.
     int Left() const noexcept {
         if (!_isLimited) return -1;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(_end - Clock::now()).count();
@@ -27,7 +27,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    // A century, lest the sum overflow.
+    // At most a century, so that the sum does not overflow.
     static std::chrono::milliseconds Bounded(std::int64_t milliseconds) noexcept {
         constexpr std::int64_t Century = std::int64_t{100} * 365 * 24 * 3600 * 1000;
         return std::chrono::milliseconds(std::min(milliseconds, Century));

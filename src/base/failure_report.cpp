@@ -1,6 +1,6 @@
-// A text is composed before it is written, so that lines of several threads and processes do not cut into each other.
-// Short ones, which is nearly all, are composed on the stack; without memory for a long one its pieces go out one by
-// one.
+// A text is composed before it is written, so that lines of several threads and processes do not mix. Short texts,
+// which are nearly all, are composed on the stack. If the allocation for a long text fails, its pieces are written in
+// sequence.
 
 #include "base/failure_report.h"
 

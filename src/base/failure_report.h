@@ -1,4 +1,4 @@
-// What the library itself says on the standard streams.
+// The lines that the library itself prints on the standard streams.
 #ifndef BASE_FAILURE_REPORT_H
 #define BASE_FAILURE_REPORT_H
 
@@ -9,8 +9,8 @@
 
 namespace zel {
 
-// Hands the pieces to `stream` as one text, in a single write, and flushes. Adds nothing; errors are ignored.
-// C streams, since they are the ones that a library and its callers share on every target.
+// Writes the pieces to `stream` as one text, in a single write, and flushes. Adds nothing; errors are ignored.
+// It is a C stream, because a library and its callers share these on every target.
 void WriteText(std::FILE* stream, std::initializer_list<std::string_view> pieces) noexcept;
 
 // The line that every class prints on standard output when memory runs out; `size` in bytes.

@@ -19,7 +19,7 @@
 namespace zel {
 
 // Makes room for at least `wanted` elements: `first` of them, or twice the capacity if that is more. `items` is a block
-// of the heap, or null with capacity 0. False without memory, or when `wanted` exceeds the type of the capacity.
+// of the heap, or null with capacity 0. False when memory runs out, or when `wanted` exceeds the type of the capacity.
 template <class Element, class Count>
 bool GrowArray(Element*& items, Count& capacity, std::size_t wanted, std::size_t first = 16) noexcept {
     static_assert(std::is_trivially_copyable_v<Element>);
@@ -77,7 +77,7 @@ public:
         _size += count;
         return true;
     }
-    // At most the capacity. New elements are what the block holds.
+    // At most the capacity. Additional elements have the bytes that the block contains.
     void SetSize(std::size_t size) noexcept { _size = size; }
     void RemoveLast() noexcept { --_size; }
     void Clear() noexcept { _size = 0; }

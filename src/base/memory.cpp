@@ -1,4 +1,4 @@
-// The countdown of the hook, and the exported functions behind which the heap is shared with users of the library.
+// The countdown of the hook, and the exported functions by which programs use the heap of the library.
 
 #include "base/memory.h"
 

@@ -5,7 +5,7 @@
 
 namespace zel {
 
-// False when the path means the same to such a system as it stands: no backslash and no drive prefix.
+// False when such a system understands the path unchanged: it has no backslash and no drive prefix.
 bool NeedsSlashPath(const char* path) noexcept;
 
 // Writes the slashed form with a terminator to `result`, which has room for strlen(path) + 1 bytes: the form is never

@@ -11,10 +11,12 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <thread>
 
 #include "ZELTrace.h"
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
 #include "threads/binary_semaphore.h"
@@ -93,8 +95,14 @@ int ZELThreads::Run(int argument) {
         state->alive.store(false);
     };
     try {
+        if (AllocationFails()) throw std::bad_alloc();  // std::thread allocates by itself; the hook counts it
         state->thread = std::thread(body);
+    } catch (const std::bad_alloc&) {
+        ReportAllocFailure("ZELThreads", sizeof body);
     } catch (const std::exception&) {
+        // The system has no thread left; the result reports it.
+    }
+    if (!state->thread.joinable()) {
         state->alive.store(false);
         state->status.store(before);
         return 1;

@@ -106,15 +106,15 @@ TEST(TextUtilities, LeaveBlocksAsTheyWereWithoutMemory) {
         {[](char*& block) { return replace(block, "word", nullptr, nullptr, "another word"); },
          Repeat("another word & ", 40)},
     };
-    for (const auto& [work, expected] : works)
+    for (const auto& row : works)
         FailEachAllocation(
             [&](FailingMemory& memory) {
                 char* block = CopyText(text);
                 memory.Begin();
-                const int result = work(block);
+                const int result = row.first(block);
                 memory.End();
                 EXPECT_EQ(result, memory.Said().empty() ? 1 : 0);
-                EXPECT_EQ(block, result == 0 ? text : expected);
+                EXPECT_EQ(block, result == 0 ? text : row.second);
                 Free(block);
             },
             Fallback::Possible);
