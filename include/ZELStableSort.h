@@ -70,7 +70,8 @@ private:
 template <class Pointer, class Compare>
 void ZELStableSort(Pointer* first, int count, Compare compare) noexcept {
     if (count < 2) return;
-    void* const buffer = ZELAllocate(static_cast<std::size_t>(count / 2) * sizeof(Pointer));
+    constexpr std::size_t Size = sizeof(Pointer);  // NOLINT(bugprone-sizeof-expression): it is a pointer
+    void* const buffer = ZELAllocate(static_cast<std::size_t>(count / 2) * Size);
     ZELMergeSort<Pointer, Compare>(compare, static_cast<Pointer*>(buffer)).Sort(first, count);
     ZELFree(buffer);
 }

@@ -53,7 +53,8 @@ inline void Free(void* block) noexcept {
 template <class Element>
 Element* AllocateArray(std::size_t count) noexcept {
     static_assert(std::is_trivially_copyable_v<Element>);
-    return count <= PTRDIFF_MAX / sizeof(Element) ? static_cast<Element*>(Allocate(count * sizeof(Element))) : nullptr;
+    constexpr std::size_t Size = sizeof(Element);  // NOLINT(bugprone-sizeof-expression): also of pointers
+    return count <= PTRDIFF_MAX / Size ? static_cast<Element*>(Allocate(count * Size)) : nullptr;
 }
 
 // A copy of the text with a terminator.

@@ -110,7 +110,7 @@ int TAIndexB::IsIn(const void* key, int sizeofkey) const noexcept {
 }
 
 int TAIndexB::RemovePosition(int position) noexcept {
-    if (!_entries.Holds(position) || !BecomeOwner()) return 1;
+    if (!_entries.Holds(position) || !BecomeOwner() || _entries.keys == nullptr) return 1;
     Free(_entries.keys[position]);
     RemoveEntry(_entries, position);
     return 0;
