@@ -90,7 +90,8 @@ struct HeapAllocator {
 
     Element* allocate(std::size_t count) {
         static_assert(alignof(Element) <= alignof(std::max_align_t));
-        void* const block = count <= PTRDIFF_MAX / sizeof(Element) ? Allocate(count * sizeof(Element)) : nullptr;
+        constexpr std::size_t Size = sizeof(Element);  // NOLINT(bugprone-sizeof-expression): also of pointers
+        void* const block = count <= PTRDIFF_MAX / Size ? Allocate(count * Size) : nullptr;
         if (block == nullptr) throw std::bad_alloc();
         return static_cast<Element*>(block);
     }
