@@ -33,6 +33,7 @@
 #include "courier/send.h"
 #include "courier/serve.h"
 #include "support/numbers.h"
+#include "support/output.h"
 
 namespace {
 
@@ -90,9 +91,7 @@ bool Read(int argc, char** argv, Words& words) {
     return words.plain.Size() >= 2;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
     Words words;
     if (argc == 2 && std::string_view(argv[1]) == "--help") return Usage(stdout, 0);
     if (!Read(argc, argv, words)) return Usage(stderr, 2);
@@ -106,4 +105,10 @@ int main(int argc, char** argv) {
     words.plain.RemovePosition(1, 2);
     options.paths = words.plain;
     return Send(options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return ExitCode("courier", Main(argc, argv));
 }

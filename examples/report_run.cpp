@@ -30,6 +30,7 @@
 #include "report/dump.h"
 #include "report/page.h"
 #include "report/run.h"
+#include "support/output.h"
 #include "support/places.h"
 
 namespace {
@@ -85,9 +86,7 @@ int Usage(std::FILE* stream, int result) {
     return result;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
     if (argc == 2 && std::string_view(argv[1]) == "--help") return Usage(stdout, 0);
     const bool hasNote = argc > 2 && std::string_view(argv[1]) == "--note";
     const int first = hasNote ? 3 : 1;
@@ -106,4 +105,10 @@ int main(int argc, char** argv) {
     }
     Trace(ZELString("run ") + run.identifier + " stands in " + directory + "/index.html", 0);
     return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return ExitCode("report_run", Main(argc, argv));
 }

@@ -34,6 +34,7 @@
 #include "support/interruption.h"
 #include "support/lines.h"
 #include "support/numbers.h"
+#include "support/output.h"
 #include "support/progress.h"
 #include "support/record.h"
 
@@ -209,9 +210,7 @@ bool Read(int argc, char** argv, Options& options) {
     return options.file.Length() > 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
     Options options;
     if (argc == 2 && std::strcmp(argv[1], "--help") == 0) return Usage(stdout, 0);
     if (!Read(argc, argv, options)) return Usage(stderr, 2);
@@ -237,4 +236,10 @@ int main(int argc, char** argv) {
     WriteRecord(batch, commands, options, elapsed.count(), record);
     if (!record.Finish()) return NoRecord(options);
     return interruption::Happened() ? 130 : batch.Failed() == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return ExitCode("run_batch", Main(argc, argv));
 }

@@ -40,6 +40,7 @@
 #include "ZELStringPool.h"
 #include "support/machine.h"
 #include "support/numbers.h"
+#include "support/output.h"
 #include "support/progress.h"
 #include "support/record.h"
 
@@ -80,7 +81,11 @@ private:
         if (ZELOpenDirectory(directory, &handle) != 0) return Miss(directory);
         ZELDirectoryEntry entry;
         int end = 0;
-        while (ZELReadDirectory(&handle, &entry, &end) == 0 && end == 0) {
+        for (;;) {
+            const int result = ZELReadDirectory(&handle, &entry, &end);
+            if (result != 0) Miss(directory);  // it failed, or a name was too long
+            if (end != 0) return;
+            if (result != 0) continue;
             if (std::strcmp(entry.name, ".") == 0 || std::strcmp(entry.name, "..") == 0) continue;
             const ZELString path = directory + "/" + entry.name;
             ZELString name(entry.name);
@@ -178,11 +183,7 @@ public:
 private:
     void ScanFile(ZELFileBuffer& file) {
         const char* const text = file.getBuffer();
-        if (text == nullptr) {
-            ++_totals.unreadable;
-            TraceErr(ZELString("cannot read ") + file.getFileName());
-            return;
-        }
+        if (text == nullptr || file.getStatus() != ZELFileBuffer::Loaded) return Miss(file);
         const std::string_view all(text, static_cast<std::size_t>(file.getBufferSize()));
         ++_totals.files;
         _totals.bytes += static_cast<long long>(all.size());
@@ -192,10 +193,15 @@ private:
                                 ZELFilePrepro::REMOVE_SQSTRINGS | ZELFilePrepro::REMOVE_DQSTRINGS;
         char* stripped = nullptr;
         const int result = ZELFilePrepro(text, all.size()).preprocess(removed, stripped);
-        if (result == 1) return;
+        if (result == 1) return Miss(file);
         if (result == 2) ++_totals.unfinished;
         CountText(stripped);
         std::free(stripped);
+    }
+
+    void Miss(const ZELFileBuffer& file) {
+        ++_totals.unreadable;
+        TraceErr(ZELString("cannot read ") + file.getFileName());
     }
 
     void CountText(std::string_view text) {
@@ -278,9 +284,7 @@ bool Read(int argc, char** argv, Options& options) {
     return true;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
     Options options;
     if (argc == 2 && std::strcmp(argv[1], "--help") == 0) return Usage(stdout, 0);
     if (!Read(argc, argv, options)) return Usage(stderr, 2);
@@ -308,4 +312,10 @@ int main(int argc, char** argv) {
     WriteRecord(scanner, words, options, elapsed.count(), record);
     if (!record.Finish()) return NoRecord(options);
     return tree.Unreadable() + scanner.Result().unreadable == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return ExitCode("scan_sources", Main(argc, argv));
 }

@@ -45,8 +45,8 @@ public:
     YAVFStream& operator=(const YAVFStream& other) noexcept;
     virtual ~YAVFStream();
 
-    // Lets go of a borrowed file, or closes an own one, for all copies. 1 when there is none, or the system reports a
-    // failure; there is no file afterwards.
+    // Lets go of a borrowed file, or closes an own one, for all copies. 1 when there is none, when the system reports a
+    // failure, and when output was lost since the file was opened; there is no file afterwards.
     int close() noexcept;
     int isOpen() const noexcept;
     // Whether the end was met, or reading or writing failed; 1 also when there is no file.
@@ -70,6 +70,8 @@ protected:
     // Record an error, and give 1: that of errno, or of `error`.
     int Fail() noexcept;
     int Fail(int error) noexcept;
+    int FailLost() noexcept;
+    void KeepLost() noexcept;
 
 private:
     friend class YAVIFStream;
@@ -79,6 +81,7 @@ private:
     bool MakeShared(std::FILE* own) noexcept;
 
     int _lastError = InvalidArgument;
+    int _lostError = 0;                   // of the first insertion that failed
     Standard _standard = Standard::None;  // a borrowed stream of the process, which is no constant
     std::FILE* _borrowed = nullptr;
     ZELShared<Shared> _shared;  // an own file, or the room for lines of a borrowed one
@@ -118,7 +121,11 @@ private:
     int LineResult(bool any) noexcept;
 };
 
-// Everything but the insertions is flushed at once; of those, endl and flush do.
+// Everything but the insertions is flushed immediately; of those, endl and flush do.
+//
+// Errors: once output was lost, by an insertion or by any other operation, each later operation that flushes fails, and
+// so does close(), until another file is opened. GetErrno() then returns the first error of the insertions, if there
+// was one.
 class ZEL_API YAVOFStream : public YAVFStream {
 public:
     constexpr YAVOFStream() noexcept = default;
@@ -140,7 +147,8 @@ public:
     int write(const char* data, std::size_t size) noexcept;
     int flush() noexcept;
 
-    // Insertions record no error and do nothing without a file. Floating-point numbers appear as by %g, a pointer as
+    // Insertions do nothing without a file; GetErrno() does not change. An insertion that fails is reported by the next
+    // operation that flushes. Floating-point numbers appear as by %g, a pointer as
     // "0x" and the low 32 bits of the address in hexadecimal; a null text writes nothing.
     YAVOFStream& operator<<(char c) noexcept;
     YAVOFStream& operator<<(unsigned char c) noexcept;

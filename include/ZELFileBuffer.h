@@ -41,6 +41,8 @@ public:
 // still there during the calls, which are made without any lock.
 class ZEL_API ZELFileBuffer : public TACallbackPublisher {
 public:
+    // NotOpened also stands for a file that could not be read whole: after a read error there is no text, and when
+    // memory runs out the text ends early.
     enum Status { Loaded = 0, NotOpened = 1, NotLoaded = 2, NoFileName = 3 };
 
     // Made by `new`; the caller holds the first reference. The name is copied, null is no name. Reads nothing yet.

@@ -94,7 +94,8 @@ void ZELFileBuffer::Load() noexcept {
         }
         _text.store(file.text, std::memory_order_relaxed);
         _size.store(file.size, std::memory_order_relaxed);
-        _status.store(file.isOpened ? Loaded : NotOpened, std::memory_order_relaxed);
+        const bool isWhole = file.isOpened && !file.hasFailed && file.refused == 0;
+        _status.store(isWhole ? Loaded : NotOpened, std::memory_order_relaxed);
     }
     _isLoaded.store(1, std::memory_order_release);
 }

@@ -9,7 +9,9 @@
 #include "buffers/whole_file.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "base/memory.h"
 #include "platform/text_reader.h"
 
 using namespace zel;
@@ -50,6 +52,7 @@ std::size_t ReadAll(TextReader& reader, const WholeFileRules& rules, WholeFile& 
         }
         const std::size_t asked = std::min({capacity - 1 - size, rules.most - size, TextReader::MostAtOnce});
         const std::ptrdiff_t count = reader.Read(file.text + size, asked);
+        file.hasFailed = count < 0;
         if (count <= 0) break;
         size += static_cast<std::size_t>(count);
         if (size == announced && static_cast<std::size_t>(count) < asked) break;
@@ -66,6 +69,7 @@ WholeFile zel::ReadWholeFile(const char* path, const WholeFileRules& rules) noex
     if (!file.isOpened) return file;
     std::size_t size = 0;
     const std::size_t capacity = ReadAll(reader, rules, file, size);
+    if (file.hasFailed) Free(std::exchange(file.text, nullptr));
     if (file.text == nullptr) return file;
     file.text[size] = '\0';
     file.size = static_cast<std::int32_t>(size);

@@ -11,7 +11,8 @@ namespace zel {
 
 struct WholeFile {
     bool isOpened = false;
-    char* text = nullptr;  // the caller's, from the C heap, with a NUL behind; null when not opened or without memory
+    bool hasFailed = false;  // the system failed while it read, so there is no text
+    char* text = nullptr;    // the caller's, from the C heap, with a NUL behind; null when not opened or without memory
     std::int32_t size = 0;
     std::size_t refused = 0;  // the bytes that memory did not suffice for, so that the text is cut; 0 when it did
 };
@@ -23,7 +24,7 @@ struct WholeFileRules {
     void* (*resize)(void* block, std::size_t size) = ResizeLargeBlock;
 };
 
-// Reads to the end of the moment, or up to the first failure of the system. Prints nothing.
+// Reads to the end that the file has at that moment. Prints nothing.
 WholeFile ReadWholeFile(const char* path, const WholeFileRules& rules = {}) noexcept;
 
 }  // namespace zel

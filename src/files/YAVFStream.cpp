@@ -37,7 +37,10 @@ struct YAVFStream::Shared {
 YAVFStream::YAVFStream(std::FILE* file) noexcept : _lastError(file != nullptr ? 0 : InvalidArgument), _borrowed(file) {}
 
 YAVFStream::YAVFStream(const YAVFStream& other) noexcept
-    : _lastError(other._lastError), _standard(other._standard), _borrowed(other._borrowed) {
+    : _lastError(other._lastError),
+      _lostError(other._lostError),
+      _standard(other._standard),
+      _borrowed(other._borrowed) {
     if (other._shared && other._shared->isOwner) _shared = other._shared;
 }
 
@@ -45,6 +48,7 @@ YAVFStream& YAVFStream::operator=(const YAVFStream& other) noexcept {
     if (this == &other) return *this;
     YAVFStream copy(other);
     std::swap(_lastError, copy._lastError);
+    std::swap(_lostError, copy._lostError);
     std::swap(_standard, copy._standard);
     std::swap(_borrowed, copy._borrowed);
     std::swap(_shared, copy._shared);
@@ -96,6 +100,7 @@ int YAVFStream::_Open(const char* name, const char* mode) noexcept {
     _standard = Standard::None;
     _borrowed = nullptr;
     _lastError = 0;
+    _lostError = 0;
     return 0;
 }
 
@@ -112,8 +117,23 @@ int YAVFStream::close() noexcept {
         return 0;
     }
     if (File() == nullptr) return Fail(InvalidArgument);
+    std::FILE* const file = std::exchange(_shared->file, nullptr);
+    const bool hasLost = std::ferror(file) != 0;
     errno = 0;
-    return std::fclose(std::exchange(_shared->file, nullptr)) == 0 ? 0 : Fail();
+    const bool isClosed = std::fclose(file) == 0;
+    if (isClosed && !hasLost) return 0;
+    return hasLost ? FailLost() : Fail();
+}
+
+// Output was lost. The C library remembers that, but not the error of an insertion.
+int YAVFStream::FailLost() noexcept {
+    if (_lostError != 0) return Fail(_lostError);
+    return Fail(errno != 0 ? errno : EIO);
+}
+
+// An insertion has failed.
+void YAVFStream::KeepLost() noexcept {
+    if (_lostError == 0) _lostError = errno != 0 ? errno : EIO;
 }
 
 int YAVFStream::isOpen() const noexcept {
@@ -248,7 +268,10 @@ int YAVOFStream::open(const char* name, const int& mode) noexcept {
 
 // The end of every flushed operation: `done` tells whether all went to the file so far.
 int YAVOFStream::Written(bool done) noexcept {
-    return done && std::fflush(File()) == 0 ? 0 : Fail();
+    std::FILE* const file = File();
+    const bool isFlushed = done && std::fflush(file) == 0;
+    if (std::ferror(file) != 0) return FailLost();
+    return isFlushed ? 0 : Fail();
 }
 
 int YAVOFStream::Print(const char* format, ...) noexcept {
@@ -285,12 +308,16 @@ int YAVOFStream::flush() noexcept {
 
 template <class Value>
 YAVOFStream& YAVOFStream::Insert(const char* format, Value value) noexcept {
-    if (std::FILE* const file = File()) std::fprintf(file, format, value);
+    std::FILE* const file = File();
+    errno = 0;
+    if (file != nullptr && std::fprintf(file, format, value) < 0) KeepLost();
     return *this;
 }
 
 YAVOFStream& YAVOFStream::operator<<(char c) noexcept {
-    if (std::FILE* const file = File()) std::fputc(c, file);
+    std::FILE* const file = File();
+    errno = 0;
+    if (file != nullptr && std::fputc(c, file) == EOF) KeepLost();
     return *this;
 }
 
@@ -336,7 +363,8 @@ YAVOFStream& YAVOFStream::operator<<(void* pointer) noexcept {
 
 YAVOFStream& YAVOFStream::operator<<(const char* text) noexcept {
     std::FILE* const file = File();
-    if (file != nullptr && text != nullptr) std::fputs(text, file);
+    errno = 0;
+    if (file != nullptr && text != nullptr && std::fputs(text, file) == EOF) KeepLost();
     return *this;
 }
 

@@ -51,7 +51,9 @@ bool ZELFilePrepro::ObtainText() noexcept {
         ReportAllocFailure("ZELFilePrepro", sizeof(ZELFileBuffer));
         return false;
     }
-    if (const char* const text = file->getBuffer()) Keep(text, std::strlen(text));
+    const char* const text = file->getBuffer();
+    // A text that is not whole would be taken for the source.
+    if (text != nullptr && file->getStatus() == ZELFileBuffer::Loaded) Keep(text, std::strlen(text));
     file->destroy();
     return _text != nullptr;
 }

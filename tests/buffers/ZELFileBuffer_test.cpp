@@ -6,6 +6,7 @@
 #include "support/failing_memory.h"
 #include "support/gate.h"
 #include "support/programs.h"
+#include "support/test_system.h"
 #include "support/testing.h"
 
 namespace {
@@ -125,6 +126,19 @@ TEST_F(FileBuffers, PoolsGetThreadsWhenTheyMayAndSubscribersMayEndThem) {
         EXPECT_EQ(wasLoaded, hasThread ? 1 : 0);
         if (hasThread) ended.Pass();
     }
+}
+
+// A read error is not the end of the file.
+TEST_F(FileBuffers, ReportFilesThatCannotBeReadWhole) {
+    if (UnreadableFile.empty()) GTEST_SKIP() << "no file of this system fails while it is read";
+    ZELFileBuffer* const shared = new ZELFileBuffer(UnreadableFile.c_str());
+    EXPECT_EQ(shared->getBuffer(), nullptr);
+    EXPECT_EQ(shared->getBufferSize(), 0);
+    EXPECT_EQ(shared->getStatus(), ZELFileBuffer::NotOpened);
+    shared->Release();
+    EXPECT_EQ(TAFileBuffer(UnreadableFile.c_str(), 0).GetBuffer(), nullptr);
+    TAFileBuffer::ASyncCleanup();
+    TAThread::WaitForAll();
 }
 
 TEST_F(FileBuffers, EachFailedAllocationIsReportedAndLosesNoMoreThanAText) {

@@ -1,5 +1,6 @@
 #include "support/programs.h"
 #include "support/strip_model.h"
+#include "support/test_system.h"
 #include "support/testing.h"
 
 namespace {
@@ -85,4 +86,30 @@ TEST(ScanSources, RefusesACommandLineThatItDoesNotUnderstand) {
         EXPECT_TRUE(result.err.starts_with(usage)) << result.err;
     }
     EXPECT_TRUE(RunProgram("scan_sources", {"--help"}).out.starts_with(usage));
+}
+
+// A tool that could not deliver its result must not claim success.
+TEST(Tools, FailWhenStandardOutputIsFull) {
+    if (FullDevice.empty()) GTEST_SKIP() << "this system has no device that is always full";
+    const TemporaryFolder folder;
+    WriteBytes(folder / "a.h", "int a;\n");
+    WriteBytes(folder / "commands", "");
+    const std::pair<const char*, std::vector<std::string>> rows[] = {
+        {"scan_sources", {folder.Path()}},
+        {"scan_sources", {"--help"}},
+        {"run_batch", {"--output", folder / "out", folder / "commands"}},
+        {"report_run", {"--help"}},
+        {"courier", {"--help"}},
+    };
+    for (const auto& [tool, arguments] : rows) {
+        EXPECT_EQ(RunAndWait(tool, arguments, FullDevice, folder / "errors"), 2) << tool;
+        EXPECT_TRUE(Holds(ReadBytes(folder / "errors"), "cannot write to standard output")) << tool;
+    }
+}
+
+// A file that cannot be read whole, and a directory that cannot be listed whole, are missing from the counts.
+TEST(ScanSources, FailsWhenAFileIsMissing) {
+    if (UnreadableFile.empty()) GTEST_SKIP() << "no file of this system fails while it is read";
+    const ProgramResult result = RunProgram("scan_sources", {"--match", "mem", "/proc/self/task"});
+    EXPECT_EQ(result.exitCode, 1);
 }

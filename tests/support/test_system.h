@@ -33,6 +33,8 @@ extern const int StormPercent;
 
 // A file of the system that takes no byte, and a place that reads but is no regular file; empty where there is none.
 extern const std::string FullDevice;
+// A file whose reading fails after it was opened; empty where the system has none.
+extern const std::string UnreadableFile;
 extern const std::string EndlessDevice;
 // False where file names cannot stand for pipes.
 bool MakeNamedPipe(const std::string& path);

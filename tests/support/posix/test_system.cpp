@@ -15,6 +15,7 @@
 #include <filesystem>
 
 const std::string FullDevice = "/dev/full";
+const std::string UnreadableFile = "/proc/self/mem";
 const std::string EndlessDevice = "/dev/zero";
 const int StormPercent = 100;
 

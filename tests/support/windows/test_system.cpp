@@ -7,6 +7,7 @@
 #include "support/windows/command_line.h"
 
 const std::string FullDevice;
+const std::string UnreadableFile;
 const std::string EndlessDevice = "NUL";
 const int StormPercent = 10;
 
