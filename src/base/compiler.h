@@ -1,22 +1,12 @@
-// Compiler attributes, and the decision whether intrinsics are used: one branch for g++ and clang++, one for MSVC.
+// Compiler attributes, and the decision whether intrinsics are used: one branch for g++ and clang++, and
+// one for MSVC.
 //
 // ZEL_PORTABLE is a build option: the library then uses no intrinsics and runs on any little-endian processor. The
 // macro for printf-like functions is public and therefore in ZELExport.h.
 #ifndef BASE_COMPILER_H
 #define BASE_COMPILER_H
 
-#if defined(_MSC_VER) && !defined(__clang__)
-
-#define ZEL_MSVC 1
-#define ZEL_ALWAYS_INLINE __forceinline
-#define ZEL_NO_SANITIZE
-#define ZEL_UNROLL(count)
-#define ZEL_TARGET(features)
-#if defined(_M_X64)
-#define ZEL_X86_64 1
-#endif
-
-#else
+#if defined(__GNUC__)
 
 #define ZEL_MSVC 0
 #define ZEL_ALWAYS_INLINE [[gnu::always_inline]] inline
@@ -31,6 +21,17 @@
 // Compiles one function for processors that have these features; see CpuHasProducts() and CpuHasWideVectors().
 #define ZEL_TARGET(features) __attribute__((target(features)))
 #if defined(__x86_64__)
+#define ZEL_X86_64 1
+#endif
+
+#else
+
+#define ZEL_MSVC 1
+#define ZEL_ALWAYS_INLINE __forceinline
+#define ZEL_NO_SANITIZE
+#define ZEL_UNROLL(count)
+#define ZEL_TARGET(features)
+#if defined(_M_X64)
 #define ZEL_X86_64 1
 #endif
 

@@ -81,8 +81,13 @@ public:
     void SetSize(std::size_t size) noexcept { _size = size; }
     void RemoveLast() noexcept { --_size; }
     void Clear() noexcept { _size = 0; }
-    // The block, which the caller then owns; null when nothing was ever reserved. The array is empty afterwards.
+    // The block without its unused room, which the caller then owns; null when nothing was ever reserved. The array is
+    // empty afterwards.
     Element* Release() noexcept {
+        if (_size > 0 && _size < _capacity) {
+            void* const trimmed = Reallocate(_items, _size * sizeof(Element));
+            if (trimmed != nullptr) _items = static_cast<Element*>(trimmed);
+        }
         _size = _capacity = 0;
         return std::exchange(_items, nullptr);
     }

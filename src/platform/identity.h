@@ -1,4 +1,4 @@
-// What tells machines and processes apart.
+// The identity of the machine and of the process.
 #ifndef PLATFORM_IDENTITY_H
 #define PLATFORM_IDENTITY_H
 
@@ -13,7 +13,7 @@ struct AdapterAddress {
 };
 
 // The first adapter with a 6-byte address that is not all zeros (Windows: LAN adapter 0 of NetBIOS, whatever it has);
-// false without one, or when the system does not tell.
+// false without one, or when the system reports none.
 bool GetAdapterAddress(AdapterAddress& address) noexcept;
 
 // A word that is 0 at first, keeps what is stored in it, and is 0 again in a forked child: a test for "has this process

@@ -1,15 +1,15 @@
-// The disk boundary: every path that a caller gave passes here on its way to the system.
+// The disk boundary: every path of a caller passes through here on its way to the system.
 //
 // Path values hold backslashes on both targets. On Linux a backslash becomes a slash, and a drive prefix stands for the
 // root: "C:\temp" is "/temp", "C:" is "/", while "a:b" is a name like any other. On Windows the text goes to the system
-// as it is. Names that came from a directory listing never pass here: they may hold backslashes of their own.
+// unchanged. Names from a directory listing never pass through here: they may contain backslashes of their own.
 #ifndef PLATFORM_NATIVE_PATH_H
 #define PLATFORM_NATIVE_PATH_H
 
 namespace zel {
 
-// The form of one path that the system's calls take. Keeps the caller's text where nothing has to change in it, so the
-// text must outlive the object.
+// One path in the form of the system. If no character has to change, it refers to the caller's text, which must outlive
+// the object.
 class NativePath {
 public:
     explicit NativePath(const char* path) noexcept;
@@ -17,7 +17,7 @@ public:
     NativePath& operator=(const NativePath&) = delete;
     ~NativePath();
 
-    // Null when the path was null or memory ran out (said on standard output).
+    // Null when the path was null, or when memory ran out, which is reported on standard output.
     const char* Text() const noexcept { return _text; }
 
 private:

@@ -31,11 +31,11 @@ public:
     // Closes what was open. Others may read and write the file meanwhile. False for directories too.
     bool Open(const char* path) noexcept;
     void Close() noexcept;
-    // What the system said at the opening, in bytes before any translation. A hint: files change, and a pipe or a file
-    // of the system's own says 0 or anything.
+    // The size that the system reported when the file was opened, in bytes before any translation. A hint: files
+    // change, and pipes and files of the system report 0 or any number.
     std::int64_t Size() const noexcept { return _size; }
-    // Reads up to `size` bytes, at most MostAtOnce; fewer do not mean the end. Interruptions are retried. 0 at the end,
-    // -1 when the system failed or nothing is open.
+    // Reads up to `size` bytes, at most MostAtOnce; fewer bytes do not mean the end. Interruptions are retried. 0 at
+    // the end, -1 when the system fails or no file is open.
     std::ptrdiff_t Read(char* bytes, std::size_t size) noexcept;
 
 private:

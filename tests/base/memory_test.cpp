@@ -74,6 +74,10 @@ TEST(Memory, GrowingArraysKeepTheirElementsWhenGrowthFails) {
         ASSERT_TRUE(std::equal(numbers.begin(), numbers.end(), model.begin(), model.end()));
     }
     EXPECT_FALSE(numbers.Reserve(SIZE_MAX / 2));
+    FailAllocation(1);
+    const std::unique_ptr<int, FreeBlock> block(numbers.Release());  // untrimmed then
+    EXPECT_FALSE(IsAllocationFailureDue());
+    EXPECT_TRUE(numbers.IsEmpty() && std::equal(model.begin(), model.end(), block.get()));
     signed char small = 0;
     char* items = nullptr;
     EXPECT_FALSE(GrowArray(items, small, 128));
