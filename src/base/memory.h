@@ -20,19 +20,20 @@
 
 namespace zel {
 
-// For tests: the `number`th allocation from now on fails (1: the next), those after it succeed again. 0: none fails.
-void FailAllocation(int number) noexcept;
+// For tests: the `number`th allocation from now on fails (1: the next), and so do those after it, or they succeed
+// again. 0: none fails.
+enum class Afterwards { Succeed, Fail };
+void FailAllocation(int number, Afterwards afterwards = Afterwards::Succeed) noexcept;
+// Whether one has failed since.
+bool HasAllocationFailed() noexcept;
 
 // How many allocations are left until one fails; 0 or less: none fails.
 extern std::atomic<int> allocationCountdown;
+bool CountAllocation() noexcept;
 
-inline bool IsAllocationFailureDue() noexcept {
-    return allocationCountdown.load(std::memory_order_relaxed) > 0;
-}
-
-// The hook: counts one allocation, and returns true when it is the one that must fail.
+// The hook: counts one allocation, and returns true when it is one that must fail.
 inline bool AllocationFails() noexcept {
-    return IsAllocationFailureDue() && allocationCountdown.fetch_sub(1, std::memory_order_relaxed) == 1;
+    return allocationCountdown.load(std::memory_order_relaxed) > 0 && CountAllocation();
 }
 
 // std::malloc, std::calloc, std::realloc and std::free, behind the hook.

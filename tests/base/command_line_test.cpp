@@ -93,5 +93,5 @@ TEST(Command, MissingMemoryMakesItIncomplete) {
         const bool isComplete = command.IsComplete() && command.SecondTry().IsComplete();
         EXPECT_EQ(isComplete, !memory.End());
     });
-    EXPECT_EQ(failures.count, 4);
+    EXPECT_EQ(failures.count, 8);
 }

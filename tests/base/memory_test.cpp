@@ -55,8 +55,12 @@ TEST(Memory, TheHookFailsTheAllocationThatWasNamedAndNoOther) {
         if (number == 4) {
             EXPECT_THROW(numbers.reserve(100), std::bad_alloc);
         }
-        EXPECT_FALSE(IsAllocationFailureDue());
+        EXPECT_TRUE(HasAllocationFailed());
     }
+    FailAllocation(2, Afterwards::Fail);
+    for (int number = 1; number <= 4; ++number)
+        EXPECT_EQ((std::unique_ptr<void, FreeBlock>(Allocate(8)) == nullptr), number >= 2);
+    FailAllocation(0);
     EXPECT_EQ(AllocateArray<int>(SIZE_MAX / 2), nullptr);
 }
 
@@ -76,7 +80,7 @@ TEST(Memory, GrowingArraysKeepTheirElementsWhenGrowthFails) {
     EXPECT_FALSE(numbers.Reserve(SIZE_MAX / 2));
     FailAllocation(1);
     const std::unique_ptr<int, FreeBlock> block(numbers.Release());  // untrimmed then
-    EXPECT_FALSE(IsAllocationFailureDue());
+    EXPECT_TRUE(HasAllocationFailed());
     EXPECT_TRUE(numbers.IsEmpty() && std::equal(model.begin(), model.end(), block.get()));
     signed char small = 0;
     char* items = nullptr;

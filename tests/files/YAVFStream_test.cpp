@@ -273,19 +273,21 @@ TEST_F(Streams, ALineIsGivenAsSoonAsItIsThere) {
 TEST_F(Streams, EachFailedAllocationIsAFailureAndNoMore) {
     WriteBytes(file, "line\n");
     std::FILE* const lent = std::fopen(file.c_str(), "rb");
-    FailEachAllocation([&](FailingMemory& memory) {
-        std::rewind(lent);
-        memory.Begin();
-        ZELString line;
-        char* text = nullptr;
-        YAVIFStream own(file.c_str(), 0), borrowed(lent);
-        ZELQMAStream reader;
-        const int failures = own.getline(line, '\n', 0) + borrowed.getline(line, '\n', 0) +
-                             (reader.fopen(file.c_str(), "r") == nullptr || reader.getline(text) == 0 ? 1 : 0) +
-                             (ZELFilePrepro(file.c_str()).preprocess(0, text) != 0 ? 1 : (std::free(text), 0));
-        EXPECT_EQ(failures, memory.End() ? 1 : 0);
-        reader.fclose();
-    });
+    FailEachAllocation(
+        [&](FailingMemory& memory) {
+            std::rewind(lent);
+            memory.Begin();
+            ZELString line;
+            char* text = nullptr;
+            YAVIFStream own(file.c_str(), 0), borrowed(lent);
+            ZELQMAStream reader;
+            const int failures = own.getline(line, '\n', 0) + borrowed.getline(line, '\n', 0) +
+                                 (reader.fopen(file.c_str(), "r") == nullptr || reader.getline(text) == 0 ? 1 : 0) +
+                                 (ZELFilePrepro(file.c_str()).preprocess(0, text) != 0 ? 1 : (std::free(text), 0));
+            EXPECT_EQ(failures, memory.End() ? 1 : 0);
+            reader.fclose();
+        },
+        Fallback::None, {Afterwards::Succeed});
     EXPECT_EQ(std::fclose(lent), 0);
 }
 

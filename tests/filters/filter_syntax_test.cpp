@@ -222,20 +222,22 @@ TEST(FilterMemory, BearsThatAnyAllocationFails) {
     const ZELUnicodeString text(
         std::string_view("*b[a]*a[a]*[a]*[a]*aaaaaaaaaaaaaaaaaaaaaaaa*" + Repeat("[b-c].*", 40)));
     const ZELUnicodeString candidate(std::string_view(Repeat("baa", 1500) + std::string(30, 'a') + Repeat("bx", 40)));
-    const AllocationFailures failures = FailEachAllocation([&](FailingMemory& memory) {
-        TAUnicodeRegularExpression filter;
-        memory.Begin();
-        const int refused = filter.SetFilter(text, URE_Memoised);
-        const int first = filter.CheckFromFilter(candidate);
-        const int again = filter.CheckFromFilter(candidate);
-        TAUnicodeRegularExpression copy(filter);
-        const int copied = copy.CheckFromFilter(candidate);
-        memory.End();
-        EXPECT_EQ(again, 1 - refused);
-        EXPECT_GE(copied + again, 1);
-        EXPECT_LE(first, again);
-        EXPECT_EQ(filter.SetFilter(text, URE_Memoised), 0);
-        EXPECT_EQ(filter.CheckFromFilter(candidate), 1);
-    });
+    const AllocationFailures failures = FailEachAllocation(
+        [&](FailingMemory& memory) {
+            TAUnicodeRegularExpression filter;
+            memory.Begin();
+            const int refused = filter.SetFilter(text, URE_Memoised);
+            const int first = filter.CheckFromFilter(candidate);
+            const int again = filter.CheckFromFilter(candidate);
+            TAUnicodeRegularExpression copy(filter);
+            const int copied = copy.CheckFromFilter(candidate);
+            memory.End();
+            EXPECT_EQ(again, 1 - refused);
+            EXPECT_GE(copied + again, 1);
+            EXPECT_LE(first, again);
+            EXPECT_EQ(filter.SetFilter(text, URE_Memoised), 0);
+            EXPECT_EQ(filter.CheckFromFilter(candidate), 1);
+        },
+        Fallback::None, {Afterwards::Succeed});
     EXPECT_GE(failures.count, 8);
 }

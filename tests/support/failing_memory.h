@@ -12,18 +12,19 @@ enum class Fallback { None, Possible };
 // One round of FailEachAllocation: what is allocated between Begin and End counts.
 class FailingMemory {
 public:
-    explicit FailingMemory(int number, Fallback fallback = Fallback::None) : _number(number), _fallback(fallback) {}
+    FailingMemory(int number, Afterwards afterwards, Fallback fallback)
+        : _number(number), _afterwards(afterwards), _fallback(fallback) {}
     ~FailingMemory() { End(); }
 
     void Begin() {
         testing::internal::CaptureStdout();
-        FailAllocation(_number);
+        FailAllocation(_number, _afterwards);
         _isBetween = true;
     }
     // Whether an allocation failed.
     bool End() {
         if (!std::exchange(_isBetween, false)) return _hasFailed;
-        _hasFailed = !IsAllocationFailureDue();
+        _hasFailed = HasAllocationFailed();
         FailAllocation(0);
         _said = WithoutReturns(testing::internal::GetCapturedStdout());
         const bool isReported = Holds(_said, "# Alloc failed in ") || Holds(_said, "# Error");
@@ -34,6 +35,7 @@ public:
 
 private:
     const int _number;
+    const Afterwards _afterwards;
     const Fallback _fallback;
     bool _isBetween = false;
     bool _hasFailed = false;
@@ -45,18 +47,26 @@ struct AllocationFailures {
     std::string said;  // in all rounds
 };
 
-// Calls `round(memory)` for the first allocation, the second and so on, up to a round in which none fails.
+// The ways in which allocations fail: one alone, and one with all that follow it.
+using Ways = std::initializer_list<Afterwards>;
+
+// Calls `round(memory)` for the first allocation, the second and so on, up to a round in which none fails; in each way.
 template <class Round>
-AllocationFailures FailEachAllocation(Round round, Fallback fallback = Fallback::None) {
+AllocationFailures FailEachAllocation(Round round, Fallback fallback = Fallback::None,
+                                      Ways ways = {Afterwards::Succeed, Afterwards::Fail}) {
     AllocationFailures failures;
-    for (;; ++failures.count) {
-        SCOPED_TRACE("allocation " + std::to_string(failures.count + 1));
-        FailingMemory memory(failures.count + 1, fallback);
-        round(memory);
-        const bool hasFailed = memory.End();
-        failures.said += memory.Said();
-        if (!hasFailed || testing::Test::HasFatalFailure()) return failures;
-    }
+    for (const Afterwards afterwards : ways)
+        for (int number = 1;; ++number) {
+            SCOPED_TRACE("allocation " + std::to_string(number) + (afterwards == Afterwards::Fail ? " and on" : ""));
+            FailingMemory memory(number, afterwards, fallback);
+            round(memory);
+            const bool hasFailed = memory.End();
+            failures.said += memory.Said();
+            if (testing::Test::HasFatalFailure()) return failures;
+            if (!hasFailed) break;
+            ++failures.count;
+        }
+    return failures;
 }
 
 // Changes a copy of `before` once for each allocation that may fail. Where the failure is reported, the copy must show

@@ -178,5 +178,5 @@ TEST(ZELXMLNode, StaysWellFormedAndAsItWasWithoutMemory) {
             const std::string expected = memory.Said().empty() ? tree.ToXML().CastToCharPtr() : "<" + longText + "/>\n";
             EXPECT_EQ(copy.ToXML(), expected.c_str());
         },
-        Fallback::Possible);
+        Fallback::Possible, {Afterwards::Succeed});
 }
