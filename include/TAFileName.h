@@ -13,7 +13,8 @@
 // used by several threads only while none of them copies, changes or ends one. Whoever hands a name to another thread
 // gives it a text of its own: TAFileName(static_cast<const char*>(name)).
 // When memory runs out, a line that starts with "# Alloc failed in TAFileName" goes to standard output and the name
-// becomes the null name. Nothing throws. Actions block as long as the disk does.
+// becomes an incomplete one: a null name that stays null whatever is added to it, so that it never leads to another
+// file. Nothing throws. Actions block as long as the disk does.
 #ifndef TAFILENAME_H
 #define TAFILENAME_H
 
@@ -52,7 +53,9 @@ public:
     // What the system's own functions take on this target: on Linux slashes and no drive.
     ZELString GetNativeName() const noexcept;
 
-    int IsNull() const noexcept { return _block == nullptr ? 1 : 0; }
+    int IsNull() const noexcept { return _block == nullptr || _block->length == 0 ? 1 : 0; }
+    // Whether memory ran out while this name was made, or one that it was made from. Every assignment ends it.
+    bool IsIncomplete() const noexcept { return _block != nullptr && _block->length == 0; }
 
     // Without regard to the case of A to Z. The null name equals only itself, a null pointer and "".
     friend bool operator==(const TAFileName& left, const TAFileName& right) noexcept {
@@ -66,11 +69,18 @@ public:
     // Bytes as unsigned values: -1, 0 or 1. For ZELListValTAFileName::QuickSort.
     static int Compare(TAFileName* left, TAFileName* right) noexcept;
 
-    // The text, a backslash and `tail`, normalised; for the null name `tail` alone. A null or empty `tail` adds
-    // nothing.
+    // The text, a backslash and `tail`, normalised; for the null name `tail` alone, unless it is incomplete. A null or
+    // empty `tail` adds nothing.
     TAFileName operator+(const char* tail) const noexcept;
     TAFileName operator+(const ZELString& tail) const noexcept;
+    TAFileName operator+(const TAFileName& tail) const noexcept;
     TAFileName& operator+=(const char* tail) noexcept;
+    TAFileName& operator+=(const ZELString& tail) noexcept;
+    TAFileName& operator+=(const TAFileName& tail) noexcept;
+    // The texts, one behind the other; incomplete when the name is.
+    friend ZELString operator+(const ZELString& text, const TAFileName& name) noexcept {
+        return text + name.AsString();
+    }
 
     // What stands behind the last "." of the whole text, or "". The search does not stop at a backslash: the extension
     // of "dir.d\file" is "d\file".
@@ -88,12 +98,13 @@ public:
     // The name without its last n components. The null name when there are not so many backslashes behind the first
     // character; the whole name for n of 0 or less.
     TAFileName dirname(int n) const noexcept;
-    ZELString Getdirname(int n) const noexcept { return ZELString(dirname(n).View()); }
+    ZELString Getdirname(int n) const noexcept { return dirname(n).AsString(); }
 
     // 1 when the attributes can be read and tell a file that is no directory; links are followed.
     int IsFile() const noexcept;
     int IsDirectory() const noexcept;
-    // Deletes the file, not a directory. 0 when it is gone and for the null name, else 1. The Unicode form reaches
+    // Deletes the file, not a directory. 0 when it is gone and for the null name, else 1, also for an incomplete one.
+    // The Unicode form reaches
     // names on Windows whose text is UTF-8.
     int Delete() const noexcept;
     int DeleteUnicode() const noexcept;
@@ -110,8 +121,8 @@ public:
     int CreateRecursiveDirectory() const noexcept;
 
     // 1 when this name or one of its ancestors is `dir` byte for byte, that is, when `dir` is a prefix that ends at a
-    // backslash or at the end; else 0. Always 1 when `dir` is the null name. `level` receives how many components this
-    // name has below `dir`; 0 when the result is 0 or `dir` is the null name.
+    // backslash or at the end; else 0. Always 1 when `dir` is the null name, and 0 when it is incomplete. `level`
+    // receives how many components this name has below `dir`; 0 when the result is 0 or `dir` is the null name.
     int IsUnderDirectory(const TAFileName& dir) const noexcept;
     int IsUnderDirectory(const TAFileName& dir, int& level) const noexcept;
 
@@ -152,6 +163,7 @@ private:
         return left.size() == right.size() && HasSameLetters(left.data(), right.data(), left.size());
     }
     static bool HasSameLetters(const char* left, const char* right, std::size_t length) noexcept;
+    static Block* ShareIncomplete() noexcept;
     static Block* NewBlock(std::size_t length) noexcept;
     static Block* MakeBlock(const Text& text) noexcept;
     static Block* MakeBlock(const Text& first, const Text& separator, const Text& second) noexcept;
@@ -159,6 +171,10 @@ private:
     std::size_t FindLast(char character, std::size_t end) const noexcept;
     TAFileName Part(std::size_t start, std::size_t length) const noexcept;
     TAFileName Join(const Text& tail) const noexcept;
+    TAFileName& Extend(const Text& tail) noexcept;
+    ZELString AsString() const noexcept {
+        return IsIncomplete() ? ZELString::Incomplete() : ZELString(View());
+    }
     void SetBlock(Block* block) noexcept;
     void Release() noexcept {
         if (_block != nullptr && --_block->count <= 0) FreeBlock();

@@ -89,7 +89,7 @@ public:
     // The calling process.
     static int Getpid() noexcept;
     // Runs the command by the C runtime's system() and waits for it. Its result if below 256, else divided by 256: the
-    // exit code, where nothing else happened.
+    // exit code, where nothing else happened. -1 for an incomplete text.
     static int Exec(ZELString command) noexcept;
     // Does nothing and returns 0: ended children need no help of the caller's.
     static int ZombiClean() noexcept;

@@ -64,6 +64,8 @@ ZEL_API char* Q_strstr(const char* text, const char* pattern, int limit) noexcep
 // byte behind the beginning of a separator, so the fields behind a longer one keep the rest of it: "a::b" at "::"
 // gives "a" and ":b". A limit below 2 gives the whole line.
 //
+// When memory runs out there are no fields at all.
+//
 // The forms with a limit and no separator fill up with empty texts to `n` fields; an index takes one empty key at most.
 ZEL_API int Split(ZELString& line, ZELListValZELString& fields) noexcept;
 ZEL_API int Split(ZELString& line, ZELListValZELString& fields, int n) noexcept;
@@ -75,7 +77,7 @@ ZEL_API int Split(ZELString& line, TAIndex& fields, ZELString separator) noexcep
 ZEL_API int Split(ZELString& line, TAIndex& fields, ZELString separator, int n) noexcept;
 
 // Joins the fields with `separator` (one blank when there is none) between them. Always 0; `line` stays as it was when
-// the list is empty.
+// the list is empty, and when memory runs out, which makes it incomplete.
 ZEL_API int ToLine(ZELListValZELString& fields, ZELString& line) noexcept;
 ZEL_API int ToLine(ZELListValZELString& fields, ZELString& line, ZELString separator) noexcept;
 

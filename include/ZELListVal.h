@@ -126,8 +126,9 @@ public:
             return 1;
         }
         // A text whose copy ran out of memory is empty.
-        if constexpr (requires { value.Length(); }) {
-            if (copy->Length() != value.Length()) {
+        // A copy that lacks a part of the text is none.
+        if constexpr (requires { copy->IsIncomplete(); }) {
+            if (copy->IsIncomplete()) {
                 Delete(copy);
                 return 1;
             }

@@ -10,8 +10,9 @@
 //
 // A null `const char*` counts as the empty text everywhere. A position outside the text gives an empty result, -1 or a
 // NUL character, never a read outside. When memory runs out, or a text would grow past 2^31 - 2 bytes, a line that
-// starts with "# Alloc failed in ZELString" goes to standard output and the operation leaves the text as it was (a
-// constructor: empty). Nothing throws.
+// starts with "# Alloc failed in ZELString" goes to standard output, the operation leaves the text as it was (a
+// constructor: empty), and the text counts as incomplete from then on, and with it what is made of it; see
+// IsIncomplete(). Nothing throws.
 // Distinct objects may be used from distinct threads; one object that is being changed needs a lock of the caller's.
 //
 // Use ZELUnicodeString where characters rather than bytes matter.
@@ -43,7 +44,7 @@ public:
     // The longest text that is kept inside the object.
     static constexpr std::size_t InlineCapacity = 31;
 
-    constexpr ZELString() noexcept : _short{}, _length(0), _room(0) {}
+    constexpr ZELString() noexcept : _short{}, _length(0), _room(0), _isIncomplete(0) {}
     ZELString(const char* text) noexcept : ZELString(std::string_view(text ? text : "")) {}
     ZELString(char* text) noexcept : ZELString(static_cast<const char*>(text)) {}
     ZELString(std::nullptr_t) noexcept : ZELString() {}
@@ -63,7 +64,7 @@ public:
         if (other._room == 0)
             CopyObject(other);
         else
-            Assign(other.View());
+            AssignLong(other);
     }
     ZELString(ZELString&& other) noexcept {
         CopyObject(other);
@@ -77,7 +78,7 @@ public:
         if (_room == 0 && other._room == 0)
             CopyObject(other);
         else if (this != &other)
-            Assign(other.View());
+            AssignLong(other);
         return *this;
     }
     ZELString& operator=(ZELString&& other) noexcept {
@@ -102,6 +103,16 @@ public:
     int Length() const noexcept { return static_cast<int>(_length); }
     int length() const noexcept { return Length(); }
     int GetLengthInChar() const noexcept { return Length(); }
+    // Whether something may be missing, because memory ran out when the text was made or changed, or when a string was
+    // that it was made from. Copies, joined strings and parts take it over; assigning a whole text ends it. Whoever is
+    // handed a text to store, to send or to open checks it, as all of this library does.
+    bool IsIncomplete() const noexcept { return _isIncomplete != 0; }
+    // An empty text that is incomplete: what a function returns that had no memory for its result.
+    static ZELString Incomplete() noexcept {
+        ZELString text;
+        text._isIncomplete = 1;
+        return text;
+    }
 
     // The character at `position`; NUL outside 0 to Length() - 1.
     ZELChar operator[](int position) const noexcept { return At(static_cast<std::uint64_t>(position)); }
@@ -111,7 +122,10 @@ public:
     }
 
     // Appending in place; a string may be appended to itself, and `text` may point into this string.
-    ZELString& operator+=(const ZELString& text) noexcept { return Append(text.View()); }
+    ZELString& operator+=(const ZELString& text) noexcept {
+        _isIncomplete |= text._isIncomplete;
+        return Append(text.View());
+    }
     ZELString& operator+=(const char* text) noexcept { return Append(std::string_view(text ? text : "")); }
     template <std::same_as<char> Character>
     ZELString& operator+=(Character character) noexcept {
@@ -127,15 +141,17 @@ public:
         return *this;
     }
 
-    ZELString operator+(const ZELString& text) const noexcept { return Join(View(), text.View()); }
-    ZELString operator+(const char* text) const noexcept { return Join(View(), text ? text : ""); }
+    ZELString operator+(const ZELString& text) const noexcept {
+        return Join(View(), text.View(), _isIncomplete | text._isIncomplete);
+    }
+    ZELString operator+(const char* text) const noexcept { return Join(View(), text ? text : "", _isIncomplete); }
     // A char and nothing that merely converts to it: `text + 1` stays pointer arithmetic on the C text.
     template <std::same_as<char> Character>
     ZELString operator+(Character character) const noexcept {
-        return Join(View(), std::string_view(&character, 1));
+        return Join(View(), std::string_view(&character, 1), _isIncomplete);
     }
     friend ZELString operator+(const char* left, const ZELString& right) noexcept {
-        return Join(left ? left : "", right.View());
+        return Join(left ? left : "", right.View(), right._isIncomplete);
     }
 
     // The position of the first occurrence of `what` that begins at or after `from`, or -1; -1 too when `what` is
@@ -170,6 +186,7 @@ private:
     const char* Text() const noexcept { return _room != 0 ? _long : _short; }
     char* Text() noexcept { return _room != 0 ? _long : _short; }
     std::size_t Room() const noexcept { return _room != 0 ? _room : InlineCapacity; }
+    void SetRoom(std::size_t room) noexcept { _room = static_cast<std::uint32_t>(room) & 0x7FFFFFFF; }
     void SetLength(std::size_t length) noexcept {
         _length = static_cast<std::uint32_t>(length);
         Text()[length] = '\0';
@@ -180,19 +197,27 @@ private:
         std::memcpy(_short, other._short, sizeof _short);
         _length = other._length;
         _room = other._room;
+        _isIncomplete = other._isIncomplete;
     }
     void Forget() noexcept {
         _short[0] = '\0';
         _length = 0;
         _room = 0;
+        _isIncomplete = 0;
     }
     void Assign(std::string_view text) noexcept { AssignBytes(text.data(), text.size()); }
+    void AssignLong(const ZELString& other) noexcept {
+        Assign(other.View());
+        _isIncomplete |= other._isIncomplete;
+    }
     void AssignBytes(const char* text, std::size_t length) noexcept;
     void AppendGrowing(const char* text, std::size_t length) noexcept;
     bool Grow(std::size_t length) noexcept;
     void FreeText() noexcept;
-    static ZELString Join(std::string_view left, std::string_view right) noexcept {
-        return JoinBytes(left.data(), left.size(), right.data(), right.size());
+    static ZELString Join(std::string_view left, std::string_view right, std::uint32_t isIncomplete) noexcept {
+        ZELString joined = JoinBytes(left.data(), left.size(), right.data(), right.size());
+        joined._isIncomplete |= isIncomplete & 1;
+        return joined;
     }
     static ZELString JoinBytes(const char* left, std::size_t leftLength, const char* right,
                                std::size_t rightLength) noexcept;
@@ -202,7 +227,8 @@ private:
         char* _long;  // a heap block of _room + 1 bytes
     };
     std::uint32_t _length;
-    std::uint32_t _room;  // characters that _long has room for; 0 while the text is inside the object
+    std::uint32_t _room : 31;  // characters that _long has room for; 0 while the text is inside the object
+    std::uint32_t _isIncomplete : 1;
 };
 
 #endif

@@ -13,7 +13,8 @@
 //
 // A position outside the text gives an empty result or U+0000, never a read outside. When memory runs out, or a text
 // would grow past 2^29 - 1 characters, a line that starts with "# Alloc failed in ZELUnicodeString" goes to standard
-// output and the operation leaves the text as it was (a constructor: empty). Nothing throws.
+// output, the operation leaves the text as it was (a constructor: empty), and IsIncomplete() tells so from then on.
+// Nothing throws.
 // Distinct objects may be used from distinct threads, and one object may be read by several, its 8-bit form included;
 // one that is being changed needs a lock of the caller's.
 //
@@ -112,10 +113,12 @@ public:
     // The longest text, in characters, that is kept inside the object.
     static constexpr std::size_t InlineCapacity = 16;
 
-    ZELUnicodeString() noexcept : _short{}, _length(0), _room(0), _isNull(0) {}
+    ZELUnicodeString() noexcept : _short{}, _length(0), _room(0), _isNull(0), _isIncomplete(0) {}
     // From UTF-8; null gives the null string.
     ZELUnicodeString(const char* text) noexcept;
-    ZELUnicodeString(const ZELString& text) noexcept : ZELUnicodeString(text.View()) {}
+    ZELUnicodeString(const ZELString& text) noexcept : ZELUnicodeString(text.View()) {
+        if (text.IsIncomplete()) _isIncomplete = 1;
+    }
     explicit ZELUnicodeString(std::string_view text) noexcept : ZELUnicodeString() {
         SetBytes(text.data(), text.size());
     }
@@ -134,6 +137,8 @@ public:
     int GetLengthInChar() const noexcept { return static_cast<int>(_length); }
     // 1 for the null string, 0 for every other one, empty or not.
     int IsNull() const noexcept { return static_cast<int>(_isNull); }
+    // As ZELString::IsIncomplete().
+    bool IsIncomplete() const noexcept { return _isIncomplete != 0; }
     // The character at `position`; U+0000 outside 0 to GetLengthInChar() - 1.
     template <std::integral Position>
     ZELUnicodeChar operator[](Position position) const noexcept {
@@ -192,6 +197,11 @@ private:
     // Both fill a fresh string, which stays empty without memory.
     void SetBytes(const char* text, std::size_t size) noexcept;
     void SetUnits(const char32_t* units, std::size_t length) noexcept;
+    ZELUnicodeString Part(std::u32string_view units) const noexcept {
+        ZELUnicodeString part(units);
+        part._isIncomplete |= _isIncomplete;
+        return part;
+    }
     char32_t* MakeRoom(std::size_t length) noexcept;
     void Take(ZELUnicodeString& other) noexcept;
     void DropBytes() noexcept;
@@ -202,8 +212,9 @@ private:
         char32_t* _long;  // a heap block of _room units
     };
     std::uint32_t _length;
-    std::uint32_t _room : 31;  // units at _long; 0 while the text is inside the object
+    std::uint32_t _room : 30;  // units at _long; 0 while the text is inside the object
     std::uint32_t _isNull : 1;
+    std::uint32_t _isIncomplete : 1;
     mutable ZELAtomic<char*> _bytes{nullptr};  // the 8-bit form, a heap block; null before its first use
 };
 

@@ -81,13 +81,14 @@ def items(address, size, layout):
 
 def string_span(address):
     length, room = read(address, STRING)
+    room &= 0x7FFFFFFF  # beside the mark of an incomplete text
     check(length <= (room or 31), f"{length} characters in room for {room or 31}")
     return (read(address, "P")[0] if room else address), length
 
 
 def unicode_span(address):
     length, room = read(address, UNICODE)
-    is_null, room = room >> 31, room & 0x7FFFFFFF
+    is_null, room = room >> 30 & 1, room & 0x3FFFFFFF
     check(length <= (room or 16), f"{length} characters in room for {room or 16}")
     return (None if is_null else read(address, "P")[0] if room else address), length
 

@@ -3,9 +3,11 @@
 
 #include "TAHtmlBanner.h"
 
-#include "TAEnvironment.h"
+#include <algorithm>
+#include <string_view>
+
 #include "TAFileUtilities.h"
-#include "TATextUtilities.h"
+#include "platform/system.h"
 
 using namespace zel;
 
@@ -16,15 +18,18 @@ constexpr const char* Pictures[] = {
     "zeq_Logo.png",          "compass.png",          "Top_Bar_Layer_Top_Rounded_part.png",
     "Top_Bar_Layer_Top.png", "ToolbarMenuIcons.png", "copy.png"};
 
-// The directory of the resources below the first root that has them; the null name when none has.
+// The directory of the resources below the first root that has them; the null name when none has, incomplete when
+// nobody can tell.
 TAFileName FindResources() noexcept {
-    TAEnvVariable variable("RkrkROOT_PATH", 0);
-    ZELString paths(variable.GetEnvironmentValue());
-    ZELListValZELString roots;
-    Split(paths, roots, ";");
-    for (const ZELString& root : roots) {
-        const TAFileName resources = TAFileName(root) + "resources" + "ZELToolsInfrastructure";
-        if ((resources + "css").IsDirectory() != 0) return resources;
+    const char* const paths = GetEnvironment("RkrkROOT_PATH");
+    for (std::string_view rest(paths != nullptr ? paths : ""); !rest.empty();) {
+        const std::string_view root = rest.substr(0, rest.find(';'));
+        rest.remove_prefix(std::min(root.size() + 1, rest.size()));
+        if (root.empty()) continue;
+        const TAFileName resources = TAFileName(ZELString(root)) + "resources" + "ZELToolsInfrastructure";
+        const TAFileName styles = resources + "css";
+        if (styles.IsIncomplete()) return styles;
+        if (styles.IsDirectory() != 0) return resources;
     }
     return TAFileName();
 }
@@ -34,7 +39,7 @@ TAFileName FindResources() noexcept {
 ZELListValZELString BuildHtmlBanner(ZELString title, ZELListValZELString& menu, ZELString homeLink,
                                     ZELString helpLink) noexcept {
     ZELListValZELString banner;
-    int failures = 0;
+    int failures = title.IsIncomplete() || homeLink.IsIncomplete() || helpLink.IsIncomplete() ? 1 : 0;
     const auto append = [&](const ZELString& fragment) { failures += banner.Append(fragment); };
     for (const char* const fragment : {"<table id=\"top\">", "<tr>", "<td>", "<div class=\"logo-zeq\"></div>",
                                        "<div class=\"compass-ct\">", "<div class=\"compass\"></div></div>", "</td>"})
@@ -56,7 +61,7 @@ ZELListValZELString BuildHtmlBanner(ZELString title, ZELListValZELString& menu, 
 
 int CopyDefaultHtmlStyle(TAFileName reportDirectory) noexcept {
     const TAFileName resources = FindResources();
-    if (resources.IsNull() != 0) return 0;
+    if (resources.IsNull() != 0) return resources.IsIncomplete() ? 1 : 0;
     int result = 0;
     const auto copy = [&](const char* folder, const char* file) {
         result |= CopyFileW(resources + folder + file, reportDirectory + folder + file) != 0 ? 1 : 0;

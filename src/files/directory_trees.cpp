@@ -57,6 +57,7 @@ std::string_view WithoutSeparatorsBehind(const char* path) noexcept {
 
 void ReadRecursiveDirectory(ZELString directory, ZELListValZELString& names) noexcept {
     directory.ReplaceSubString("/", "\\");
+    if (directory.IsIncomplete()) return;
     FileCollector collector(names);
     collector.Run(directory);
 }

@@ -47,10 +47,11 @@ int CopyFileW(TAFileName source, TAFileName destination) noexcept {
 }
 
 int FileExists(ZELString path) noexcept {
-    return KindOf(path) == PathKind::File ? 1 : 0;
+    return !path.IsIncomplete() && KindOf(path) == PathKind::File ? 1 : 0;
 }
 
 ZELString GetModifTime(ZELString path) noexcept {
+    if (path.IsIncomplete()) return path;
     FileStatus status;
     return ReadFileStatus(path, status) ? ClockText(status.modified) : ZELString();
 }

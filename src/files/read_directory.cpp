@@ -119,7 +119,7 @@ void ReadDirectory(const char* pattern, ZELListValZELString& names, unsigned cha
 }
 
 void ReadDirectory(ZELString pattern, ZELListValZELString& names, unsigned char sorted) noexcept {
-    ReadDirectory(pattern.CastToCharPtr(), names, sorted);
+    if (!pattern.IsIncomplete()) ReadDirectory(pattern.CastToCharPtr(), names, sorted);
 }
 
 void ReadDirectory(const char* pattern, ZELListValTAFileName& names) noexcept {
@@ -129,5 +129,5 @@ void ReadDirectory(const char* pattern, ZELListValTAFileName& names) noexcept {
 }
 
 void ReadDirectory(ZELString pattern, ZELListValTAFileName& names) noexcept {
-    ReadDirectory(pattern.CastToCharPtr(), names);
+    if (!pattern.IsIncomplete()) ReadDirectory(pattern.CastToCharPtr(), names);
 }

@@ -91,20 +91,23 @@ int ReportUnwritten(int line) noexcept {
 }  // namespace
 
 int ReadFile(ZELString file, ZELListValZELString& lines) noexcept {
-    return ReadIntoList(file, lines, LineBufferSize);
+    return ReadFile(std::move(file), lines, LineBufferSize);
 }
 
 int ReadFile(ZELString file, ZELListValZELString& lines, int bufferSize) noexcept {
+    if (file.IsIncomplete()) return 1;
     return ReadIntoList(file, lines, bufferSize);
 }
 
 int ReadFile(ZELString file, TAIndex& lines) noexcept {
+    if (file.IsIncomplete()) return 1;
     // A line holds no NUL but the one behind it.
     return ReadLines(file, LineBufferSize,
                      [&](std::string_view line) { return lines.Append(line.data(), nullptr) != nullptr; });
 }
 
 int WriteFile(ZELString file, ZELListValZELString& lines) noexcept {
+    if (file.IsIncomplete()) return ReportUnwritten(1);
     LineWriter writer(file);
     if (!writer.IsOpen()) return ReportUnwritten(1);
     bool written = true;

@@ -41,14 +41,16 @@ void ZELString::AssignBytes(const char* text, std::size_t length) noexcept {
     if (length <= Room()) {
         std::memmove(Text(), text, length);
         SetLength(length);
+        _isIncomplete = 0;
         return;
     }
     char* const block = AllocateText(length);
+    _isIncomplete = block == nullptr ? 1 : 0;
     if (block == nullptr) return;
     std::memcpy(block, text, length);
     if (_room != 0) FreeText();
     _long = block;
-    _room = static_cast<std::uint32_t>(length);
+    SetRoom(length);
     SetLength(length);
 }
 
@@ -61,7 +63,7 @@ bool ZELString::Grow(std::size_t length) noexcept {
     if (_room >= ReallocatedFrom && room <= MaxLength) {
         if (char* const moved = static_cast<char*>(Reallocate(_long, room + 1))) {
             _long = moved;
-            _room = static_cast<std::uint32_t>(room);
+            SetRoom(room);
             return true;
         }
     }
@@ -70,7 +72,7 @@ bool ZELString::Grow(std::size_t length) noexcept {
     std::memcpy(block, Text(), std::size_t{_length} + 1);
     if (_room != 0) FreeText();
     _long = block;
-    _room = static_cast<std::uint32_t>(room);
+    SetRoom(room);
     return true;
 }
 
@@ -80,7 +82,10 @@ void ZELString::AppendGrowing(const char* text, std::size_t length) noexcept {
     const char* const old = Text();
     const bool inside = !before(text, old) && !before(old + _length, text);
     const std::size_t offset = inside ? static_cast<std::size_t>(text - old) : 0;
-    if (!Grow(_length + length)) return;
+    if (!Grow(_length + length)) {
+        _isIncomplete = 1;
+        return;
+    }
     std::memcpy(Text() + _length, inside ? Text() + offset : text, length);
     SetLength(_length + length);
 }
@@ -93,7 +98,10 @@ ZELString ZELString::JoinBytes(const char* left, std::size_t leftLength, const c
                                std::size_t rightLength) noexcept {
     ZELString joined;
     const std::size_t length = leftLength + rightLength;
-    if (length > InlineCapacity && !joined.Grow(length)) return joined;
+    if (length > InlineCapacity && !joined.Grow(length)) {
+        joined._isIncomplete = 1;
+        return joined;
+    }
     char* const text = joined.Text();
     std::memcpy(text, left, leftLength);
     std::memcpy(text + leftLength, right, rightLength);
@@ -108,13 +116,17 @@ int ZELString::FindPosition(const ZELString& what, int from) const noexcept {
 }
 
 ZELString ZELString::SubString(std::size_t start, std::size_t count) const noexcept {
-    return start < _length ? ZELString(View().substr(start, count)) : ZELString();
+    ZELString part;
+    if (start < _length) part.Assign(View().substr(start, count));
+    part._isIncomplete |= _isIncomplete;
+    return part;
 }
 
 int ZELString::ReplaceSubString(const ZELString& what, const ZELString& by) noexcept {
     constexpr std::size_t npos = std::string_view::npos;
     const std::string_view text = View();
     const std::string_view old = what.View();
+    _isIncomplete |= what._isIncomplete;
     std::size_t occurrences = 0;
     for (std::size_t at = FindText(text, old, 0); at != npos; at = FindText(text, old, at + old.size())) ++occurrences;
     if (occurrences == 0) return 0;
@@ -122,13 +134,17 @@ int ZELString::ReplaceSubString(const ZELString& what, const ZELString& by) noex
     // Built apart, since either argument may be this very string.
     const std::size_t length = text.size() - occurrences * old.size() + occurrences * by._length;
     ZELString result;
-    if (length > InlineCapacity && !result.Grow(length)) return 0;
+    if (by.IsIncomplete() || (length > InlineCapacity && !result.Grow(length))) {
+        _isIncomplete = 1;
+        return 0;
+    }
     std::size_t done = 0;
     for (std::size_t at = FindText(text, old, 0); at != npos; at = FindText(text, old, done)) {
         result.Append(text.substr(done, at - done)).Append(by.View());
         done = at + old.size();
     }
     result.Append(text.substr(done));
+    result._isIncomplete = _isIncomplete;
     *this = std::move(result);
     return static_cast<int>(occurrences);
 }

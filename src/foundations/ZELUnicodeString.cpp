@@ -85,6 +85,7 @@ ZELUnicodeString::ZELUnicodeString(const ZELUnicodeChar& character, int count) n
 
 ZELUnicodeString::ZELUnicodeString(const ZELUnicodeString& other) noexcept : ZELUnicodeString(other.View()) {
     _isNull = other._isNull;
+    _isIncomplete |= other._isIncomplete;
 }
 
 ZELUnicodeString::ZELUnicodeString(ZELUnicodeString&& other) noexcept : ZELUnicodeString() {
@@ -104,6 +105,7 @@ ZELUnicodeString& ZELUnicodeString::operator=(const ZELUnicodeString& other) noe
     std::copy_n(other.Units(), other._length, units);
     _length = other._length;
     _isNull = other._isNull;
+    _isIncomplete = other._isIncomplete;
     return *this;
 }
 
@@ -121,8 +123,10 @@ void ZELUnicodeString::Take(ZELUnicodeString& other) noexcept {
     _length = std::exchange(other._length, 0u);
     _room = other._room;
     _isNull = other._isNull;
+    _isIncomplete = other._isIncomplete;
     other._room = 0;
     other._isNull = 0;
+    other._isIncomplete = 0;
     _bytes.store(other._bytes.exchange(nullptr, std::memory_order_relaxed), std::memory_order_relaxed);
 }
 
@@ -133,7 +137,7 @@ void ZELUnicodeString::DropBytes() noexcept {
     }
 }
 
-// The units, with room for `length` of them and the present text kept; null, and nothing changed, without memory.
+// The units, with room for `length` of them and the present text kept; null, and the text incomplete, without memory.
 char32_t* ZELUnicodeString::MakeRoom(std::size_t length) noexcept {
     if (length <= (_room != 0 ? _room : InlineCapacity)) return Units();
     // Half as much again where a text grows, so that building one piece by piece stays linear.
@@ -143,11 +147,12 @@ char32_t* ZELUnicodeString::MakeRoom(std::size_t length) noexcept {
     auto* const units = length <= MaxLength ? static_cast<char32_t*>(Reallocate(old, bytes)) : nullptr;
     if (units == nullptr) {
         ReportAllocFailure("ZELUnicodeString", length * sizeof(char32_t));
+        _isIncomplete = 1;
         return nullptr;
     }
     if (old == nullptr) std::copy_n(_short, _length, units);
     _long = units;
-    _room = static_cast<std::uint32_t>(room) & 0x7FFFFFFF;
+    _room = static_cast<std::uint32_t>(room) & 0x3FFFFFFF;
     return units;
 }
 
@@ -167,12 +172,12 @@ ZELUnicodeString ZELUnicodeString::Strip(ZELStripMode mode, const ZELUnicodeChar
     std::u32string_view rest = View();
     if (mode != ZELStripTrailing) rest.remove_prefix(std::min(rest.find_first_not_of(c.CodePoint()), rest.size()));
     if (mode != ZELStripLeading) rest = rest.substr(0, rest.find_last_not_of(c.CodePoint()) + 1);
-    return ZELUnicodeString(rest);
+    return Part(rest);
 }
 
 ZELUnicodeString ZELUnicodeString::SubString(int start, int length) const noexcept {
-    if (start < 0 || length < 0 || static_cast<std::uint32_t>(start) >= _length) return ZELUnicodeString();
-    return ZELUnicodeString(View().substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length)));
+    if (start < 0 || length < 0 || static_cast<std::uint32_t>(start) >= _length) return Part({});
+    return Part(View().substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length)));
 }
 
 ZELUnicodeString& ZELUnicodeString::operator+=(const ZELUnicodeString& text) noexcept {
@@ -185,6 +190,7 @@ ZELUnicodeString& ZELUnicodeString::operator+=(const ZELUnicodeString& text) noe
     DropBytes();
     _length = static_cast<std::uint32_t>(oldLength + added);
     _isNull = _isNull && text._isNull;
+    _isIncomplete |= text._isIncomplete;
     Recompose(oldLength);
     return *this;
 }

@@ -21,6 +21,7 @@ using namespace zel;
 namespace {
 
 constexpr const char* NoLibrary = "No windows socket";
+constexpr const char* NoMemory = "Not enough memory";
 constexpr const char* NotOpenForPut = "Socket not opened, unable to put data block";
 constexpr const char* NotOpenForGet = "Socket not opened, unable to get data block";
 
@@ -60,6 +61,7 @@ int TASocket::Adopt(TASocketConnection* connection, const char* failure) noexcep
 int TASocket::OpenClient(ZELString host, int port, int connectTimeout) noexcept {
     if (!HasSockets()) return Fail(NoLibrary);
     if (_connection != nullptr) Close();
+    if (host.IsIncomplete()) return Fail(NoMemory);
     const std::int64_t limit = connectTimeout > 0 ? std::int64_t{connectTimeout} * 1000 : -1;
     const char* failure = "unable to create client socket";
     Socket socket;
@@ -153,6 +155,7 @@ int TASocket::Write(int value) noexcept {
 }
 
 int TASocket::Write(ZELString text) noexcept {
+    if (text.IsIncomplete()) return Fail(NoMemory);
     return _connection != nullptr ? _connection->PutString(text.View()) : Fail(NotOpenForPut);
 }
 
@@ -161,6 +164,7 @@ int TASocket::PutBlock(const char* text) noexcept {
 }
 
 int TASocket::PutBlock(ZELString text) noexcept {
+    if (text.IsIncomplete()) return Fail(NoMemory);
     return _connection != nullptr ? _connection->PutText(text.View()) : Fail(NotOpenForPut);
 }
 
@@ -173,6 +177,7 @@ int TASocket::PutBinBlock(int size, void* data) noexcept {
 }
 
 int TASocket::PutFile(ZELString path) noexcept {
+    if (path.IsIncomplete()) return Fail(NoMemory);
     return _connection != nullptr ? _connection->PutFile(path) : Fail(NotOpenForPut);
 }
 

@@ -14,6 +14,11 @@ void RequirePath() {
     FATAL(std::getenv("PATH") == nullptr, "TAOracleDatabase::SQLLoader, no PATH variable set");
 }
 
+// A command that memory cut off would do something else.
+int Execute(const ZELString& command) noexcept {
+    return command.IsIncomplete() ? -1 : std::system(command);
+}
+
 }  // namespace
 
 TADatabase::TADatabase(ZELString user, ZELString password, ZELString database) noexcept
@@ -28,13 +33,13 @@ int TAOracleDatabase::SQL(TAFileName script) {
     // A scratch file exists while the command runs; the command does not use it.
     const TAFileName scratch = TAFileName::GetTemporaryFileName();
     const int status =
-        std::system("plus80 -s " + _user + "/" + _password + "@" + _database + " @" + script.GetNativeName());
+        Execute("plus80 -s " + _user + "/" + _password + "@" + _database + " @" + script.GetNativeName());
     scratch.Delete();
     return status;
 }
 
 int TAOracleDatabase::SQLLoader(TAFileName control, TAFileName data) {
     RequirePath();
-    return std::system("sqlldr80 userid=" + _user + "/" + _password + "@" + _database +
-                       " control=" + control.GetNativeName() + " data=" + data.GetNativeName());
+    return Execute("sqlldr80 userid=" + _user + "/" + _password + "@" + _database +
+                   " control=" + control.GetNativeName() + " data=" + data.GetNativeName());
 }

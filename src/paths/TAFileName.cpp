@@ -37,17 +37,27 @@ bool IsAbsolute(std::string_view path) noexcept {
 
 }  // namespace
 
-// A view, as a type of this class's own: the exported functions name no type of the standard library.
+// A view that knows whether something is missing; a type of this class's own, because the exported functions name no
+// type of the standard library.
 struct TAFileName::Text : std::string_view {
     Text(std::string_view text) noexcept : std::string_view(text) {}
     Text(const char* text) noexcept : std::string_view(text != nullptr ? text : "") {}
+    Text(const ZELString& text) noexcept : std::string_view(text.View()), isIncomplete(text.IsIncomplete()) {}
+    Text(const TAFileName& name) noexcept : std::string_view(name.View()), isIncomplete(name.IsIncomplete()) {}
+    bool isIncomplete = false;
 };
 
 int TAFileName::_backSlashReplacementOnUnix = 1;
 
-// A new block for so many bytes, with their terminator and not normalised; null for no text and when memory runs out.
+// The block of all incomplete names, which has no text and never ends.
+TAFileName::Block* TAFileName::ShareIncomplete() noexcept {
+    static constinit Block block = {1 << 30, 0, true, ""};
+    ++block.count;
+    return &block;
+}
+
+// A new block for so many bytes, with their terminator and not normalised; null when memory runs out.
 TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
-    if (length == 0) return nullptr;
     constexpr std::size_t MaxLength = 0x7FFFFF00;
     const std::size_t size = offsetof(Block, text) + (length / PathPadding + 1) * PathPadding;
     auto* const block = length <= MaxLength ? static_cast<Block*>(Allocate(size)) : nullptr;
@@ -62,16 +72,23 @@ TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
     return block;
 }
 
+// Null for no text.
 TAFileName::Block* TAFileName::MakeBlock(const Text& text) noexcept {
+    if (text.isIncomplete) return ShareIncomplete();
+    if (text.empty()) return nullptr;
     Block* const block = NewBlock(text.size());
-    if (block != nullptr) std::memcpy(block->text, text.data(), text.size());
+    if (block == nullptr) return ShareIncomplete();
+    std::memcpy(block->text, text.data(), text.size());
     return block;
 }
 
 // The pieces one behind the other.
 TAFileName::Block* TAFileName::MakeBlock(const Text& first, const Text& separator, const Text& second) noexcept {
-    Block* const block = NewBlock(first.size() + separator.size() + second.size());
-    if (block == nullptr) return nullptr;
+    if (first.isIncomplete || second.isIncomplete) return ShareIncomplete();
+    const std::size_t length = first.size() + separator.size() + second.size();
+    if (length == 0) return nullptr;
+    Block* const block = NewBlock(length);
+    if (block == nullptr) return ShareIncomplete();
     char* const middle = std::copy(first.begin(), first.end(), block->text);
     std::copy(second.begin(), second.end(), std::copy(separator.begin(), separator.end(), middle));
     return block;
@@ -108,7 +125,7 @@ TAFileName::TAFileName(const char* path) noexcept : TAFileName(Text(path)) {}
 TAFileName::TAFileName(const char* path, int length) noexcept
     : TAFileName(Text(std::string_view(path, path != nullptr && length > 0 ? static_cast<std::size_t>(length) : 0))) {}
 
-TAFileName::TAFileName(const ZELString& path) noexcept : TAFileName(Text(path.View())) {}
+TAFileName::TAFileName(const ZELString& path) noexcept : TAFileName(Text(path)) {}
 
 TAFileName::TAFileName(const Text& path) noexcept : _block(MakeBlock(path)) {
     TAFileName::Normalize();
@@ -132,13 +149,13 @@ TAFileName& TAFileName::operator=(const char* path) noexcept {
 }
 
 TAFileName& TAFileName::operator=(const ZELString& path) noexcept {
-    SetBlock(MakeBlock(path.View()));
+    SetBlock(MakeBlock(path));
     Normalize();
     return *this;
 }
 
 void TAFileName::Normalize() noexcept {
-    if (_block == nullptr) return;
+    if (IsNull()) return;
     const std::size_t length = NormalisePath(_block->text, static_cast<std::size_t>(_block->length));
     _block->length = static_cast<std::int32_t>(length);
     _block->text[length] = '\0';
@@ -147,7 +164,8 @@ void TAFileName::Normalize() noexcept {
 }
 
 ZELString TAFileName::GetNativeName() const noexcept {
-    return NativePath(*this).Text();
+    const NativePath native(*this);
+    return native.Text() != nullptr && !IsIncomplete() ? ZELString(native.Text()) : ZELString::Incomplete();
 }
 
 bool TAFileName::HasSameLetters(const char* left, const char* right, std::size_t length) noexcept {
@@ -170,7 +188,7 @@ int TAFileName::Compare(TAFileName* left, TAFileName* right) noexcept {
 TAFileName TAFileName::Part(std::size_t start, std::size_t length) const noexcept {
     TAFileName part;
     part._block = MakeBlock(View().substr(start, length));
-    if (part._block != nullptr && _block->normalised)
+    if (!part.IsNull() && _block->normalised)
         part._block->normalised = true;
     else
         part.TAFileName::Normalize();
@@ -179,7 +197,7 @@ TAFileName TAFileName::Part(std::size_t start, std::size_t length) const noexcep
 
 TAFileName TAFileName::Join(const Text& tail) const noexcept {
     TAFileName joined;
-    joined._block = MakeBlock(View(), _block != nullptr && !tail.empty() ? "\\" : "", tail);
+    joined._block = MakeBlock(*this, !IsNull() && !tail.empty() ? "\\" : "", tail);
     joined.TAFileName::Normalize();
     return joined;
 }
@@ -188,17 +206,30 @@ TAFileName TAFileName::operator+(const char* tail) const noexcept {
     return Join(tail);
 }
 TAFileName TAFileName::operator+(const ZELString& tail) const noexcept {
-    return Join(tail.View());
+    return Join(tail);
 }
 
-TAFileName& TAFileName::operator+=(const char* tail) noexcept {
-    const Text added(tail);
-    SetBlock(MakeBlock(View(), _block != nullptr && !added.empty() ? "/" : "", added));
+TAFileName TAFileName::operator+(const TAFileName& tail) const noexcept {
+    return Join(tail);
+}
+
+TAFileName& TAFileName::Extend(const Text& tail) noexcept {
+    SetBlock(MakeBlock(*this, !IsNull() && !tail.empty() ? "/" : "", tail));
     Normalize();
     return *this;
 }
+TAFileName& TAFileName::operator+=(const char* tail) noexcept {
+    return Extend(tail);
+}
+TAFileName& TAFileName::operator+=(const ZELString& tail) noexcept {
+    return Extend(tail);
+}
+TAFileName& TAFileName::operator+=(const TAFileName& tail) noexcept {
+    return Extend(tail);
+}
 
 ZELString TAFileName::GetExtension() const noexcept {
+    if (IsIncomplete()) return ZELString::Incomplete();
     const std::size_t dot = FindLast('.', View().size());
     return dot == std::string_view::npos ? ZELString() : ZELString(View().substr(dot + 1));
 }
@@ -211,11 +242,12 @@ int TAFileName::HasExtension(const char* ext) const noexcept {
 
 void TAFileName::SetExtension(const ZELString& ext) noexcept {
     // Without a dot rfind gives npos, and npos + 1 is 0: nothing of the text is kept.
-    SetBlock(MakeBlock(View().substr(0, View().rfind('.') + 1), "", ext.View()));
+    if (IsIncomplete()) return;
+    SetBlock(MakeBlock(View().substr(0, View().rfind('.') + 1), "", ext));
 }
 
 void TAFileName::AddExtension(const ZELString& ext) noexcept {
-    SetBlock(MakeBlock(View(), "", ext.View()));
+    SetBlock(MakeBlock(*this, "", ext));
 }
 
 TAFileName TAFileName::basename(int n) const noexcept {
@@ -230,7 +262,7 @@ TAFileName TAFileName::basename(int n) const noexcept {
 }
 
 TAFileName TAFileName::dirname(int n) const noexcept {
-    if (n <= 0) return *this;
+    if (n <= 0 || IsIncomplete()) return *this;
     std::size_t end = View().size();
     for (int i = 0; i < n; ++i) {
         end = FindLast(Separator, end);
@@ -248,10 +280,10 @@ int TAFileName::IsDirectory() const noexcept {
 }
 
 int TAFileName::Delete() const noexcept {
-    return IsNull() || RemoveFile(*this) ? 0 : 1;
+    return !IsIncomplete() && (IsNull() || RemoveFile(*this)) ? 0 : 1;
 }
 int TAFileName::DeleteUnicode() const noexcept {
-    return IsNull() || RemoveFileUnicode(*this) ? 0 : 1;
+    return !IsIncomplete() && (IsNull() || RemoveFileUnicode(*this)) ? 0 : 1;
 }
 
 int TAFileName::CreateDirectoryW() const noexcept {
@@ -279,7 +311,7 @@ int TAFileName::IsUnderDirectory(const TAFileName& dir) const noexcept {
 
 int TAFileName::IsUnderDirectory(const TAFileName& dir, int& level) const noexcept {
     level = 0;
-    if (dir.IsNull()) return 1;
+    if (dir.IsNull()) return dir.IsIncomplete() ? 0 : 1;
     const std::string_view text = View();
     const std::string_view ancestor = dir.View();
     if (!text.starts_with(ancestor)) return 0;
@@ -293,7 +325,7 @@ TAFileName TAFileName::GetFullPath() const noexcept {
     if (IsNull() || IsAbsolute(View())) return *this;
     const TAFileName directory = GetWorkDir();
     // Joined as any other, the root would become the beginning of a network path.
-    return directory.View() == "\\" ? TAFileName(ZELString("\\") + *this) : directory.Join(View());
+    return directory.View() == "\\" ? TAFileName(ZELString("\\") + *this) : directory.Join(*this);
 }
 
 TAFileName TAFileName::GetTemporaryFileName() noexcept {
@@ -308,7 +340,7 @@ TAFileName TAFileName::GetWorkDir() noexcept {
 }
 
 int TAFileName::SetWorkDir(TAFileName directory) noexcept {
-    return ::SetWorkDir(ZELString(directory.View()));
+    return directory.IsIncomplete() ? -1 : ::SetWorkDir(ZELString(directory.View()));
 }
 
 void TAFileName::DisableBackSlashReplacementOnUnix() noexcept {

@@ -23,6 +23,7 @@ namespace {
 enum Status { NoChild = 201, CannotTell = 202, NoProcess = 203, StillRuns = 259 };
 
 constexpr const char* CannotTellMessage = "Unable to get child process indormation";
+constexpr const char* NoMemory = "Not enough memory";
 constexpr unsigned int KillCode = 99;
 
 }  // namespace
@@ -50,15 +51,16 @@ int TAProcess::Fail(const char* reason, const ZELString& detail) noexcept {
 
 int TAProcess::SetOutput(ZELString path) noexcept {
     _output = std::move(path);
-    return 0;
+    return _output.IsIncomplete() ? Fail(NoMemory) : 0;
 }
 
 int TAProcess::SetInput(ZELString path) noexcept {
     _input = std::move(path);
-    return 0;
+    return _input.IsIncomplete() ? Fail(NoMemory) : 0;
 }
 
 int TAProcess::Start(ZELString command, int) noexcept {
+    if (command.IsIncomplete() || _output.IsIncomplete() || _input.IsIncomplete()) return Fail(NoMemory);
     if (command.View().find_first_not_of(' ') == std::string_view::npos)
         return Fail("No command given, no process started");
     ReapDroppedChildren();
@@ -72,7 +74,7 @@ int TAProcess::Launch(const Command& command) noexcept {
     if (_output.Length() > 0 && !output.OpenForWriting(_output)) return Fail("Unable to redirect output in ", _output);
     if (_input.Length() > 0 && !input.OpenForReading(_input)) return Fail("Unable to redirect input in ", _input);
     ZELShared<TAChild> child = MakeChild();
-    if (!child) return Fail("Not enough memory");
+    if (!child) return Fail(NoMemory);
     ChildProcess process;
     LaunchFailure failure;
     bool isStarted = zel::Launch(command, input, output, process, failure);
@@ -154,7 +156,7 @@ int TAProcess::Getpid() noexcept {
 }
 
 int TAProcess::Exec(ZELString command) noexcept {
-    const int result = std::system(command);
+    const int result = command.IsIncomplete() ? -1 : std::system(command);
     return result < 256 ? result : result / 256;
 }
 

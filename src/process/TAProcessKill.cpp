@@ -56,10 +56,13 @@ int GetEpochStartTimeOfProcess(int pid, __int64& start) noexcept {
 void KillProcessInConcat(ZELUnicodeString directories, unsigned char listOnly) noexcept {
     char spared[] = "TADownloadRuntimeM";
     ZELToken tokens(directories);
+    // The beginning of a name would name other directories.
+    if (directories.IsIncomplete()) return;
     const char* separator = ";";
     for (ZELUnicodeString directory; (directory = tokens.GetNextToken(separator)).GetLengthInChar() > 0;) {
         separator = "\\";
         const ZELString path(directory.CastToCharPtr());
+        if (path.Length() == 0) continue;
         Trace(ZELString("Looking for processes running in directory ") + path, 0);
         TAInsTaskList tasks;
         if (tasks.TAInsCheckTask(path, spared) <= 0) continue;

@@ -78,7 +78,8 @@ TAProcessList::~TAProcessList() {
 }
 
 int TAProcessList::Start(ZELString command, int timeout, ZELString output, int limit) noexcept {
-    Entry* const entry = _entries != nullptr ? ZELNew<Entry>() : nullptr;
+    const bool isWhole = !command.IsIncomplete() && !output.IsIncomplete();
+    Entry* const entry = isWhole && _entries != nullptr ? ZELNew<Entry>() : nullptr;
     if (entry == nullptr) {
         ReportAllocFailure("TAProcessList", sizeof(Entry));
         return -1;

@@ -46,19 +46,20 @@ ZELString TANormalizeArg(const ZELString& argument) noexcept {
 }
 
 TAFileName SearchConcatenation(ZELString name, ZELString directories) noexcept {
+    if (directories.IsIncomplete()) return TAFileName(directories);
     std::string_view rest = directories.View();
     while (!rest.empty()) {
         const std::string_view entry = rest.substr(0, rest.find(';'));
         rest.remove_prefix(entry.size() < rest.size() ? entry.size() + 1 : entry.size());
         if (entry.empty()) continue;
         const TAFileName candidate = TAFileName(entry.data(), static_cast<int>(entry.size())) + name;
-        if (candidate.IsFile()) return candidate;
+        if (candidate.IsFile() || candidate.IsIncomplete()) return candidate;
     }
     return TAFileName();
 }
 
 int ZELToolsToUnicode(ZELString text, unsigned short* out, int capacity) noexcept {
-    if (out == nullptr || capacity < 0) return 1;
+    if (out == nullptr || capacity < 0 || text.IsIncomplete()) return 1;
     const std::size_t units = ToUtf16(text.View(), out, static_cast<std::size_t>(capacity));
     out[units] = 0;
     return units > 0 ? 0 : 1;

@@ -17,19 +17,20 @@ using namespace zel;
 
 namespace {
 
-constexpr std::string_view Blank = " ";
+constexpr const char* Blank = " ";
 
 struct Rule {
+    bool isWhole;  // false: memory cut the separator off
     std::string_view separator;
     std::size_t step;  // from the beginning of a separator to where the text goes on
     int separators;    // how many may be used up behind the beginning of the first field
 };
 
-Rule Everywhere(std::string_view separator) noexcept {
-    return {separator, separator.size(), INT_MAX};
+Rule Everywhere(const ZELString& separator) noexcept {
+    return {!separator.IsIncomplete(), separator.View(), separator.View().size(), INT_MAX};
 }
-Rule UpTo(int fields, std::string_view separator) noexcept {
-    return {separator, 1, fields < 2 ? 0 : fields - 1};
+Rule UpTo(int fields, const ZELString& separator) noexcept {
+    return {!separator.IsIncomplete(), separator.View(), 1, fields < 2 ? 0 : fields - 1};
 }
 
 class FieldCursor {
@@ -65,60 +66,76 @@ bool IsElement(const ZELString& line, const ZELListValZELString& fields) noexcep
     return false;
 }
 
-int Fill(ZELListValZELString& fields, const ZELString& line, const Rule& rule) noexcept {
+// All fields; none, and false, when memory runs out.
+bool Fill(ZELListValZELString& fields, const ZELString& line, const Rule& rule) noexcept {
     const ZELString copy = IsElement(line, fields) ? line : ZELString();
+    bool isWhole = rule.isWhole && !line.IsIncomplete() && !copy.IsIncomplete();
     FieldCursor cursor(copy.Length() > 0 ? copy.View() : line.View(), rule);
     std::string_view field = cursor.Next();
     int stored = 0;
-    for (auto old = fields.begin(); old != fields.end() && !field.empty(); ++old, ++stored, field = cursor.Next())
+    for (auto old = fields.begin(); old != fields.end() && !field.empty(); ++old, ++stored, field = cursor.Next()) {
         *old = ZELString(field);
+        isWhole = isWhole && !old->IsIncomplete();
+    }
     if (stored < fields.Size()) fields.RemovePosition(stored + 1, static_cast<unsigned int>(fields.Size() - stored));
-    for (; !field.empty(); field = cursor.Next()) fields.Append(ZELString(field));
-    return fields.Size();
+    for (; isWhole && !field.empty(); field = cursor.Next()) isWhole = fields.Append(ZELString(field)) == 0;
+    if (!isWhole) fields.RemoveAll(ZELCollec::KeepMemory);
+    return isWhole;
 }
 
-int Fill(TAIndex& fields, const ZELString& line, const Rule& rule) noexcept {
+bool Fill(TAIndex& fields, const ZELString& line, const Rule& rule) noexcept {
     fields.Reset();
+    bool isWhole = rule.isWhole && !line.IsIncomplete();
     FieldCursor cursor(line.View(), rule);
-    for (std::string_view field; !(field = cursor.Next()).empty();) fields.Append(ZELString(field), nullptr);
+    for (std::string_view field; isWhole && !(field = cursor.Next()).empty();) {
+        const ZELString key(field);
+        isWhole = !key.IsIncomplete() && fields.Append(key, nullptr) != nullptr;
+    }
+    if (!isWhole) fields.Reset();
+    return isWhole;
+}
+
+template <class Fields>
+int SplitBy(const Rule& rule, const ZELString& line, Fields& fields) noexcept {
+    Fill(fields, line, rule);
     return fields.Size();
 }
 
 }  // namespace
 
 int Split(ZELString& line, ZELListValZELString& fields) noexcept {
-    return Fill(fields, line, Everywhere(Blank));
+    return SplitBy(Everywhere(Blank), line, fields);
 }
 
 int Split(ZELString& line, ZELListValZELString& fields, int n) noexcept {
-    Fill(fields, line, UpTo(n, Blank));
-    while (fields.Size() < n && fields.Append(ZELString()) == 0) continue;
+    const bool isWhole = Fill(fields, line, UpTo(n, Blank));
+    while (isWhole && fields.Size() < n && fields.Append(ZELString()) == 0) continue;
     return fields.Size();
 }
 
 int Split(ZELString& line, ZELListValZELString& fields, ZELString separator) noexcept {
-    return Fill(fields, line, Everywhere(separator.View()));
+    return SplitBy(Everywhere(separator), line, fields);
 }
 
 int Split(ZELString& line, ZELListValZELString& fields, ZELString separator, int n) noexcept {
-    return Fill(fields, line, UpTo(n, separator.View()));
+    return SplitBy(UpTo(n, separator), line, fields);
 }
 
 int Split(ZELString& line, TAIndex& fields) noexcept {
-    return Fill(fields, line, Everywhere(Blank));
+    return SplitBy(Everywhere(Blank), line, fields);
 }
 
 int Split(ZELString& line, TAIndex& fields, int n) noexcept {
-    if (Fill(fields, line, UpTo(n, Blank)) < n) fields.Append("", nullptr);
+    if (Fill(fields, line, UpTo(n, Blank)) && fields.Size() < n) fields.Append("", nullptr);
     return fields.Size();
 }
 
 int Split(ZELString& line, TAIndex& fields, ZELString separator) noexcept {
-    return Fill(fields, line, Everywhere(separator.View()));
+    return SplitBy(Everywhere(separator), line, fields);
 }
 
 int Split(ZELString& line, TAIndex& fields, ZELString separator, int n) noexcept {
-    return Fill(fields, line, UpTo(n, separator.View()));
+    return SplitBy(UpTo(n, separator), line, fields);
 }
 
 int ToLine(ZELListValZELString& fields, ZELString& line) noexcept {
@@ -129,14 +146,15 @@ int ToLine(ZELListValZELString& fields, ZELString& line, ZELString separator) no
     if (fields.Size() == 0) return 0;
     std::size_t length = 0;
     for (const ZELString& field : fields) length += field.View().size() + separator.View().size();
-    length -= separator.View().size();
     ZELString joined;
     joined.Reserve(length);
     for (const ZELString& field : fields) {
-        if (&field != &*fields.begin()) joined.Append(separator.View());
-        joined.Append(field.View());
+        if (&field != &*fields.begin()) joined += separator;
+        joined += field;
     }
-    // Otherwise memory ran out, and the line stays as it was.
-    if (joined.View().size() == length) line = std::move(joined);
+    if (!joined.IsIncomplete())
+        line = std::move(joined);
+    else
+        line += ZELString::Incomplete();
     return 0;
 }

@@ -17,7 +17,8 @@ struct TAMutex::Shared {
     std::atomic<bool> isClosed{false};
 };
 
-TAMutex::TAMutex(ZELString name) noexcept : _shared(ZELShared<Shared>::Make(name.View())) {
+TAMutex::TAMutex(ZELString name) noexcept
+    : _shared(name.IsIncomplete() ? ZELShared<Shared>() : ZELShared<Shared>::Make(name.View())) {
     if (!_shared) ReportAllocFailure("TAMutex", sizeof(Shared));
 }
 

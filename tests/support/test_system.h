@@ -58,6 +58,10 @@ bool StaysLoaded(const std::string& name, const char* function, const std::funct
 // The open descriptors (Windows: handles) that a child would get, ascending.
 std::vector<long> InheritedDescriptors();
 
+// How many descriptors (Windows: handles) are open, and how many threads run.
+std::size_t OpenDescriptors();
+std::size_t RunningThreads();
+
 // Bytes of the heap that are in use; 0 where nobody tells.
 std::size_t AllocatedBytes();
 

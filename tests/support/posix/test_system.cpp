@@ -78,6 +78,16 @@ std::vector<long> InheritedDescriptors() {
     return found;
 }
 
+static std::size_t EntriesOf(const char* folder) {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
+}
+std::size_t OpenDescriptors() {
+    return EntriesOf("/proc/self/fd");
+}
+std::size_t RunningThreads() {
+    return EntriesOf("/proc/self/task");
+}
+
 std::size_t AllocatedBytes() {
     const auto told = mallinfo2();
     return told.uordblks + told.hblkhd;

@@ -106,6 +106,15 @@ std::vector<long> InheritedDescriptors() {
     return found;
 }
 
+std::size_t OpenDescriptors() {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+}
+std::size_t RunningThreads() {
+    return 0;  // their handles are counted
+}
+
 std::size_t AllocatedBytes() {
     return 0;
 }

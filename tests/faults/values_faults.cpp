@@ -1,0 +1,164 @@
+// Values, and what is made of them.
+
+#include "TAFileName.h"
+#include "TAHtmlBanner.h"
+#include "TAIndex.h"
+#include "TAPAttr.h"
+#include "TAPObject.h"
+#include "TATextUtilities.h"
+#include "TAUnicodeRegularExpression.h"
+#include "ZELHashSCMap.h"
+#include "ZELListValZELString.h"
+#include "ZELStringPool.h"
+#include "ZELUnicodeString.h"
+#include "ZELXMLNode.h"
+#include "faults/sweep.h"
+
+namespace {
+
+// Longer than what fits into an object.
+const std::string Long = "a text that needs a block of its own, " + std::string(40, 'x');
+
+std::string Shown(const ZELListValZELString& list) {
+    std::string all;
+    for (const std::string& text : Texts(list)) all += text + "\n";
+    return all;
+}
+
+Outcome Strings(Round& round) {
+    const ZELString piece(Long.c_str());
+    round.Begin();
+    ZELString text = piece + "|" + piece;
+    text += piece;
+    for (int i = 0; i < 20; ++i) text.Append(Long);
+    ZELString changed(text);
+    changed.ReplaceSubString("block", piece);
+    const ZELString part = changed.SubString(10, 500), copy(part), sum = "begin " + copy;
+    round.End();
+    return {!sum.IsIncomplete(), sum.CastToCharPtr()};
+}
+
+Outcome UnicodeStrings(Round& round) {
+    const ZELUnicodeString piece(Long.c_str());
+    round.Begin();
+    ZELUnicodeString text = piece + piece;
+    for (int i = 0; i < 10; ++i) text += piece;
+    ZELUnicodeString assigned;
+    assigned = text.Strip(ZELStripBoth, 'a').SubString(3, 300);
+    const ZELUnicodeString copy(assigned);
+    round.End();
+    return {!copy.IsIncomplete(), copy.CastToCharPtr()};
+}
+
+Outcome Names(Round& round) {
+    const TAFileName folder((round / "folder").c_str());
+    const ZELString tail(Long.c_str());
+    round.Begin();
+    TAFileName name = folder + tail + "below";
+    name += "file";
+    name.AddExtension(".o");
+    name.SetExtension("cpp");
+    const TAFileName parent = name.dirname(1) + name.basename(1), full = (TAFileName("relative") + tail).GetFullPath();
+    const ZELString text = full.GetNativeName() + "|" + parent.Getdirname(1) + "|" + parent.GetExtension();
+    round.End();
+    EXPECT_TRUE(name.IsNull() || name.View().starts_with(folder.View())) << name;
+    EXPECT_TRUE(parent.IsNull() || parent.View().starts_with(folder.View())) << parent;
+    return {!text.IsIncomplete(), text.SubString(text.FindPosition("|", 0), 1000).CastToCharPtr()};
+}
+
+Outcome Lists(Round& round) {
+    round.Begin();
+    ZELListValZELString list;
+    int failures = 0;
+    for (int i = 0; i < 30; ++i) failures += list.Append(Long.c_str());
+    ZELListValZELString copy(list);
+    failures += copy.Append(list) + copy.InsertBefore(3, ZELString("third ") + Long.c_str());
+    failures += copy.Size() == 2 * list.Size() + 1 ? 0 : 1;
+    round.End();
+    return {failures == 0, Shown(copy)};
+}
+
+Outcome Fields(Round& round) {
+    ZELString line((Long + ";;" + Long + ";" + Long).c_str());
+    round.Begin();
+    ZELListValZELString fields;
+    TAIndex index;
+    const int count = Split(line, fields, ";") + Split(line, index, ZELString(Long.c_str()));
+    ZELString joined;
+    ToLine(fields, joined, ZELString(" and ") + Long.c_str());
+    round.End();
+    return {count == 5 && !joined.IsIncomplete(), joined.CastToCharPtr()};
+}
+
+Outcome Banner(Round& round) {
+    ZELListValZELString menu;
+    menu.Append(Long.c_str());
+    const ZELString text(Long.c_str());
+    round.Begin();
+    const ZELListValZELString banner = BuildHtmlBanner(text, menu, text, text);
+    round.End();
+    return {banner.Size() != 0, Shown(banner)};
+}
+
+Outcome Maps(Round& round) {
+    int stored = 0;
+    round.Begin();
+    ZELStringPool pool;
+    ZELHashSCMap map(8, 0.75F, &pool);
+    for (int i = 0; i < 100; ++i) stored += map.insert((std::to_string(i) + Long).c_str(), Value(i)) != nullptr ? 1 : 0;
+    round.End();
+    std::string state;
+    for (int i = 0; i < 100; ++i) {
+        void* value = nullptr;
+        const std::string key = std::to_string(i) + Long;
+        state += map.search(key.c_str(), &value) != 0 && value == Value(i) ? "m" : "-";
+    }
+    EXPECT_EQ(std::count(state.begin(), state.end(), '-'), 100 - stored);
+    return {stored == 100, state};
+}
+
+// Without memory for the name, a dump lands nowhere.
+Outcome Dumps(Round& round) {
+    const TAFileName folder((round / ("dump" + Long)).c_str());
+    std::filesystem::create_directory(std::string(folder.GetNativeName()));
+    round.Begin();
+    auto* const object = new TAPObject;
+    if (object != nullptr) {
+        object->SetAttribute("name", Long.c_str());
+        object->SetAttribute("child", TAPAttr(new TAPObject));
+        object->SaveToFile(folder);
+        object->Release();
+    }
+    round.End();
+    return {object != nullptr && round.Said().empty() && round.call == nullptr, ""};
+}
+
+Outcome Xml(Round& round) {
+    round.Begin();
+    ZELXMLNode node(Long.c_str());
+    node.SetAttr("name", Long.c_str());
+    node.AddNode(Long.c_str()).SetText("<&>");
+    const ZELXMLNode copy(node);
+    const ZELString xml = copy.ToXML();
+    round.End();
+    return {round.Said().empty(), xml.CastToCharPtr()};
+}
+
+Outcome Filters(Round& round) {
+    round.Begin();
+    TAUnicodeRegularExpression filter;
+    const int refused = filter.SetFilter("*[a-z].cpp", URE_Memoised);
+    const int matches = filter.CheckFromFilter(ZELUnicodeString(("src/" + Long + "/name.cpp").c_str()));
+    round.End();
+    return {refused == 0 && round.Said().empty(), std::to_string(matches)};
+}
+
+const Scenario scenarios[] = {
+    {"Strings", Strings}, {"UnicodeStrings", UnicodeStrings},
+    {"Names", Names},     {"Lists", Lists},
+    {"Fields", Fields},   {"Banner", Banner},
+    {"Maps", Maps},       {"Dumps", Dumps},
+    {"Xml", Xml},         {"Filters", Filters},
+};
+
+}  // namespace

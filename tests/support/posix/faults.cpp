@@ -1,0 +1,201 @@
+// The calls of the library on Linux that can fail, each with the errors that it really has.
+
+#include "support/faults.h"
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <netdb.h>
+#include <poll.h>
+#include <pthread.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+namespace {
+
+void SetErrno(long code) {
+    errno = static_cast<int>(code);
+}
+void MarkStream(std::FILE* stream) {
+    constexpr int ErrorSeen = 0x20;
+    stream->_flags |= ErrorSeen;
+}
+
+#define ERROR(code) \
+    Fault {         \
+#code, code \
+    }
+#define TRANSIENT(code)               \
+    Fault {                           \
+#code, code, Fault::Transient \
+    }
+#define LATE(code)               \
+    Fault {                      \
+#code, code, Fault::Late \
+    }
+const Fault Partial = {"one byte", 0, Fault::Partial};
+
+}  // namespace
+
+// CALL(result, name, parameters, arguments, result of a failure, faults...)
+#define CALL(result, name, parameters, arguments, failed, ...)                                              \
+    extern "C" result __real_##name parameters;                                                             \
+    static FaultyCall name##Call(#name, {__VA_ARGS__});                                                     \
+    extern "C" result __wrap_##name parameters {                                                            \
+        return PassOn<result>(name##Call, SetErrno, failed, [&](bool) { return __real_##name arguments; }); \
+    }
+// The same for calls that may do a part of their work: `size` becomes 1.
+#define SIZED(result, name, parameters, arguments, failed, ...)                   \
+    extern "C" result __real_##name parameters;                                   \
+    static FaultyCall name##Call(#name, {__VA_ARGS__, Partial});                  \
+    extern "C" result __wrap_##name parameters {                                  \
+        return PassOn<result>(name##Call, SetErrno, failed, [&](bool isPartial) { \
+            if (isPartial && size > 1) size = 1;                                  \
+            return __real_##name arguments;                                       \
+        });                                                                       \
+    }
+// Functions that return their error.
+#define STATUS(result, name, parameters, arguments, ...)                                   \
+    extern "C" int __real_##name parameters;                                               \
+    static FaultyCall name##Call(#name, {__VA_ARGS__});                                    \
+    extern "C" int __wrap_##name parameters {                                              \
+        const Fault* const fault = CountCall(name##Call);                                  \
+        return fault != nullptr ? static_cast<int>(fault->code) : __real_##name arguments; \
+    }
+
+// Functions on streams, which remember that they failed.
+#define STREAM(result, name, parameters, arguments, failed, ...) \
+    extern "C" result __real_##name parameters;                  \
+    static FaultyCall name##Call(#name, {__VA_ARGS__});          \
+    extern "C" result __wrap_##name parameters {                 \
+        const Fault* const fault = CountCall(name##Call);        \
+        if (fault == nullptr) return __real_##name arguments;    \
+        const result value = failed;                             \
+        MarkStream(stream);                                      \
+        SetErrno(fault->code);                                   \
+        return value;                                            \
+    }
+
+// Files
+CALL(int, open, (const char* path, int flags, mode_t mode), (path, flags, mode), -1, TRANSIENT(EINTR), ERROR(EMFILE),
+     ERROR(EACCES), ERROR(ENOSPC))
+CALL(int, openat, (int folder, const char* path, int flags, mode_t mode), (folder, path, flags, mode), -1,
+     TRANSIENT(EINTR), ERROR(EMFILE), ERROR(EACCES), ERROR(ENOSPC))
+CALL(int, mkostemp, (char* path, int flags), (path, flags), -1, ERROR(EMFILE), ERROR(EACCES))
+CALL(int, close, (int file), (file), -1, LATE(EIO), LATE(EINTR), LATE(ENOSPC))
+CALL(int, fcntl, (int file, int command, void* argument), (file, command, argument), -1, ERROR(EMFILE), ERROR(ENOLCK))
+SIZED(ssize_t, read, (int file, void* bytes, size_t size), (file, bytes, size), -1, TRANSIENT(EINTR), ERROR(EIO))
+SIZED(ssize_t, write, (int file, const void* bytes, size_t size), (file, bytes, size), -1, TRANSIENT(EINTR), ERROR(EIO),
+      ERROR(ENOSPC))
+SIZED(ssize_t, copy_file_range, (int from, off64_t* fromAt, int to, off64_t* toAt, size_t size, unsigned flags),
+      (from, fromAt, to, toAt, size, flags), -1, TRANSIENT(EINTR), ERROR(EXDEV), ERROR(EIO), ERROR(ENOSPC))
+CALL(off_t, lseek, (int file, off_t offset, int whence), (file, offset, whence), -1, ERROR(ESPIPE))
+CALL(int, ftruncate, (int file, off_t size), (file, size), -1, TRANSIENT(EINTR), ERROR(EIO))
+STATUS(int, posix_fallocate, (int file, off_t offset, off_t size), (file, offset, size), ERROR(ENOSPC), ERROR(EINTR),
+       ERROR(EOPNOTSUPP))
+CALL(int, fstat, (int file, struct stat* status), (file, status), -1, ERROR(EIO))
+CALL(int, stat, (const char* path, struct stat* status), (path, status), -1, ERROR(EACCES), ERROR(EIO))
+CALL(int, fstatat, (int folder, const char* path, struct stat* status, int flags), (folder, path, status, flags), -1,
+     ERROR(EACCES), ERROR(EIO))
+CALL(int, access, (const char* path, int mode), (path, mode), -1, ERROR(EACCES))
+CALL(int, faccessat, (int folder, const char* path, int mode, int flags), (folder, path, mode, flags), -1, ERROR(EIO))
+CALL(int, fchmod, (int file, mode_t mode), (file, mode), -1, ERROR(EPERM))
+CALL(int, fchmodat, (int folder, const char* path, mode_t mode, int flags), (folder, path, mode, flags), -1,
+     ERROR(EPERM))
+CALL(int, linkat, (int from, const char* path, int to, const char* name, int flags), (from, path, to, name, flags), -1,
+     ERROR(EPERM), ERROR(ENOSPC))
+CALL(int, renameat, (int from, const char* path, int to, const char* name), (from, path, to, name), -1, ERROR(EACCES),
+     ERROR(EIO))
+CALL(int, renameat2, (int from, const char* path, int to, const char* name, unsigned flags),
+     (from, path, to, name, flags), -1, ERROR(ENOSYS), ERROR(EACCES))
+CALL(int, unlink, (const char* path), (path), -1, ERROR(EACCES), ERROR(EIO))
+CALL(int, unlinkat, (int folder, const char* path, int flags), (folder, path, flags), -1, ERROR(EACCES), ERROR(EIO))
+CALL(int, mkdir, (const char* path, mode_t mode), (path, mode), -1, ERROR(EACCES), ERROR(ENOSPC))
+CALL(int, rmdir, (const char* path), (path), -1, ERROR(EACCES), ERROR(EBUSY))
+CALL(int, chdir, (const char* path), (path), -1, ERROR(EACCES))
+CALL(char*, getcwd, (char* path, size_t size), (path, size), nullptr, ERROR(ENOENT))
+CALL(ssize_t, readlink, (const char* path, char* target, size_t size), (path, target, size), -1, ERROR(EACCES))
+CALL(DIR*, opendir, (const char* path), (path), nullptr, ERROR(EMFILE), ERROR(EACCES), ERROR(ENOMEM))
+CALL(DIR*, fdopendir, (int file), (file), nullptr, ERROR(ENOMEM))
+CALL(dirent*, readdir, (DIR * directory), (directory), nullptr, ERROR(EIO))
+CALL(ssize_t, getdents64, (int file, void* entries, size_t size), (file, entries, size), -1, ERROR(EIO))
+CALL(void*, mmap, (void* at, size_t size, int protection, int flags, int file, off_t offset),
+     (at, size, protection, flags, file, offset), MAP_FAILED, ERROR(ENOMEM), ERROR(ENODEV))
+CALL(int, shm_open, (const char* name, int flags, mode_t mode), (name, flags, mode), -1, ERROR(EMFILE), ERROR(EACCES))
+
+// Streams
+CALL(std::FILE*, fopen, (const char* path, const char* mode), (path, mode), nullptr, TRANSIENT(EINTR), ERROR(EMFILE),
+     ERROR(EACCES), ERROR(ENOMEM))
+CALL(std::FILE*, fdopen, (int file, const char* mode), (file, mode), nullptr, ERROR(ENOMEM))
+CALL(int, fclose, (std::FILE * stream), (stream), EOF, LATE(ENOSPC), LATE(EIO))
+CALL(int, fflush, (std::FILE * stream), (stream), EOF, ERROR(ENOSPC), ERROR(EIO))
+SIZED(ssize_t, writev, (int file, const iovec* parts, int size), (file, parts, size), -1, TRANSIENT(EINTR),
+      ERROR(ENOSPC))
+STREAM(ssize_t, getdelim, (char** text, size_t* room, int delimiter, std::FILE* stream),
+       (text, room, delimiter, stream), -1, ERROR(EIO), ERROR(ENOMEM))
+STREAM(size_t, fread, (void* bytes, size_t size, size_t count, std::FILE* stream), (bytes, size, count, stream), 0,
+       ERROR(EIO))
+// A disk fills up in the middle.
+STREAM(size_t, fwrite, (const void* bytes, size_t size, size_t count, std::FILE* stream), (bytes, size, count, stream),
+       __real_fwrite(bytes, size, count / 2, stream), ERROR(ENOSPC), ERROR(EIO))
+STREAM(int, fputc, (int c, std::FILE* stream), (c, stream), EOF, ERROR(ENOSPC))
+STREAM(int, fputs, (const char* text, std::FILE* stream), (text, stream), EOF, ERROR(ENOSPC))
+STREAM(int, vfprintf, (std::FILE * stream, const char* format, va_list values), (stream, format, values), -1,
+       ERROR(ENOSPC))
+
+// Processes and threads
+CALL(pid_t, waitpid, (pid_t process, int* status, int options), (process, status, options), -1, TRANSIENT(EINTR))
+CALL(int, kill, (pid_t process, int signal), (process, signal), -1, ERROR(EPERM))
+CALL(int, nanosleep, (const timespec* time, timespec* left), (time, left), -1, TRANSIENT(EINTR))
+STATUS(int, pthread_create, (pthread_t * thread, const pthread_attr_t* attributes, void* (*run)(void*), void* argument),
+       (thread, attributes, run, argument), ERROR(EAGAIN))
+CALL(int, __clone, (int (*run)(void*), void* stack, int flags, void* argument), (run, stack, flags, argument), -1,
+     ERROR(EAGAIN), ERROR(ENOMEM))
+// The calls that have no function of their own; a wait that ends early is no failure.
+CALL(long, syscall, (long number, long a, long b, long c, long d, long e, long f), (number, a, b, c, d, e, f), -1,
+     ERROR(ENOSYS), ERROR(EMFILE))
+CALL(int, setenv, (const char* name, const char* value, int overwrite), (name, value, overwrite), -1, ERROR(ENOMEM))
+CALL(void*, dlopen, (const char* name, int flags), (name, flags), nullptr, ERROR(ENOMEM))
+CALL(struct tm*, localtime_r, (const time_t* time, struct tm* parts), (time, parts), nullptr, ERROR(EOVERFLOW))
+
+// Sockets
+CALL(int, socket, (int family, int type, int protocol), (family, type, protocol), -1, ERROR(EMFILE),
+     ERROR(EAFNOSUPPORT))
+CALL(int, bind, (int file, const sockaddr* address, socklen_t size), (file, address, size), -1, ERROR(EADDRINUSE))
+CALL(int, listen, (int file, int waiting), (file, waiting), -1, ERROR(EADDRINUSE))
+CALL(int, accept4, (int file, sockaddr* address, socklen_t* size, int flags), (file, address, size, flags), -1,
+     TRANSIENT(EINTR), TRANSIENT(ECONNABORTED), ERROR(EMFILE))
+CALL(int, connect, (int file, const sockaddr* address, socklen_t size), (file, address, size), -1, ERROR(ECONNREFUSED),
+     ERROR(ENETUNREACH))
+CALL(int, setsockopt, (int file, int level, int name, const void* value, socklen_t size),
+     (file, level, name, value, size), -1, ERROR(ENOBUFS))
+CALL(int, getsockopt, (int file, int level, int name, void* value, socklen_t* size), (file, level, name, value, size),
+     -1, ERROR(ENOBUFS))
+CALL(int, getsockname, (int file, sockaddr* address, socklen_t* size), (file, address, size), -1, ERROR(ENOBUFS))
+SIZED(ssize_t, recv, (int file, void* bytes, size_t size, int flags), (file, bytes, size, flags), -1, TRANSIENT(EINTR),
+      TRANSIENT(EAGAIN), ERROR(ECONNRESET))
+SIZED(ssize_t, send, (int file, const void* bytes, size_t size, int flags), (file, bytes, size, flags), -1,
+      TRANSIENT(EINTR), TRANSIENT(EAGAIN), ERROR(EPIPE))
+CALL(ssize_t, sendmsg, (int file, const msghdr* message, int flags), (file, message, flags), -1, TRANSIENT(EINTR),
+     TRANSIENT(EAGAIN), ERROR(EPIPE))
+CALL(int, poll, (pollfd * files, nfds_t count, int milliseconds), (files, count, milliseconds), -1, TRANSIENT(EINTR),
+     ERROR(ENOMEM))
+STATUS(int, getaddrinfo, (const char* node, const char* service, const addrinfo* hints, addrinfo** found),
+       (node, service, hints, found), ERROR(EAI_MEMORY), ERROR(EAI_AGAIN))
+STATUS(int, getnameinfo,
+       (const sockaddr* address, socklen_t size, char* host, socklen_t hostSize, char* service, socklen_t serviceSize,
+        int flags),
+       (address, size, host, hostSize, service, serviceSize, flags), ERROR(EAI_MEMORY))
