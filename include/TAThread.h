@@ -54,7 +54,8 @@ public:
     void SetFunc(void (*function)(int, const char**)) noexcept;
     // The arguments are `first`, which counts also when it is null, and the following pointers in front of the first
     // null pointer, which must not be missing. The function gets their number and a vector of them with a null behind
-    // the last. What they point to belongs to the caller and must outlive the run.
+    // the last. What they point to belongs to the caller and must outlive the run. Without memory for them the thread
+    // cannot be started until they are set again.
     void SetArgs(void (*function)(int, const char**), void* first, ...) noexcept;
     void SetArgs(void* first, ...) noexcept;
 
@@ -81,9 +82,11 @@ private:
 
     int Begin(bool detached) noexcept;
     void Leave() noexcept;
+    void Keep(ZELShared<zel::ThreadArguments>&& arguments) noexcept;
 
     void (*_function)(int, const char**) = nullptr;
     ZELShared<zel::ThreadArguments> _arguments;  // empty before SetArgs
+    static constexpr int ArgumentsAreLost = -1;
     int _count = 0;
     bool _detached = false;
     ZELAtomic<std::uint32_t> _state{Idle};  // Registered without Running: its start failed

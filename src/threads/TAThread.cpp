@@ -52,8 +52,9 @@ struct Register {
     }
     // Takes the queue over. Room for what runs stays in it, so that queuing never needs memory.
     ZELListPtrTAThread TakeFinished() noexcept {
-        ZELListPtrTAThread taken(std::move(toDelete));
-        toDelete.Reserve(running.Size());
+        ZELListPtrTAThread taken;
+        // Without room for the next ones they wait for another call.
+        if (taken.Reserve(running.Size()) == 0) std::swap(taken, toDelete);
         return taken;
     }
 };
@@ -141,17 +142,20 @@ void TAThread::SetArgs(void (*function)(int, const char**), void* first, ...) no
     SetFunc(function);
     std::va_list rest;
     va_start(rest, first);
-    _arguments = MakeArguments(first, rest);
-    _count = _arguments ? _arguments->count : 0;
+    Keep(MakeArguments(first, rest));
     va_end(rest);
 }
 
 void TAThread::SetArgs(void* first, ...) noexcept {
     std::va_list rest;
     va_start(rest, first);
-    _arguments = MakeArguments(first, rest);
-    _count = _arguments ? _arguments->count : 0;
+    Keep(MakeArguments(first, rest));
     va_end(rest);
+}
+
+void TAThread::Keep(ZELShared<ThreadArguments>&& arguments) noexcept {
+    _arguments = std::move(arguments);
+    _count = _arguments ? _arguments->count : ArgumentsAreLost;
 }
 
 int TAThread::Start() noexcept {
@@ -164,7 +168,7 @@ int TAThread::StartDetach() noexcept {
 
 int TAThread::Begin(bool detached) noexcept {
     Cleanup();
-    if (ownObject == this) return 1;
+    if (ownObject == this || _count == ArgumentsAreLost) return 1;
     Register& shared = TheRegister();
     for (;;) {
         const std::uint32_t seen = shared.changes.load();
@@ -172,8 +176,8 @@ int TAThread::Begin(bool detached) noexcept {
         WaitOnWord(shared.changes, seen);
     }
     shared.lock.Lock();
-    const bool isRegistered = _state.load() == Registered || shared.running.Append(this) == 0;
-    shared.toDelete.Reserve(shared.toDelete.Size() + shared.running.Size());
+    const bool hasRoom = shared.toDelete.Reserve(shared.toDelete.Size() + shared.running.Size() + 1) == 0;
+    const bool isRegistered = hasRoom && (_state.load() == Registered || shared.running.Append(this) == 0);
     _detached = detached;
     if (isRegistered) _state.store(Running);
     shared.lock.Unlock();

@@ -94,6 +94,8 @@ private:
             EXPECT_EQ(result.files, _whole.files) << "silent success";
         }
         for (const std::string& file : result.files) EXPECT_TRUE(_whole.files.contains(file)) << file;
+        // A thread that was waited for may still be on its way out of the system.
+        for (int tries = 0; tries < 1000 && Remains() != before; ++tries) std::this_thread::yield();
         const Remains after;
         EXPECT_EQ(after.descriptors, before.descriptors);
         EXPECT_EQ(after.threads, before.threads);

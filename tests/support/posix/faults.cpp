@@ -164,9 +164,29 @@ STATUS(int, pthread_create, (pthread_t * thread, const pthread_attr_t* attribute
        (thread, attributes, run, argument), ERROR(EAGAIN))
 CALL(int, __clone, (int (*run)(void*), void* stack, int flags, void* argument), (run, stack, flags, argument), -1,
      ERROR(EAGAIN), ERROR(ENOMEM))
-// The calls that have no function of their own; a wait that ends early is no failure.
-CALL(long, syscall, (long number, long a, long b, long c, long d, long e, long f), (number, a, b, c, d, e, f), -1,
-     ERROR(ENOSYS), ERROR(EMFILE))
+// Of the calls that have no function of their own, those that can fail.
+extern "C" long __real_syscall(long number, long a, long b, long c, long d, long e, long f);
+static FaultyCall pidfdCall("pidfd_open", {ERROR(ENOSYS), ERROR(EMFILE)});
+static FaultyCall sendSignalCall("pidfd_send_signal", {ERROR(EPERM)});
+static FaultyCall execveCall("execve", {ERROR(EACCES), ERROR(ENOMEM)});
+static FaultyCall dup2Call("dup2", {ERROR(EMFILE)});
+#define SYSTEM(result, name) static_assert(true)
+SYSTEM(long, syscall);
+extern "C" long __wrap_syscall(long number, long a, long b, long c, long d, long e, long f) {
+    const auto real = [&](bool) { return __real_syscall(number, a, b, c, d, e, f); };
+    switch (number) {
+        case SYS_pidfd_open:
+            return PassOn<long>(pidfdCall, SetErrno, -1, real);
+        case SYS_pidfd_send_signal:
+            return PassOn<long>(sendSignalCall, SetErrno, -1, real);
+        case SYS_execve:
+            return PassOn<long>(execveCall, SetErrno, -1, real);
+        case SYS_dup2:
+            return PassOn<long>(dup2Call, SetErrno, -1, real);
+        default:
+            return real(false);
+    }
+}
 CALL(int, setenv, (const char* name, const char* value, int overwrite), (name, value, overwrite), -1, ERROR(ENOMEM))
 CALL(void*, dlopen, (const char* name, int flags), (name, flags), nullptr, ERROR(ENOMEM))
 CALL(struct tm*, localtime_r, (const time_t* time, struct tm* parts), (time, parts), nullptr, ERROR(EOVERFLOW))
