@@ -28,6 +28,23 @@ struct Fault {
     Kind kind = Refused;
 };
 
+#define REFUSED(code) \
+    Fault {           \
+#code, code   \
+    }
+#define TRANSIENT(code)               \
+    Fault {                           \
+#code, code, Fault::Transient \
+    }
+#define LATE(code)               \
+    Fault {                      \
+#code, code, Fault::Late \
+    }
+#define PARTIAL                       \
+    Fault {                           \
+        "one byte", 0, Fault::Partial \
+    }
+
 // A call of the table.
 struct FaultyCall {
     FaultyCall(const char* callName, std::initializer_list<Fault> ways);
