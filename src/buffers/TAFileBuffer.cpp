@@ -21,6 +21,7 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "buffers/whole_file.h"
+#include "platform/c_streams.h"
 #include "platform/text_reader.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
@@ -223,6 +224,6 @@ int TAFileBuffer::SaveAs(TAFileName& file) noexcept {
     std::FILE* const stream = OpenTextForWriting(file, false);
     if (stream == nullptr) return 1;
     const auto size = static_cast<std::size_t>(_size);
-    const bool isWritten = std::fwrite(_text, 1, size, stream) == size;
-    return std::fclose(stream) == 0 && isWritten ? 0 : 1;
+    const bool isWritten = WriteStream(stream, {_text, size}) == size;
+    return CloseStream(stream) && isWritten ? 0 : 1;
 }

@@ -76,7 +76,8 @@ std::FILE* ZELQMAStream::Reader::Open(const char* name, const char* mode) noexce
 }
 
 int ZELQMAStream::Reader::Close() noexcept {
-    return _file != nullptr ? std::fclose(std::exchange(_file, nullptr)) : 1;
+    if (_file == nullptr) return 1;
+    return !CloseStream(std::exchange(_file, nullptr)) ? EOF : 0;
 }
 
 // Looks at the next step, of which there is at least one byte.
@@ -106,7 +107,7 @@ inline char* ZELQMAStream::Reader::NextLine() noexcept {
 // Reads on; false at the end, for good.
 bool ZELQMAStream::Reader::Fill() noexcept {
     if (_atEnd) return false;
-    const std::size_t count = MoveRest() ? std::fread(_buffer + _end, 1, _capacity - _end, _file) : 0;
+    const std::size_t count = MoveRest() ? ReadStream(_file, _buffer + _end, _capacity - _end) : 0;
     _end += count;
     _atEnd = count == 0;
     return !_atEnd;

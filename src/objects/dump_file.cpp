@@ -24,12 +24,12 @@ void DumpFile::Close() noexcept {
     WriteOut();
     Free(_begin);
     _begin = _next = _end = nullptr;
-    if (_file != nullptr) std::fclose(_file);
+    if (_file != nullptr) CloseStream(_file);
     _file = nullptr;
 }
 
 void DumpFile::WriteOut() noexcept {
-    if (_next != _begin) std::fwrite(_begin, 1, static_cast<std::size_t>(_next - _begin), _file);
+    if (_next != _begin) WriteStream(_file, {_begin, static_cast<std::size_t>(_next - _begin)});
     _next = _begin;
 }
 
@@ -41,5 +41,5 @@ bool DumpFile::MakeRoom(std::size_t size) noexcept {
 
 // A text that is longer than a run; nothing waits.
 void DumpFile::WriteLong(std::string_view text) noexcept {
-    if (_begin != nullptr) std::fwrite(text.data(), 1, text.size(), _file);
+    if (_begin != nullptr) WriteStream(_file, text);
 }
