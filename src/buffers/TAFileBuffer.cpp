@@ -145,6 +145,7 @@ void TAFileBuffer::ReadText(bool isKnown) noexcept {
     shared.lock.Lock();
     _text = file.text;
     _size = file.size;
+    _isWhole = file.isOpened && !file.hasFailed && file.refused == 0;
     shared.unconsumed += _size;
     _state = Loaded;
     shared.Announce();
@@ -216,6 +217,11 @@ char* TAFileBuffer::GetBuffer() noexcept {
 int TAFileBuffer::GetSize() noexcept {
     AwaitText();
     return _size;
+}
+
+int TAFileBuffer::GetStatus() noexcept {
+    AwaitText();
+    return _isWhole ? 0 : 1;
 }
 
 int TAFileBuffer::SaveAs(TAFileName& file) noexcept {
