@@ -52,6 +52,9 @@ public:
     char* GetBuffer() noexcept;
     // The bytes of the text; waits as well.
     int GetSize() noexcept;
+    // 0 when the whole text was read; otherwise, as ZELFileBuffer::Status, 1: the file cannot be opened or read, or
+    // memory ran out. Waits as well.
+    int GetStatus() noexcept;
     const char* GetName() const noexcept { return _name; }
     // Waits for the text and writes it to `file`, as text, in place of what is there. 0, or 1 when it could not be
     // written whole, or when there is none to write: then `file` is left alone.
@@ -73,6 +76,7 @@ private:
     void GiveBack() noexcept;
 
     bool _isConsumed = false;
+    bool _isWhole = false;
     State _state = Unregistered;  // changed under the lock of all buffers, as everything here; constant once Loaded
     std::int32_t _size = 0;
     char* _name;

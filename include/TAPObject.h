@@ -100,6 +100,8 @@ public:
     // An object that is met again inside itself is not followed: "   WARNING : object met again inside itself, not
     // saved as " + its identifier there goes to standard output. One that hangs in several places is saved at each.
     int SaveToFile(TAFileName directory) noexcept;
+    // The same, but 0 if all was written, else 1, and in `error` the file and the reason of a failure.
+    int SaveToFile(TAFileName directory, ZELString& error) noexcept;
     // The same into a dump that is under way, under an identifier that was taken for it.
     int SaveToFile(int id, TAPObjectSaveContext& context) noexcept;
 

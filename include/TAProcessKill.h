@@ -14,6 +14,8 @@
 // Numbers that no process can have are refused. A process that has ended, although its parent was not told yet, counts
 // as gone. Between looking at a tree and killing in it, processes are told by their time of birth too: a number that
 // was given to somebody else meanwhile is never hit.
+// A tree is killed whole: the memory and the descriptors for it are reserved before the first signal, and if they do
+// not suffice, no process is touched and the result is 1.
 //
 // These functions may be called from several threads. Polite ones block for up to 7 s for each process, and killing a
 // tree until all are gone, 2 s at most; the others do not block. Nothing throws.

@@ -12,7 +12,8 @@
 // A command's number is its place in the order of Start(), from 1. What a command text means is told in TAProcess.h.
 //
 // Time limits are whole seconds of a clock that nobody sets. A command that exceeds its own is killed with all its
-// descendants, and is dead when that Check() returns. The destructor leaves running commands alone.
+// descendants, and is dead when that Check() returns. If memory or descriptors do not suffice for its tree, the command
+// alone is killed. The destructor leaves running commands alone.
 // One list belongs to one thread at a time. Nothing throws.
 #ifndef TAPROCESSLIST_H
 #define TAPROCESSLIST_H

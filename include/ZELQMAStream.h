@@ -7,7 +7,7 @@
 //     stream.fclose();
 //
 // For files of any size whose every line ends with a line feed: what stands behind the last one is never given. Use
-// YAVIFStream where the last line may lack its end, or where errors must be told from the end.
+// YAVIFStream where the last line may lack its end.
 // The file is the caller's: neither a destructor nor a second fopen closes it. Copies share one file, one position and
 // one buffer, and closing in one closes for all. The buffer grows with the longest line and goes with the last copy.
 // getline blocks as long as the file does. Distinct streams may be used from distinct threads, copies need a lock.
@@ -37,6 +37,8 @@ public:
     // 1 with the next line in `line`: inside the buffer, NUL-terminated where its line feed was, valid until the next
     // call. It may be changed. 0 at the end, which is final, after a failure and without a file.
     int getline(char*& line) noexcept;
+    // 1 when getline() stopped before the end, because reading failed or memory ran out, and without a file; else 0.
+    int ReadError() const noexcept;
 
 private:
     class Reader;

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "TADiagnostics.h"
 #include "TAPAttr.h"
 #include "TAPObject.h"
 
@@ -29,7 +30,7 @@ public:
         return *this;
     }
     void HangInto(Node& parent, const char* list) { parent._object->AppendToAttribute(list, _object); }
-    void Save(const TAFileName& directory) { _object->SaveToFile(directory); }
+    int Save(const TAFileName& directory, ZELString& error) { return _object->SaveToFile(directory, error); }
 
 private:
     TAPObject* _object;
@@ -72,6 +73,8 @@ bool DumpRun(const Run& run, const TAFileName& directory) {
     ZELListValTAPAttr counters;
     for (const ZELString& counter : run.counters) counters.Append(counter);
     root.Set("counters", counters);
-    root.Save(directory);
-    return true;
+    ZELString error;
+    if (root.Save(directory, error) == 0) return true;
+    TraceErr(ZELString("cannot write ") + error);
+    return false;
 }

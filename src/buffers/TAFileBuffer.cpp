@@ -21,6 +21,7 @@
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "buffers/whole_file.h"
+#include "platform/c_streams.h"
 #include "platform/text_reader.h"
 #include "platform/threads.h"
 #include "platform/waiting.h"
@@ -144,6 +145,7 @@ void TAFileBuffer::ReadText(bool isKnown) noexcept {
     shared.lock.Lock();
     _text = file.text;
     _size = file.size;
+    _isWhole = file.isOpened && !file.hasFailed && file.refused == 0;
     shared.unconsumed += _size;
     _state = Loaded;
     shared.Announce();
@@ -217,12 +219,17 @@ int TAFileBuffer::GetSize() noexcept {
     return _size;
 }
 
+int TAFileBuffer::GetStatus() noexcept {
+    AwaitText();
+    return _isWhole ? 0 : 1;
+}
+
 int TAFileBuffer::SaveAs(TAFileName& file) noexcept {
     AwaitText();
     if (_text == nullptr) return 1;
     std::FILE* const stream = OpenTextForWriting(file, false);
     if (stream == nullptr) return 1;
     const auto size = static_cast<std::size_t>(_size);
-    const bool isWritten = std::fwrite(_text, 1, size, stream) == size;
-    return std::fclose(stream) == 0 && isWritten ? 0 : 1;
+    const bool isWritten = WriteStream(stream, {_text, size}) == size;
+    return CloseStream(stream) && isWritten ? 0 : 1;
 }

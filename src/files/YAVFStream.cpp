@@ -13,19 +13,51 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <utility>
 
 #include "base/failure_report.h"
+#include "base/memory.h"
 #include "files/input_block.h"
 #include "platform/c_streams.h"
 
 using namespace zel;
 
+namespace {
+
+// Writes an insertion; without a file, nothing.
+bool Put(std::FILE* file, std::string_view text) noexcept {
+    errno = 0;
+    return file == nullptr || WriteStream(file, text) == text.size();
+}
+
+// The text is composed first, so that an interrupted write can go on. Without memory for a long one, the C library
+// writes it.
+bool WriteFormatted(std::FILE* file, const char* format, std::va_list arguments) noexcept {
+    char room[1024];
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(room, sizeof room, format, arguments);
+    const std::size_t size = length >= 0 ? static_cast<std::size_t>(length) : 0;
+    const bool isLong = size >= sizeof room;
+    const std::unique_ptr<char, FreeBlock> block(isLong ? AllocateArray<char>(size + 1) : nullptr);
+    bool isWritten = length >= 0;
+    if (block) std::vsnprintf(block.get(), size + 1, format, again);
+    if (isLong && !block)
+        isWritten = std::vfprintf(file, format, again) >= 0;
+    else if (isWritten)
+        isWritten = WriteStream(file, {block ? block.get() : room, size}) == size;
+    va_end(again);
+    return isWritten;
+}
+
+}  // namespace
+
 struct YAVFStream::Shared {
     explicit Shared(std::FILE* own) noexcept : file(own), isOwner(own != nullptr) {}
     ~Shared() {
-        if (file != nullptr) std::fclose(file);
+        if (file != nullptr) CloseStream(file);
     }
 
     std::FILE* file;
@@ -120,7 +152,7 @@ int YAVFStream::close() noexcept {
     std::FILE* const file = std::exchange(_shared->file, nullptr);
     const bool hasLost = std::ferror(file) != 0;
     errno = 0;
-    const bool isClosed = std::fclose(file) == 0;
+    const bool isClosed = CloseStream(file);
     if (isClosed && !hasLost) return 0;
     return hasLost ? FailLost() : Fail();
 }
@@ -249,7 +281,7 @@ std::size_t YAVIFStream::read(char* buffer, std::size_t size) noexcept {
     if (buffer == nullptr) return 0;
     buffer[0] = '\0';
     errno = 0;
-    const std::size_t count = own ? _shared->block.Read(file, buffer, size) : std::fread(buffer, 1, size, file);
+    const std::size_t count = own ? _shared->block.Read(file, buffer, size) : ReadStream(file, buffer, size);
     if (ReadError() != 0) Fail();
     return count;
 }
@@ -269,7 +301,7 @@ int YAVOFStream::open(const char* name, const int& mode) noexcept {
 // The end of every flushed operation: `done` tells whether all went to the file so far.
 int YAVOFStream::Written(bool done) noexcept {
     std::FILE* const file = File();
-    const bool isFlushed = done && std::fflush(file) == 0;
+    const bool isFlushed = done && FlushStream(file);
     if (std::ferror(file) != 0) return FailLost();
     return isFlushed ? 0 : Fail();
 }
@@ -280,16 +312,17 @@ int YAVOFStream::Print(const char* format, ...) noexcept {
     errno = 0;
     std::va_list arguments;
     va_start(arguments, format);
-    const int length = std::vfprintf(file, format, arguments);
+    const bool isWritten = WriteFormatted(file, format, arguments);
     va_end(arguments);
-    return Written(length >= 0);
+    return Written(isWritten);
 }
 
 int YAVOFStream::Putc(int c) noexcept {
     std::FILE* const file = File();
     if (file == nullptr) return Fail(InvalidArgument);
     errno = 0;
-    return Written(std::fputc(c, file) != EOF);
+    const char character = static_cast<char>(c);
+    return Written(WriteStream(file, {&character, 1}) == 1);
 }
 
 int YAVOFStream::write(const char* data, std::size_t size) noexcept {
@@ -297,7 +330,7 @@ int YAVOFStream::write(const char* data, std::size_t size) noexcept {
     if (file == nullptr) return Fail(InvalidArgument);
     if (data == nullptr || size == 0) return 0;
     errno = 0;
-    return Written(std::fwrite(data, 1, size, file) == size);
+    return Written(WriteStream(file, {data, size}) == size);
 }
 
 int YAVOFStream::flush() noexcept {
@@ -308,16 +341,14 @@ int YAVOFStream::flush() noexcept {
 
 template <class Value>
 YAVOFStream& YAVOFStream::Insert(const char* format, Value value) noexcept {
-    std::FILE* const file = File();
-    errno = 0;
-    if (file != nullptr && std::fprintf(file, format, value) < 0) KeepLost();
+    char room[64];
+    const int length = std::snprintf(room, sizeof room, format, value);
+    if (!Put(File(), {room, static_cast<std::size_t>(length)})) KeepLost();
     return *this;
 }
 
 YAVOFStream& YAVOFStream::operator<<(char c) noexcept {
-    std::FILE* const file = File();
-    errno = 0;
-    if (file != nullptr && std::fputc(c, file) == EOF) KeepLost();
+    if (!Put(File(), {&c, 1})) KeepLost();
     return *this;
 }
 
@@ -362,9 +393,7 @@ YAVOFStream& YAVOFStream::operator<<(void* pointer) noexcept {
 }
 
 YAVOFStream& YAVOFStream::operator<<(const char* text) noexcept {
-    std::FILE* const file = File();
-    errno = 0;
-    if (file != nullptr && text != nullptr && std::fputs(text, file) == EOF) KeepLost();
+    if (text != nullptr && !Put(File(), text)) KeepLost();
     return *this;
 }
 

@@ -48,6 +48,7 @@ public:
     std::FILE* Open(const char* name, const char* mode) noexcept;
     int Close() noexcept;
     char* NextLine() noexcept;
+    bool HasFailed() const noexcept { return _file == nullptr || _hasFailed; }
 
 private:
     bool Fill() noexcept;
@@ -56,6 +57,7 @@ private:
 
     std::FILE* _file = nullptr;  // the caller's
     bool _atEnd = false;
+    bool _hasFailed = false;
     char* _buffer = nullptr;
     std::size_t _room = 0;      // bytes of the block
     std::size_t _capacity = 0;  // for data: one step less
@@ -69,14 +71,15 @@ private:
 std::FILE* ZELQMAStream::Reader::Open(const char* name, const char* mode) noexcept {
     _file = name != nullptr && mode != nullptr ? OpenStream(name, mode) : nullptr;
     if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);
-    _atEnd = false;
+    _atEnd = _hasFailed = false;
     _begin = _end = _scanned = _base = 0;
     _lineFeeds = 0;
     return _file;
 }
 
 int ZELQMAStream::Reader::Close() noexcept {
-    return _file != nullptr ? std::fclose(std::exchange(_file, nullptr)) : 1;
+    if (_file == nullptr) return 1;
+    return !CloseStream(std::exchange(_file, nullptr)) ? EOF : 0;
 }
 
 // Looks at the next step, of which there is at least one byte.
@@ -106,9 +109,11 @@ inline char* ZELQMAStream::Reader::NextLine() noexcept {
 // Reads on; false at the end, for good.
 bool ZELQMAStream::Reader::Fill() noexcept {
     if (_atEnd) return false;
-    const std::size_t count = MoveRest() ? std::fread(_buffer + _end, 1, _capacity - _end, _file) : 0;
+    const bool hasRoom = MoveRest();
+    const std::size_t count = hasRoom ? ReadStream(_file, _buffer + _end, _capacity - _end) : 0;
     _end += count;
     _atEnd = count == 0;
+    _hasFailed = !hasRoom || std::ferror(_file) != 0;
     return !_atEnd;
 }
 
@@ -142,6 +147,10 @@ std::FILE* ZELQMAStream::fopen(const char* name, const char* mode) noexcept {
 
 int ZELQMAStream::fclose() noexcept {
     return _reader ? _reader->Close() : 1;
+}
+
+int ZELQMAStream::ReadError() const noexcept {
+    return !_reader || _reader->HasFailed() ? 1 : 0;
 }
 
 int ZELQMAStream::getline(char*& line) noexcept {

@@ -8,6 +8,7 @@
 #include "TAFileUtilities.h"
 #include "files/byte_buffer.h"
 #include "files/line_reader.h"
+#include "platform/c_streams.h"
 #include "platform/text_reader.h"
 #include "text/string_list.h"
 
@@ -42,7 +43,7 @@ public:
     LineWriter(const LineWriter&) = delete;
     LineWriter& operator=(const LineWriter&) = delete;
     ~LineWriter() {
-        if (_stream != nullptr) std::fclose(_stream);
+        if (_stream != nullptr) CloseStream(_stream);
     }
 
     bool IsOpen() const noexcept { return _stream != nullptr; }
@@ -56,7 +57,7 @@ public:
         _block.Truncate(0);
         return written;
     }
-    bool Close() noexcept { return std::fclose(std::exchange(_stream, nullptr)) == 0; }
+    bool Close() noexcept { return CloseStream(std::exchange(_stream, nullptr)); }
     // How many lines the system took whole.
     int WrittenLines(ZELListValZELString& lines) const noexcept {
         std::size_t end = 0;
@@ -73,7 +74,7 @@ private:
     static constexpr std::size_t BlockSize = std::size_t{1} << 16;
 
     bool WriteNow(std::string_view bytes) noexcept {
-        const std::size_t count = std::fwrite(bytes.data(), 1, bytes.size(), _stream);
+        const std::size_t count = WriteStream(_stream, bytes);
         _written += count;
         return count == bytes.size();
     }

@@ -19,6 +19,7 @@
 #include "base/failure_report.h"
 #include "base/growing_array.h"
 #include "base/memory.h"
+#include "platform/c_streams.h"
 #include "platform/text_reader.h"
 
 using namespace zel;
@@ -162,6 +163,6 @@ void ZELTrace::TraPrint(const char* format, ...) noexcept {
     const int length = _channel->Format(format, arguments);
     va_end(arguments);
     if (length < 0) return;
-    std::fwrite(_channel->message.Data(), 1, static_cast<std::size_t>(length), _channel->stream);
-    std::fflush(_channel->stream);
+    WriteStream(_channel->stream, {_channel->message.Data(), static_cast<std::size_t>(length)});
+    FlushStream(_channel->stream);
 }

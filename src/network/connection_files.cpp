@@ -76,13 +76,11 @@ public:
     // Whether all of it has reached the system.
     bool Finish() noexcept {
         const bool isWritten = WriteGathered() && (!_hasReturn || WriteBytes("\r"));
-        return std::fclose(_file.release()) == 0 && isWritten;
+        return CloseStream(_file.release()) && isWritten;
     }
 
 private:
-    bool WriteBytes(std::string_view bytes) noexcept {
-        return std::fwrite(bytes.data(), 1, bytes.size(), _file.get()) == bytes.size();
-    }
+    bool WriteBytes(std::string_view bytes) noexcept { return WriteStream(_file.get(), bytes) == bytes.size(); }
     bool WriteText(std::string_view bytes) noexcept {
         while (!bytes.empty()) {
             if (_hasReturn && bytes.front() != '\n' && !WriteBytes("\r")) return false;

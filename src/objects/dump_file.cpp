@@ -1,7 +1,9 @@
-// Whole runs go to the C library, whose text mode writes the line ends of each system. Write errors are not reported: a
-// dump is a by-product, and its interface has no room for an error.
+// Whole runs go to the C library, whose text mode writes the line ends of each system. After a failure the dump goes
+// on: its other files may be whole.
 
 #include "objects/dump_file.h"
+
+#include <cerrno>
 
 #include "base/failure_report.h"
 #include "base/memory.h"
@@ -11,25 +13,40 @@ using namespace zel;
 
 void DumpFile::Open(const char* path) noexcept {
     _isOpened = true;
+    errno = 0;
     _file = OpenStream(path, "w");
-    if (_file == nullptr) return;
+    if (_file == nullptr) return Fail();
     _begin = _next = AllocateArray<char>(Room);
-    if (_begin != nullptr)
+    if (_begin != nullptr) {
         _end = _begin + Room;
-    else
-        ReportAllocFailure("TAPObjectSaveContext", Room);
+        return;
+    }
+    ReportAllocFailure("TAPObjectSaveContext", Room);
+    errno = ENOMEM;
+    Fail();
+}
+
+// Keeps the first error.
+void DumpFile::Fail() noexcept {
+    if (_error == 0) _error = errno != 0 ? errno : EIO;
+}
+
+void DumpFile::Write(std::string_view text) noexcept {
+    errno = 0;
+    if (WriteStream(_file, text) != text.size()) Fail();
 }
 
 void DumpFile::Close() noexcept {
     WriteOut();
     Free(_begin);
     _begin = _next = _end = nullptr;
-    if (_file != nullptr) std::fclose(_file);
+    errno = 0;
+    if (_file != nullptr && !CloseStream(_file)) Fail();
     _file = nullptr;
 }
 
 void DumpFile::WriteOut() noexcept {
-    if (_next != _begin) std::fwrite(_begin, 1, static_cast<std::size_t>(_next - _begin), _file);
+    if (_next != _begin) Write({_begin, static_cast<std::size_t>(_next - _begin)});
     _next = _begin;
 }
 
@@ -41,5 +58,5 @@ bool DumpFile::MakeRoom(std::size_t size) noexcept {
 
 // A text that is longer than a run; nothing waits.
 void DumpFile::WriteLong(std::string_view text) noexcept {
-    if (_begin != nullptr) std::fwrite(text.data(), 1, text.size(), _file);
+    if (_begin != nullptr) Write(text);
 }

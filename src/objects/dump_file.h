@@ -23,6 +23,8 @@ public:
     void Open(const char* path) noexcept;
     // Writes the waiting bytes.
     void Close() noexcept;
+    // The errno value of the first failure; 0 if all was written so far.
+    int Error() const noexcept { return _error; }
 
     // Adds pieces, which are numbers, characters and texts, to the waiting bytes.
     template <class... Pieces>
@@ -55,11 +57,14 @@ private:
     bool MakeRoom(std::size_t size) noexcept;
     void WriteLong(std::string_view text) noexcept;
     void WriteOut() noexcept;
+    void Write(std::string_view text) noexcept;
+    void Fail() noexcept;
 
     std::FILE* _file = nullptr;
     char* _begin = nullptr;  // the run that waits; all three null when the file could not be opened
     char* _next = nullptr;
     char* _end = nullptr;
+    int _error = 0;
     bool _isOpened = false;
 };
 

@@ -6,6 +6,7 @@
 
 #include "objects/save_context.h"
 
+#include <cstring>
 #include <string_view>
 
 #include "TADiagnostics.h"
@@ -27,16 +28,29 @@ const char* TAPObjectSaveContext::TypeName(const TAPAttr& attribute) noexcept {
     return typeNames[attribute._type];
 }
 
-TAPObjectSaveContext::~TAPObjectSaveContext() {
-    while (_openCount > 0) _files[_opened[--_openCount]].Close();
+bool TAPObjectSaveContext::Close(ZELString* error) noexcept {
+    bool isWritten = !_isShortOfMemory;
+    if (!isWritten && error != nullptr) *error = "not enough memory";
+    while (_openCount > 0) {
+        const int kind = _opened[--_openCount];
+        _files[kind].Close();
+        if (_files[kind].Error() == 0) continue;
+        isWritten = false;
+        if (error != nullptr) *error = ZELString(PathOf(kind)).Append(": ").Append(std::strerror(_files[kind].Error()));
+    }
+    return isWritten;
+}
+
+TAFileName TAPObjectSaveContext::PathOf(int kind) const noexcept {
+    TAFileName path = _directory + (kind == Objects ? "Objects" : typeNames[kind]);
+    path.AddExtension(".txt");
+    return path;
 }
 
 DumpFile& TAPObjectSaveContext::File(int kind) noexcept {
     DumpFile& file = _files[kind];
     if (!file.IsOpened()) {
-        TAFileName path = _directory + (kind == Objects ? "Objects" : typeNames[kind]);
-        path.AddExtension(".txt");
-        file.Open(path);
+        file.Open(PathOf(kind));
         _opened[_openCount++] = kind;
     }
     return file;
@@ -114,7 +128,7 @@ void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
     GrowingArray<Step> names;
     const TAPPath::Node* const last = path != nullptr ? path->_last : nullptr;
     for (const TAPPath::Node* node = last; node != nullptr && node->length > TAPPath::Node::Shift; node = node->parent)
-        if (!names.Append({node->name})) ReportAllocFailure("TAPObjectSaveContext", sizeof(Step));
+        if (!names.Append({node->name})) FailForMemory(sizeof(Step));
     for (; !names.IsEmpty(); names.RemoveLast()) {
         const TAPName* const name = names.Last().name;
         file.Put(std::string_view(name != nullptr ? name->GetName() : ""), ';');
@@ -123,10 +137,15 @@ void TAPObjectSaveContext::WritePath(const TAPPath* path, int id) noexcept {
     file.Put('\n');
 }
 
+void TAPObjectSaveContext::FailForMemory(std::size_t size) noexcept {
+    ReportAllocFailure("TAPObjectSaveContext", size);
+    _isShortOfMemory = true;
+}
+
 // Without memory this branch ends here.
 void TAPObjectSaveContext::Push(const Level& level) noexcept {
     if (!_levels.Append(level))
-        ReportAllocFailure("TAPObjectSaveContext", sizeof(Level));
+        FailForMemory(sizeof(Level));
     else if (level.object != nullptr)
         level.object->isBeingSaved = true;
 }
@@ -185,6 +204,12 @@ void TAPObjectSaveContext::ContinueList() noexcept {
 int TAPObject::SaveToFile(TAFileName directory) noexcept {
     TAPObjectSaveContext context(directory);
     return SaveToFile(context.NextId(), context);
+}
+
+int TAPObject::SaveToFile(TAFileName directory, ZELString& error) noexcept {
+    TAPObjectSaveContext context(directory);
+    SaveToFile(context.NextId(), context);
+    return context.Close(&error) ? 0 : 1;
 }
 
 int TAPObject::SaveToFile(int id, TAPObjectSaveContext& context) noexcept {

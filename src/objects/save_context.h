@@ -16,8 +16,10 @@ public:
     explicit TAPObjectSaveContext(const TAFileName& directory) noexcept : _directory(directory) {}
     TAPObjectSaveContext(const TAPObjectSaveContext&) = delete;
     TAPObjectSaveContext& operator=(const TAPObjectSaveContext&) = delete;
-    // Closes the files, the last opened first.
-    ~TAPObjectSaveContext();
+    ~TAPObjectSaveContext() { Close(nullptr); }
+    // Closes the files, the last opened first. Returns whether all was written; otherwise `error`, unless null, gets
+    // the file and the reason of a failure.
+    bool Close(ZELString* error) noexcept;
 
     // 0, 1, 2 ...; wraps round.
     int NextId() noexcept { return static_cast<int>(_nextId++); }
@@ -40,10 +42,12 @@ private:
     static constexpr int Kinds = 7;
     static constexpr int Objects = TAPAttr::TypeNull;
 
+    TAFileName PathOf(int kind) const noexcept;
     zel::DumpFile& File(int kind) noexcept;
     void Begin(const TAPAttr& attribute, int id) noexcept;
     void BeginObject(const TAPObject* object, int id) noexcept;
     void WritePath(const TAPPath* path, int id) noexcept;
+    void FailForMemory(std::size_t size) noexcept;
     void Push(const Level& level) noexcept;
     void WorkOff(std::size_t height) noexcept;
     void ContinueObject() noexcept;
@@ -56,6 +60,7 @@ private:
     zel::DumpFile _files[Kinds];
     int _opened[Kinds] = {};  // kinds, in the order in which their files were opened
     int _openCount = 0;
+    bool _isShortOfMemory = false;
     zel::GrowingArray<Level> _levels;
 };
 

@@ -20,6 +20,15 @@ std::FILE* OpenStream(const char* path, const char* mode) noexcept;
 inline constexpr std::size_t MostToArrive = std::size_t{1} << 30;  // systems count what is read with 32 bits
 std::ptrdiff_t ReadArrived(std::FILE* stream, char* bytes, std::size_t size) noexcept;
 
+// fread, fwrite, fflush and fclose, retried when a signal interrupts them: each byte is read or written once. (glibc
+// discards the contents of a stream's buffer when their write is interrupted, so a plain fflush cannot be retried.)
+// Interruptions leave no error indicator behind. The first two return the bytes that were read or written: all, or
+// fewer at the end and, with errno set, after a failure.
+std::size_t ReadStream(std::FILE* stream, char* bytes, std::size_t size) noexcept;
+std::size_t WriteStream(std::FILE* stream, std::string_view bytes) noexcept;
+bool FlushStream(std::FILE* stream) noexcept;
+bool CloseStream(std::FILE* stream) noexcept;
+
 // Writes up to MostPieces pieces after the contents of the stream's buffer, in one call where the system has one.
 inline constexpr int MostPieces = 64;
 bool WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept;
@@ -38,9 +47,10 @@ struct LineRoom {
     std::size_t size = 0;
 };
 
-// Reads from `stream` into `room` up to a delimiter, which is counted in the result and as `met`, up to `most` bytes,
-// or up to the end; perhaps fewer, but one at least. Takes nothing more, and locks the stream once. A delimiter outside
-// 0 to 255 is never met. 0 at the end, after a failure, and when memory ran out, which neither feof nor ferror reports.
+// Reads, also despite interruptions, from `stream` into `room` up to a delimiter, which is counted in the result and as
+// `met`, up to `most` bytes, or up to the end; perhaps fewer, but one at least. Takes nothing more, and locks the
+// stream once. A delimiter outside 0 to 255 is never met. 0 at the end, after a failure, and when memory ran out, which
+// neither feof nor ferror reports.
 std::size_t ReadPiece(std::FILE* stream, int delimiter, std::size_t most, LineRoom& room, bool& met) noexcept;
 
 }  // namespace zel

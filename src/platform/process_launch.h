@@ -57,6 +57,9 @@ public:
     int Pid() const noexcept { return _pid; }
     // False when the system cannot tell, as on Linux when the process ignores SIGCHLD or somebody else waited.
     bool GetEnd(ChildEnd& end) const noexcept;
+    // Ends the child by force; needs neither memory nor a descriptor. `exitCode` as for KillProcess of process_kill.h.
+    // False when the child has ended, or the system refuses or cannot tell.
+    bool Kill(unsigned int exitCode) const noexcept;
     // Blocks until the child has ended; may run beside GetEnd. The child must stay open. Neither reaps nor closes.
     void AwaitEnd() const noexcept;
     // Gives back what the system keeps. On Linux a child that runs on cannot be given back: it ends as a zombie.

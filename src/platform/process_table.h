@@ -32,12 +32,50 @@ struct ProcessEntry {
     Activity activity = Acts;
 };
 
-// False, `entry` untouched, for a number that no process has, or one that may not be looked at.
-bool ReadProcess(int pid, ProcessEntry& entry) noexcept;
+enum class Sight {
+    There,
+    Gone,    // no process, or one that may not be looked at
+    Untold,  // the system lacks a descriptor or memory for its reply
+};
+// There: `entry` is set; otherwise it is untouched.
+Sight LookAtProcess(int pid, ProcessEntry& entry) noexcept;
+
+inline bool ReadProcess(int pid, ProcessEntry& entry) noexcept {
+    return LookAtProcess(pid, entry) == Sight::There;
+}
+
+// The same for one certain process. A process that has ended is gone.
+inline Sight FindProcess(const ProcessIdentity& process, ProcessEntry& entry) noexcept {
+    const Sight sight = LookAtProcess(process.pid, entry);
+    const bool isIt = process.born == 0 || process.born == entry.self.born;
+    return sight == Sight::There && (entry.hasEnded || !isIt) ? Sight::Gone : sight;
+}
+
+using ProcessVisit = void (*)(const ProcessEntry& entry, void* context);
 
 // Calls `visit` for every process that can be looked at and has not ended, in the system's order: there is no limit to
-// their number. False when the system lists none.
-bool VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept;
+// their number. False when the system lists none, or lacked something for a part of them.
+bool VisitProcesses(ProcessVisit visit, void* context) noexcept;
+
+// Visits all processes again and again. While it exists, it reserves the memory and the descriptors that its visits
+// need, and looks and kills of the thread that made it between them: other threads cannot use these up.
+class ProcessWatch {
+public:
+    ProcessWatch() noexcept;
+    ProcessWatch(const ProcessWatch&) = delete;
+    ProcessWatch& operator=(const ProcessWatch&) = delete;
+    ~ProcessWatch();
+
+    // False when the system lacks something, or lists no processes.
+    bool IsReady() const noexcept { return _state != nullptr; }
+    // As VisitProcesses.
+    bool Visit(ProcessVisit visit, void* context) noexcept;
+
+private:
+    struct State;
+
+    State* _state = nullptr;
+};
 
 // Seconds since 1970, on Windows with the shifts that GetEpochStartTimeOfProcess tells; false when it cannot be told.
 bool GetStartTime(int pid, std::int64_t& seconds) noexcept;

@@ -123,7 +123,8 @@ TAProcess::Target TAProcess::TheTarget() const noexcept {
 }
 
 int TAProcess::Kill() noexcept {
-    if (KillAndNote(TheTarget().process, KillCode) || TheTarget().isOver) return 0;
+    const bool isKilled = _child ? KillChild(*_child, KillCode) : KillAndNote(TheTarget().process, KillCode);
+    if (isKilled || TheTarget().isOver) return 0;
     return Fail("Unable to get child process handle");
 }
 

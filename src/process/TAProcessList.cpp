@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "TADiagnostics.h"
+#include "base/deadline.h"
 #include "base/failure_report.h"
 #include "base/memory.h"
 #include "process/process_tree.h"
@@ -56,6 +57,15 @@ struct TAProcessList::Entry {
     void AddRoot(ProcessEntries& roots) const noexcept {
         ProcessEntry root;
         if (ReadProcess(process.GetprocessID(), root) && !root.hasEnded) roots.Append(root);
+    }
+    // Kills a command whose tree could not be killed, its own child alone.
+    void KillAlone() noexcept {
+        constexpr int LongestWait = 2000;
+        const Deadline limit(LongestWait);
+        int exitCode = 0;
+        process.Kill();
+        while (process.Check(exitCode) == 0 && limit.Left() > 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     void AddLate(Clock::time_point now, ProcessEntries& roots) const noexcept {
         if (IsLate(now)) AddRoot(roots);
@@ -149,7 +159,7 @@ bool TAProcessList::KillLate() noexcept {
         Entry& entry = At(_running[position]);
         if (!entry.IsLate(now)) continue;
         int exitCode = 0;
-        entry.process.Check(exitCode);
+        if (entry.process.Check(exitCode) == 0) entry.KillAlone();
         // One that could not be killed is nobody's from here on, and goes when it ends.
         entry.process = TAProcess();
         Finish(position, LateCode);
@@ -229,5 +239,6 @@ int TAProcessList::KillInternalListOfProcess() noexcept {
         entry.returnCode = exitCode;
     }
     if (roots.Size() > 0) KillProcessTrees(roots);
+    for (const int number : _running) At(number).process.Kill();  // if its tree could not be
     return 0;
 }

@@ -63,6 +63,11 @@ ChildState Look(TAChild& child) noexcept {
     return ChildState::Over;
 }
 
+void NoteKill(TAChild& child, unsigned int exitCode) noexcept {
+    if (!child.wasKilled) child.killCode = static_cast<int>(exitCode);
+    child.wasKilled = true;
+}
+
 // Gives the system's entry back and ends the ledger's share in the child, which `child` may be the last to hold.
 void GiveBack(TAChild& child) noexcept {
     child.process.Close();
@@ -136,9 +141,14 @@ bool zel::KillAndNote(const ProcessIdentity& process, unsigned int exitCode) noe
     const std::lock_guard guard(TheLedger().lock);
     if (!KillProcess(process, exitCode)) return false;
     TAChild* const child = TheLedger().Find(process.pid);
-    if (child == nullptr || child->wasKilled) return true;
-    child->wasKilled = true;
-    child->killCode = static_cast<int>(exitCode);
+    if (child != nullptr) NoteKill(*child, exitCode);
+    return true;
+}
+
+bool zel::KillChild(TAChild& child, unsigned int exitCode) noexcept {
+    const std::lock_guard guard(TheLedger().lock);
+    if (!child.isOpen || !child.process.Kill(exitCode)) return false;
+    NoteKill(child, exitCode);
     return true;
 }
 

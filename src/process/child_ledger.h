@@ -44,6 +44,9 @@ ProcessIdentity IdentityOfChild(TAChild& child) noexcept;
 // Ends a process, whoever started it; one of ours then has that exit code on both targets. False when the system
 // refuses, or the process is over.
 bool KillAndNote(const ProcessIdentity& process, unsigned int exitCode) noexcept;
+// The same for an open child, by what the ledger holds of it: works without memory, descriptors and a list of
+// processes.
+bool KillChild(TAChild& child, unsigned int exitCode) noexcept;
 // Notes that a process is about to be asked to end: one of ours that dies of it has the exit code of a forced end.
 void NoteRequest(const ProcessIdentity& process) noexcept;
 

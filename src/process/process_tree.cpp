@@ -7,6 +7,10 @@
 // during one look are found by the next. The kill begins when a look met none but stopped members, since one that was
 // held in the midst of starting somebody finishes that first. Where processes cannot be held, a child names its parent
 // beyond the parent's death, so there whoever enters is killed at once.
+//
+// The other dangerous case is a kill that runs out of memory or descriptors half-way: the descendants of dead members
+// are out of reach. So a first look goes without a signal and reserves all that the kill needs, for a tree of twice the
+// size. If that fails, no member is touched; if the tree then outgrows its room, the kill goes on as far as it can.
 
 #include "process/process_tree.h"
 
@@ -23,12 +27,16 @@
 
 using namespace zel;
 
-bool ProcessEntries::Append(const ProcessEntry& entry) noexcept {
-    constexpr std::size_t First = 64;
-    const std::size_t room = std::max(First, 2 * _entries.Capacity());
-    if ((_entries.Size() < _entries.Capacity() || _entries.Reserve(room)) && _entries.Append(entry)) return true;
-    ReportAllocFailure("ProcessEntries", room * sizeof entry);
+bool ProcessEntries::Reserve(int count) noexcept {
+    if (_entries.Reserve(static_cast<std::size_t>(count))) return true;
+    ReportAllocFailure("ProcessEntries", static_cast<std::size_t>(count) * sizeof(ProcessEntry));
     return false;
+}
+
+bool ProcessEntries::Append(const ProcessEntry& entry) noexcept {
+    constexpr int First = 64;
+    if (_entries.Size() == _entries.Capacity() && !Reserve(std::max(First, 2 * Size()))) return false;
+    return _entries.Append(entry);
 }
 
 const ProcessEntry* ProcessEntries::Find(int pid) const noexcept {
@@ -61,52 +69,68 @@ class ProcessTree {
 public:
     explicit ProcessTree(bool forceOnly) noexcept : _forceOnly(forceOnly) {}
 
-    // By force, who cannot be held is killed at once.
-    void Enter(const ProcessEntry& entry) noexcept;
-    // Kills everybody, and who is started meanwhile; the caller last. False when the system lists no processes.
-    bool KillAll() noexcept;
-    // False also when memory did not suffice for all members.
-    bool IsKilled() const noexcept { return _isComplete && _killed == _members.Size(); }
+    // A root, before the kill.
+    void Add(const ProcessEntry& root) noexcept { Enter(root); }
+    // Kills all members, and those that are started meanwhile; the caller last. False when one may be left, and
+    // without a signal to any when memory or descriptors do not suffice for the tree as it is.
+    bool Kill() noexcept;
 
 private:
-    bool KillOthers() noexcept;
+    // Looks at the tree without a signal, and reserves room for one of twice the size.
+    bool Prepare() noexcept;
+    void KillAll() noexcept;
+    // During the kill, a member is held or killed at once.
+    void Enter(const ProcessEntry& entry) noexcept;
+    // By force, a member that cannot be held is killed at once.
+    void Seize(const ProcessEntry& entry) noexcept;
+    void KillOthers() noexcept;
     // Until everybody but the caller is gone, or the time is over.
     void AwaitEnds() const noexcept;
     void KillCaller() noexcept;
-    // Enters the children of members. False when the system lists no processes.
-    bool Look() noexcept;
+    // Enters the children of members, unless the system did not list all processes before.
+    void Look() noexcept;
     void Consider(const ProcessEntry& entry) noexcept;
     void KillWaiting() noexcept {
-        while (_next < _waiting.Size()) Kill(_waiting[_next++]);
+        while (_next < _waiting.Size()) KillMember(_waiting[_next++]);
     }
-    void Kill(const ProcessEntry& entry) noexcept;
+    void KillMember(const ProcessEntry& entry) noexcept;
 
     const bool _forceOnly;
     const int _caller = GetOwnProcessId();
+    ProcessWatch _watch;
     ProcessEntries _members;
     ProcessEntries _waiting;  // to be killed, from _next on; by force, all of them are held
     int _next = 0;
     int _killed = 0;
-    bool _isComplete = true;
+    bool _isKilling = false;
+    bool _isComplete = true;  // false when a member could not be entered, or a look did not show all processes
     ProcessEntry::Activity _activity = ProcessEntry::IsStopped;  // of the busiest that is held, at the latest look
 };
 
-// Who is killed as soon as he comes to sight may be in the midst of his own start, and end by himself since his parent
-// was killed: by force, a descendant that is gone counts as killed.
-void ProcessTree::Kill(const ProcessEntry& entry) noexcept {
-    const bool isKilled = End(entry.self, _forceOnly);
+// A member that is killed at first sight may be starting, and end by itself since its parent was killed: by force, a
+// descendant that is gone counts as killed. A kill may fail because another thread took a descriptor; since the member
+// may be held, it must not be left so.
+void ProcessTree::KillMember(const ProcessEntry& entry) noexcept {
+    constexpr int Tries = 20;
     const bool isRoot = entry.self.pid == _members[0].self.pid;
-    if (isKilled || (_forceOnly && !isRoot && AwaitProcessEnd(entry.self, 0))) ++_killed;
+    bool isKilled = End(entry.self, _forceOnly);
+    bool isGone = false;
+    for (int i = 0; _forceOnly && !isKilled && !isGone && i < Tries; ++i) {
+        isGone = AwaitProcessEnd(entry.self, i == 0 ? 0 : 1);
+        isKilled = !isGone && End(entry.self, true);
+    }
+    if (isKilled || (isGone && !isRoot)) ++_killed;
+}
+
+void ProcessTree::Seize(const ProcessEntry& entry) noexcept {
+    if (entry.self.pid == _caller) return;
+    const bool canWait = !_forceOnly || HoldProcess(entry.self);
+    if (!canWait || !_waiting.Append(entry)) KillMember(entry);
 }
 
 void ProcessTree::Enter(const ProcessEntry& entry) noexcept {
-    if (!_members.Append(entry)) {
-        _isComplete = false;
-        return;
-    }
-    if (entry.self.pid == _caller) return;
-    const bool canWait = !_forceOnly || HoldProcess(entry.self);
-    if (!canWait || !_waiting.Append(entry)) Kill(entry);
+    if (!_members.Append(entry)) _isComplete = false;
+    if (_isKilling) Seize(entry);
 }
 
 void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
@@ -122,22 +146,21 @@ void ProcessTree::Consider(const ProcessEntry& entry) noexcept {
     if (std::any_of(_members.begin(), _members.end(), isParent)) Enter(entry);
 }
 
-bool ProcessTree::Look() noexcept {
+void ProcessTree::Look() noexcept {
     const auto consider = [](const ProcessEntry& entry, void* tree) {
         static_cast<ProcessTree*>(tree)->Consider(entry);
     };
-    return VisitProcesses(consider, this);
+    _isComplete = _isComplete && _watch.Visit(consider, this);
 }
 
-bool ProcessTree::KillOthers() noexcept {
+void ProcessTree::KillOthers() noexcept {
     // Looks in vain: who waits in the system, as for a child that became no program yet, may do so for ever.
     constexpr int MostWhileBlocked = 5;
     constexpr int MostWhileActing = 200;
-    bool isListed = true;
-    for (int vainLooks = 0; isListed; ++vainLooks) {
+    for (int vainLooks = 0; _isComplete; ++vainLooks) {
         const int before = _members.Size();
         _activity = ProcessEntry::IsStopped;
-        isListed = Look();
+        Look();
         if (!_forceOnly) KillWaiting();
         if (_members.Size() != before) {
             vainLooks = 0;
@@ -148,7 +171,6 @@ bool ProcessTree::KillOthers() noexcept {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     KillWaiting();
-    return isListed;
 }
 
 void ProcessTree::AwaitEnds() const noexcept {
@@ -160,41 +182,52 @@ void ProcessTree::AwaitEnds() const noexcept {
 
 void ProcessTree::KillCaller() noexcept {
     const ProcessEntry* const caller = _members.Find(_caller);
-    if (caller != nullptr) Kill(*caller);
+    if (caller != nullptr) KillMember(*caller);
 }
 
 // A start that was under way when its process was killed may come to sight only when that is gone.
-bool ProcessTree::KillAll() noexcept {
-    bool isListed = true;
-    for (int before = 0; isListed && before != _members.Size();) {
-        isListed = KillOthers();
+void ProcessTree::KillAll() noexcept {
+    for (int before = 0; _isComplete && before != _members.Size();) {
+        KillOthers();
         AwaitEnds();
         before = _members.Size();
-        isListed = isListed && Look();
+        Look();
     }
     KillCaller();
-    return isListed;
+}
+
+bool ProcessTree::Prepare() noexcept {
+    constexpr int LeastRoom = 64;
+    Look();
+    const int room = 2 * _members.Size() + LeastRoom;
+    return _isComplete && _members.Reserve(room) && _waiting.Reserve(room);
+}
+
+bool ProcessTree::Kill() noexcept {
+    if (!Prepare()) return false;
+    _isKilling = true;
+    for (const ProcessEntry& member : _members) Seize(member);
+    KillAll();
+    return _isComplete && _killed == _members.Size();
 }
 
 }  // namespace
 
 int zel::KillProcessTree(const ProcessIdentity& root, bool forceOnly) noexcept {
     ProcessEntry entry = {root};
-    const bool isThere =
-        ReadProcess(root.pid, entry) && !entry.hasEnded && (root.born == 0 || root.born == entry.self.born);
-    if (!isThere) {
-        const auto ignore = [](const ProcessEntry&, void*) {};
-        if (!VisitProcesses(ignore, nullptr)) End(root, forceOnly);  // nobody at all is in sight
-        return 1;
+    const Sight sight = FindProcess(root, entry);
+    if (sight == Sight::There) {
+        ProcessTree tree(forceOnly);
+        tree.Add(entry);
+        return tree.Kill() ? 0 : 1;
     }
-    ProcessTree tree(forceOnly);
-    tree.Enter(entry);
-    const bool isListed = tree.KillAll();
-    return isListed && tree.IsKilled() ? 0 : 1;
+    const auto ignore = [](const ProcessEntry&, void*) {};
+    if (sight == Sight::Gone && !VisitProcesses(ignore, nullptr)) End(root, forceOnly);  // the system lists no process
+    return 1;
 }
 
-void zel::KillProcessTrees(const ProcessEntries& roots) noexcept {
+bool zel::KillProcessTrees(const ProcessEntries& roots) noexcept {
     ProcessTree tree(true);
-    for (const ProcessEntry& root : roots) tree.Enter(root);
-    tree.KillAll();
+    for (const ProcessEntry& root : roots) tree.Add(root);
+    return tree.Kill();
 }

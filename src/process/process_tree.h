@@ -20,6 +20,8 @@ public:
     const ProcessEntry* end() const noexcept { return _entries.end(); }
     // False when memory ran out.
     bool Append(const ProcessEntry& entry) noexcept;
+    // Makes room for so many in all; false when memory ran out.
+    bool Reserve(int count) noexcept;
     // The last one of that number; null when there is none.
     const ProcessEntry* Find(int pid) const noexcept;
     // By birth, then by number, so that a process stands behind its parent.
@@ -40,8 +42,9 @@ bool ListProcesses(ProcessEntries& all) noexcept;
 // As KillBaseProcessTree of TAProcessKill.h, for one certain process.
 int KillProcessTree(const ProcessIdentity& root, bool forceOnly) noexcept;
 
-// Ends several trees by force, together: most of the cost is in looking at all processes.
-void KillProcessTrees(const ProcessEntries& roots) noexcept;
+// Ends several trees by force, together: most of the cost is in looking at all processes. False when a member may be
+// left; if memory or descriptors run out before the first kill, all members are left.
+bool KillProcessTrees(const ProcessEntries& roots) noexcept;
 
 }  // namespace zel
 

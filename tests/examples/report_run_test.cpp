@@ -93,6 +93,17 @@ TEST_F(ReportRun, TellsWhatCannotBeWritten) {
     WriteBytes(record, "counter\tc\n");
     EXPECT_EQ(RunProgram("report_run", {record, record}).err,
               "report_run: not all could be written into " + record + "\n");
+    for (const std::string file : {"index.html", "dump/Objects.txt", "dump/AttrString.txt", "dump/AttrList.txt"}) {
+        std::filesystem::remove_all(report);
+        std::filesystem::create_directories(report + '/' + file);
+        EXPECT_EQ(RunProgram("report_run", {report, record}).exitCode, 1) << file;
+        if (FullDevice.empty()) continue;
+        std::filesystem::remove(report + '/' + file);
+        std::filesystem::create_symlink(FullDevice, report + '/' + file);
+        EXPECT_EQ(RunProgram("report_run", {report, record}).exitCode, 1) << file;
+    }
+    std::filesystem::remove_all(report);
+    EXPECT_EQ(RunProgram("report_run", {report, record}).exitCode, 0);
     const std::string nowhere = record + "/x";
     EXPECT_EQ(RunProgram("scan_sources", {"--record", nowhere, folder.Path()}).err,
               "scan_sources: cannot write " + nowhere + "\n");

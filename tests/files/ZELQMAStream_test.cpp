@@ -1,5 +1,6 @@
 #include "ZELQMAStream.h"
 
+#include "support/test_system.h"
 #include "support/testing.h"
 
 namespace {
@@ -23,6 +24,7 @@ struct LinesInPlace : testing::Test {
         WriteBytes(file, text);
         ASSERT_NE(stream.fopen(file.c_str(), "rb"), nullptr);
         ASSERT_NO_FATAL_FAILURE(Check(stream, text)) << text.size();
+        ASSERT_EQ(stream.ReadError(), 0);
         ASSERT_EQ(stream.fclose(), 0);
         ASSERT_EQ(stream.fclose(), 1);
     }
@@ -81,4 +83,14 @@ TEST_F(LinesInPlace, CopiesShareTheFileWhichIsTheCallers) {
     for (const std::string& path : {folder.Path(), folder / "missing", std::string()})
         EXPECT_EQ(stream.fopen(path.c_str(), "rt"), nullptr) << path;
     EXPECT_EQ(stream.fopen(nullptr, "r"), nullptr);
+}
+
+TEST_F(LinesInPlace, AReadErrorIsNoEnd) {
+    if (UnreadableFile.empty()) GTEST_SKIP() << "every file can be read";
+    char* line = nullptr;
+    EXPECT_EQ(stream.ReadError(), 1);
+    ASSERT_NE(stream.fopen(UnreadableFile.c_str(), "r"), nullptr);
+    EXPECT_EQ(stream.ReadError() + stream.getline(line), 0);
+    EXPECT_EQ(stream.ReadError(), 1);
+    EXPECT_EQ(stream.fclose(), 0);
 }

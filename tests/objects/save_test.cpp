@@ -146,20 +146,30 @@ TEST(Save, DepthNeedsNoStack) {
     EXPECT_EQ(dump.at("AttrString"), std::to_string(3 * Levels - 1) + ":top\n");
 }
 
-TEST(Save, LosesWhatCannotBeWrittenWithoutAWord) {
+TEST(Save, ReportsWhatCannotBeWrittenOnRequest) {
     TAPObject object;
     object.SetAttribute("a", 1);
     object.SetAttribute("b", "x");
     const TemporaryFolder folder;
     testing::internal::CaptureStdout();
-    EXPECT_EQ(object.SaveToFile((folder / "missing").c_str()), 0);
+    const auto expectFailure = [&](const std::string& directory, const std::string& file) {
+        ZELString error;
+        EXPECT_EQ(object.SaveToFile(directory.c_str()), 0);
+        EXPECT_EQ(object.SaveToFile(directory.c_str(), error), 1) << directory;
+        EXPECT_TRUE(Holds(std::string(error.View()), file + ": ")) << error.View();
+    };
+    ZELString error;
+    EXPECT_EQ(object.SaveToFile(folder.Path().c_str(), error), 0) << error.View();
+    expectFailure(folder / "missing", "Objects.txt");
+    std::filesystem::remove(folder / "Objects.txt");
     std::filesystem::create_directory(folder / "Objects.txt");
-    EXPECT_EQ(object.SaveToFile(folder.Path().c_str()), 0);
+    expectFailure(folder.Path(), "Objects.txt");
     EXPECT_EQ(ReadBytes(folder / "AttrInteger.txt").substr(0, 3), "1:1");
     if (!FullDevice.empty()) {
         std::filesystem::remove(folder / "AttrInteger.txt");
         std::filesystem::create_symlink(FullDevice, folder / "AttrInteger.txt");
-        EXPECT_EQ(object.SaveToFile(folder.Path().c_str()), 0);
+        std::filesystem::remove(folder / "Objects.txt");
+        expectFailure(folder.Path(), "AttrInteger.txt");
     }
     EXPECT_EQ(ReadBytes(folder / "AttrString.txt").substr(0, 3), "2:x");
     std::filesystem::permissions(folder.Path(), std::filesystem::perms::owner_all);

@@ -2,9 +2,12 @@
 
 #include <ctime>
 
+#include "TAProcessList.h"
+
 #include "platform/process_kill.h"
 #include "process/process_tree.h"
 #include "process/processes.h"
+#include "support/failing_memory.h"
 #include "support/programs.h"
 
 using zel::ProcessEntry;
@@ -147,6 +150,65 @@ TEST(Kill, ReadsProcessesOfAnyName) {
     EXPECT_EQ(KillBaseProcess(pid, 1), 0);
     int status = 0;
     EXPECT_TRUE(process.Wait(status) == 0 && process.Check(status) == 1);
+}
+
+// Runs `work` once for each allocation that may fail, and for each number of descriptors that are left, as long as one
+// of these fails; it returns whether it met no failure.
+template <class Work>
+void ForEachShortage(const std::string& file, Work work) {
+    FailEachAllocation([&](FailingMemory& memory) { work([&](auto call) { memory.Begin(), call(), memory.End(); }); },
+                       Fallback::Possible);
+    bool isEnough = false;
+    for (std::size_t left = 0; !isEnough; ++left) {
+        SCOPED_TRACE("descriptors " + std::to_string(left));
+        ASSERT_LT(left, 20u);
+        isEnough = work([&](auto call) {
+            RunConfined([&] {
+                std::vector<std::ifstream> held;
+                do held.emplace_back(file);
+                while (held.back().is_open());
+                held.resize(held.size() - std::min(held.size(), left + 1));
+                call();
+            });
+        });
+    }
+}
+
+TEST(Kill, WithoutMemoryOrDescriptorsNobodyIsTouched) {
+    const TemporaryFolder folder;
+    ForEachShortage(folder / "tree", [&](auto within) {
+        Tree tree(folder / "tree", 1, 2);
+        std::vector<ProcessEntry> before(3), after(3);
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_TRUE(zel::ReadProcess(tree.pids[i], before[i]));
+        const bool isStopped = zel::HoldProcess(before[1].self);
+        const auto hasStopped = [&] {
+            return ReadProcess(tree.pids[1], before[1]), before[1].activity == ProcessEntry::IsStopped;
+        };
+        EXPECT_TRUE(!isStopped || Eventually(hasStopped));
+        int result = -1;
+        within([&] { result = tree.root.KillTree(); });
+        for (std::size_t i = 0; i < 3; ++i) {
+            const bool runs = zel::ReadProcess(tree.pids[i], after[i]) && !after[i].hasEnded;
+            EXPECT_EQ(runs, result != 0) << tree.pids[i];
+            EXPECT_EQ(runs && after[i].activity == ProcessEntry::IsStopped, runs && isStopped && i == 1);
+        }
+        EXPECT_TRUE(result == 0 || (result == 1 && tree.root.KillTree() == 0 && tree.IsGone())) << result;
+        return result == 0;
+    });
+}
+
+TEST(Kill, LateCommandsEndWithoutMemoryOrDescriptors) {
+    const TemporaryFolder folder;
+    ForEachShortage(folder / "tree", [&](auto within) {
+        TAProcessList batch;
+        batch.Start(ChildCommand("tree 1 1 60000"), -1, (folder / "tree").c_str(), -1);
+        batch.Check();
+        int root = 0, child = 0;
+        EXPECT_TRUE(Eventually([&] { return std::ifstream(folder / "tree") >> root >> child && child > 0; }));
+        within([&] { batch.Check(); });
+        EXPECT_TRUE(batch.NDone() == 1 && batch.GetReturnCode(1) == 99 && !IsRunning(root));
+        return KillBaseProcess(static_cast<unsigned long>(child), 1) != 0;
+    });
 }
 
 TEST(Kill, TheCallerGoesLast) {

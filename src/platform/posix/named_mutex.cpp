@@ -140,8 +140,11 @@ SharedMutex* MapNew(int descriptor) noexcept {
 SharedMutex* MapFile(const Descriptor& file, const struct stat& status) noexcept {
     if (LockByteOf(file, Presence, F_WRLCK, false)) {
         // Room first: without it, touching the memory would raise SIGBUS.
-        if (ftruncate(file.Number(), 0) != 0 || posix_fallocate(file.Number(), 0, sizeof(SharedMutex)) != 0)
-            return nullptr;
+        if (ftruncate(file.Number(), 0) != 0) return nullptr;
+        int error;
+        do error = posix_fallocate(file.Number(), 0, sizeof(SharedMutex));
+        while (error == EINTR);
+        if (error != 0) return nullptr;
         SharedMutex* const shared = MapNew(file.Number());
         if (shared != nullptr) LockByteOf(file, Presence, F_RDLCK, false);
         return shared;

@@ -15,30 +15,27 @@
 #include <thread>
 
 #include "base/deadline.h"
-#include "platform/posix/descriptor.h"
+#include "platform/posix/spare_descriptors.h"
 
 using namespace zel;
 
 namespace {
 
-bool IsAlive(const ProcessIdentity& process) {
-    ProcessEntry entry;
-    if (!ReadProcess(process.pid, entry) || entry.hasEnded) return false;
-    return process.born == 0 || entry.self.born == process.born;
-}
-
-// In a root directory without /proc nobody's identity can be told, and numbers are all there is.
+// In a root directory without /proc no identity is known, and numbers are all there is.
 bool IsBlind() {
     ProcessEntry own;
-    return !ReadProcess(getpid(), own);
+    return LookAtProcess(getpid(), own) == Sight::Gone;
 }
 
 bool Signal(const ProcessIdentity& process, int signal) {
     if (process.pid <= 0) return false;
     // Opened before the look: when the look finds the right process, the descriptor cannot stand for a later one.
-    const Descriptor held(static_cast<int>(syscall(SYS_pidfd_open, process.pid, 0)));
+    const Descriptor held = OpenWithSpares([&] { return static_cast<int>(syscall(SYS_pidfd_open, process.pid, 0)); });
     const bool isNone = !held.IsOpen() && (errno == ESRCH || errno == EINVAL || errno == ENOENT);  // or a thread
-    if (isNone || !(IsAlive(process) || (process.born == 0 && IsBlind()))) return false;
+    if (isNone || (!held.IsOpen() && IsShortage(errno))) return false;
+    ProcessEntry entry;
+    const Sight sight = FindProcess(process, entry);
+    if (sight == Sight::Untold || (sight == Sight::Gone && !(process.born == 0 && IsBlind()))) return false;
     if (held.IsOpen()) return syscall(SYS_pidfd_send_signal, held.Number(), signal, nullptr, 0) == 0;
     return kill(process.pid, signal) == 0;
 }
@@ -58,7 +55,8 @@ bool zel::AwaitProcessEnd(const ProcessIdentity& process, int milliseconds) noex
     const Deadline deadline(milliseconds);
     std::chrono::microseconds pause(50);
     constexpr std::chrono::microseconds LongestPause(10000);
-    while (IsAlive(process)) {
+    ProcessEntry entry;
+    while (FindProcess(process, entry) != Sight::Gone) {
         if (deadline.Left() == 0) return false;
         std::this_thread::sleep_for(pause);
         pause = std::min(2 * pause, LongestPause);

@@ -12,21 +12,28 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
-#include "platform/posix/descriptor.h"
+#include "base/failure_report.h"
+#include "base/memory.h"
+#include "platform/posix/spare_descriptors.h"
 
 using namespace zel;
 
 namespace {
 
-// Reads a small file whole, as text; false when there is none.
-bool ReadText(int folder, const char* name, char* text, std::size_t size) {
-    const Descriptor file(RetryInterrupted([&] { return openat(folder, name, O_RDONLY | O_CLOEXEC); }));
-    if (!file.IsOpen()) return false;
+Sight SightAfterFailure() {
+    return IsShortage(errno) ? Sight::Untold : Sight::Gone;
+}
+
+// Reads a small file whole, as text.
+Sight ReadText(int folder, const char* name, char* text, std::size_t size) {
+    const Descriptor file = OpenWithSpares([&] { return openat(folder, name, O_RDONLY | O_CLOEXEC); });
+    if (!file.IsOpen()) return SightAfterFailure();
     const ssize_t length = RetryInterrupted([&] { return read(file.Number(), text, size - 1); });
-    if (length <= 0) return false;  // the process may go between the two calls
+    if (length < 0) return SightAfterFailure();  // the process may go between the two calls
     text[length] = '\0';
-    return true;
+    return Sight::There;
 }
 
 struct Status {
@@ -37,14 +44,16 @@ struct Status {
 };
 
 // `name` is that of a status file of a process or thread below `folder`.
-bool ReadStatus(int folder, const char* name, Status& status) {
+Sight ReadStatus(int folder, const char* name, Status& status) {
     char text[1024];
-    if (!ReadText(folder, name, text, sizeof text)) return false;
+    const Sight sight = ReadText(folder, name, text, sizeof text);
+    if (sight != Sight::There) return sight;
     const char* const bracket = std::strrchr(text, ')');
     constexpr const char* Fields =
         " %c %d %*d %*d %*d %*d %*u %*u %*u %*u %*u %*u %*u %*d %*d %*d %*d %ld %*d %llu";  // NOLINT(cert-err34-c)
-    return bracket != nullptr &&
-           std::sscanf(bracket + 1, Fields, &status.state, &status.parent, &status.threads, &status.started) == 4;
+    const bool isRead = bracket != nullptr && std::sscanf(bracket + 1, Fields, &status.state, &status.parent,
+                                                          &status.threads, &status.started) == 4;
+    return isRead ? Sight::There : Sight::Gone;
 }
 
 bool HasEnded(char state) {
@@ -59,13 +68,14 @@ ProcessEntry::Activity ActivityOf(char state) {
 struct CloseFolder {
     void operator()(DIR* folder) const noexcept { closedir(folder); }
 };
+using Folder = std::unique_ptr<DIR, CloseFolder>;
 
-// The busiest thread's; `folder` is /proc.
-ProcessEntry::Activity ActivityOfThreads(int folder, int pid) {
+// The busiest thread's.
+ProcessEntry::Activity ActivityOfThreads(int pid) {
     char name[32];
-    std::snprintf(name, sizeof name, "%d/task", pid);
-    Descriptor descriptor(openat(folder, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const std::unique_ptr<DIR, CloseFolder> tasks(descriptor.IsOpen() ? fdopendir(descriptor.Number()) : nullptr);
+    std::snprintf(name, sizeof name, "/proc/%d/task", pid);
+    Descriptor descriptor = OpenWithSpares([&] { return open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    const Folder tasks(descriptor.IsOpen() ? fdopendir(descriptor.Number()) : nullptr);
     if (!tasks) return ProcessEntry::Acts;
     descriptor.Release();
     ProcessEntry::Activity activity = ProcessEntry::IsStopped;
@@ -73,27 +83,12 @@ ProcessEntry::Activity ActivityOfThreads(int folder, int pid) {
         char file[sizeof listed->d_name + sizeof "/stat"];
         std::snprintf(file, sizeof file, "%s/stat", listed->d_name);
         Status status;
-        if (listed->d_name[0] == '.' || !ReadStatus(dirfd(tasks.get()), file, status)) continue;
-        if (!HasEnded(status.state)) activity = std::min(activity, ActivityOf(status.state));
+        if (listed->d_name[0] == '.') continue;
+        const Sight sight = ReadStatus(dirfd(tasks.get()), file, status);
+        if (sight == Sight::Untold) return ProcessEntry::Acts;
+        if (sight == Sight::There && !HasEnded(status.state)) activity = std::min(activity, ActivityOf(status.state));
     }
     return activity;
-}
-
-// `folder` is /proc.
-bool ReadEntry(int folder, int pid, ProcessEntry& entry) {
-    char name[32];
-    std::snprintf(name, sizeof name, "%d/stat", pid);
-    Status status;
-    if (!ReadStatus(folder, name, status)) return false;
-    entry = {{pid, static_cast<std::int64_t>(status.started) + 1}, status.parent};  // birth 0 stands for unknown
-    entry.activity = ActivityOf(status.state);
-    if (status.threads <= 1) {
-        entry.hasEnded = HasEnded(status.state);
-    } else if (HasEnded(status.state) || entry.activity == ProcessEntry::IsStopped) {
-        // That was the first thread alone; the others may go on.
-        entry.activity = ActivityOfThreads(folder, pid);
-    }
-    return true;
 }
 
 // Seconds since 1970 when the system started; 0 when it does not tell.
@@ -105,27 +100,74 @@ std::int64_t SystemStart() {
     return 0;
 }
 
-}  // namespace
-
-bool zel::ReadProcess(int pid, ProcessEntry& entry) noexcept {
-    if (pid <= 0) return false;
-    const Descriptor folder(RetryInterrupted([] { return open("/proc", O_PATH | O_DIRECTORY | O_CLOEXEC); }));
-    return folder.IsOpen() && ReadEntry(folder.Number(), pid, entry);
-}
-
-bool zel::VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
-    const std::unique_ptr<DIR, CloseFolder> folder(opendir("/proc"));
-    if (!folder) return false;
-    bool found = false;
-    while (const dirent* const listed = readdir(folder.get())) {
+bool VisitAll(DIR* folder, ProcessVisit visit, void* context) {
+    bool found = false, isComplete = true;
+    for (errno = 0; const dirent* const listed = readdir(folder); errno = 0) {
         char* end = nullptr;
         const long pid = std::strtol(listed->d_name, &end, 10);
+        if (pid <= 0 || *end != '\0') continue;
         ProcessEntry entry;
-        if (pid <= 0 || *end != '\0' || !ReadEntry(dirfd(folder.get()), static_cast<int>(pid), entry)) continue;
+        const Sight sight = LookAtProcess(static_cast<int>(pid), entry);
+        if (sight == Sight::Untold) isComplete = false;
+        if (sight != Sight::There) continue;
         found = true;
         if (!entry.hasEnded) visit(entry, context);
     }
-    return found;
+    return found && isComplete && errno == 0;
+}
+
+}  // namespace
+
+Sight zel::LookAtProcess(int pid, ProcessEntry& entry) noexcept {
+    if (pid <= 0) return Sight::Gone;
+    char name[32];
+    std::snprintf(name, sizeof name, "/proc/%d/stat", pid);
+    Status status;
+    const Sight sight = ReadStatus(AT_FDCWD, name, status);
+    if (sight != Sight::There) return sight;
+    entry = {{pid, static_cast<std::int64_t>(status.started) + 1}, status.parent};  // birth 0 stands for unknown
+    entry.activity = ActivityOf(status.state);
+    if (status.threads <= 1) {
+        entry.hasEnded = HasEnded(status.state);
+    } else if (HasEnded(status.state) || entry.activity == ProcessEntry::IsStopped) {
+        // That was the first thread alone; the others may go on.
+        entry.activity = ActivityOfThreads(pid);
+    }
+    return Sight::There;
+}
+
+bool zel::VisitProcesses(ProcessVisit visit, void* context) noexcept {
+    const Folder folder(opendir("/proc"));
+    return folder && VisitAll(folder.get(), visit, context);
+}
+
+struct ProcessWatch::State {
+    Folder folder;
+    SpareDescriptors spares;
+    SpareDescriptors* outer = nullptr;  // of the watch that the thread had before
+};
+
+ProcessWatch::ProcessWatch() noexcept {
+    std::unique_ptr<State, DeleteObject> state(ZELNew<State>());
+    if (!state) {
+        ReportAllocFailure("ProcessWatch", sizeof *state);
+        return;
+    }
+    state->folder.reset(opendir("/proc"));
+    if (!state->folder || !state->spares.Take(dirfd(state->folder.get()))) return;
+    state->outer = std::exchange(spareDescriptors, &state->spares);
+    _state = state.release();
+}
+
+ProcessWatch::~ProcessWatch() {
+    if (_state != nullptr) spareDescriptors = _state->outer;
+    ZELDelete(_state);
+}
+
+bool ProcessWatch::Visit(ProcessVisit visit, void* context) noexcept {
+    if (_state == nullptr) return false;
+    rewinddir(_state->folder.get());
+    return VisitAll(_state->folder.get(), visit, context);
 }
 
 bool zel::GetStartTime(int pid, std::int64_t& seconds) noexcept {

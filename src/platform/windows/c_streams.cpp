@@ -57,6 +57,23 @@ std::ptrdiff_t zel::ReadArrived(std::FILE* stream, char* bytes, std::size_t size
     return _read(_fileno(stream), bytes, static_cast<unsigned>(size));
 }
 
+// No signal interrupts a call here.
+std::size_t zel::ReadStream(std::FILE* stream, char* bytes, std::size_t size) noexcept {
+    return std::fread(bytes, 1, size, stream);
+}
+
+std::size_t zel::WriteStream(std::FILE* stream, std::string_view bytes) noexcept {
+    return std::fwrite(bytes.data(), 1, bytes.size(), stream);
+}
+
+bool zel::FlushStream(std::FILE* stream) noexcept {
+    return std::fflush(stream) == 0;
+}
+
+bool zel::CloseStream(std::FILE* stream) noexcept {
+    return std::fclose(stream) == 0;
+}
+
 bool zel::WritePieces(std::FILE* stream, const std::string_view* pieces, int count) noexcept {
     for (int i = 0; i < count; ++i)
         if (std::fwrite(pieces[i].data(), 1, pieces[i].size(), stream) != pieces[i].size()) return false;

@@ -55,7 +55,9 @@ bool zel::HoldProcess(const ProcessIdentity&) noexcept {
 
 bool zel::AwaitProcessEnd(const ProcessIdentity& identity, int milliseconds) noexcept {
     const Handle process = Open(identity, 0);
-    return !process.IsOpen() || WaitForSingleObject(process.Get(), static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
+    ProcessEntry entry;
+    if (!process.IsOpen()) return FindProcess(identity, entry) == Sight::Gone;
+    return WaitForSingleObject(process.Get(), static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
 }
 
 void zel::VisitWindows(int (*visit)(HWND window, unsigned long pid), unsigned long pid) noexcept {

@@ -181,6 +181,11 @@ bool ChildProcess::GetEnd(ChildEnd& end) const noexcept {
     return true;
 }
 
+bool ChildProcess::Kill(unsigned int exitCode) const noexcept {
+    return _handle != nullptr && WaitForSingleObject(_handle, 0) != WAIT_OBJECT_0 &&
+           TerminateProcess(_handle, exitCode) != 0;
+}
+
 void ChildProcess::AwaitEnd() const noexcept {
     WaitForSingleObject(_handle, INFINITE);
 }

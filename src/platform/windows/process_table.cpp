@@ -8,11 +8,14 @@
 #include <psapi.h>
 #include <winternl.h>
 
+#include <algorithm>
 #include <ctime>
+#include <memory>
 #include <utility>
 
 #include "base/failure_report.h"
 #include "base/growing_array.h"
+#include "base/memory.h"
 #include "platform/windows/handle.h"
 
 using namespace zel;
@@ -42,42 +45,72 @@ bool ReadParent(HANDLE process, int& parent) {
     return true;
 }
 
-// Fills `numbers` with those of all processes. The list is complete when it leaves room.
+// Fills `numbers` with those of all processes. Leaves as much room again, so that the next look needs no memory.
 bool ListNumbers(GrowingArray<DWORD>& numbers) {
     constexpr std::size_t First = 1024;
-    for (std::size_t room = First; numbers.Size() == numbers.Capacity(); room *= 2) {
-        const std::size_t size = room * sizeof(DWORD);
-        DWORD used = 0;
+    for (std::size_t room = std::max(First, numbers.Capacity());; room *= 2) {
         if (!numbers.Reserve(room)) {
-            ReportAllocFailure("ProcessTable", size);
+            ReportAllocFailure("ProcessTable", room * sizeof(DWORD));
             return false;
         }
-        if (!EnumProcesses(numbers.Data(), static_cast<DWORD>(size), &used)) return false;
+        DWORD used = 0;
+        if (!EnumProcesses(numbers.Data(), static_cast<DWORD>(room * sizeof(DWORD)), &used)) return false;
         numbers.SetSize(used / sizeof(DWORD));
+        if (2 * numbers.Size() <= numbers.Capacity()) return true;
     }
-    return true;
+}
+
+bool VisitAll(GrowingArray<DWORD>& numbers, ProcessVisit visit, void* context) {
+    if (!ListNumbers(numbers)) return false;
+    bool isComplete = true;
+    for (const DWORD number : numbers) {
+        ProcessEntry entry;
+        const Sight sight = LookAtProcess(static_cast<int>(number), entry);
+        if (sight == Sight::Untold) isComplete = false;
+        if (sight == Sight::There && !entry.hasEnded) visit(entry, context);
+    }
+    return isComplete;
 }
 
 }  // namespace
 
-bool zel::ReadProcess(int pid, ProcessEntry& entry) noexcept {
+Sight zel::LookAtProcess(int pid, ProcessEntry& entry) noexcept {
+    SetLastError(ERROR_SUCCESS);
     const Handle process = OpenForLook(pid);
+    const DWORD error = GetLastError();
+    if (!process.IsOpen() && (error == ERROR_NOT_ENOUGH_MEMORY || error == ERROR_NO_SYSTEM_RESOURCES))
+        return Sight::Untold;
     FILETIME born, ended, kernel, user;
     int parent = 0;
-    if (!process.IsOpen() || !GetProcessTimes(process.Get(), &born, &ended, &kernel, &user)) return false;
-    if (!ReadParent(process.Get(), parent)) return false;
+    if (!process.IsOpen() || !GetProcessTimes(process.Get(), &born, &ended, &kernel, &user)) return Sight::Gone;
+    if (!ReadParent(process.Get(), parent)) return Sight::Gone;
     entry = {{pid, Ticks(born)}, parent, WaitForSingleObject(process.Get(), 0) == WAIT_OBJECT_0};
-    return true;
+    return Sight::There;
 }
 
-bool zel::VisitProcesses(void (*visit)(const ProcessEntry& entry, void* context), void* context) noexcept {
+bool zel::VisitProcesses(ProcessVisit visit, void* context) noexcept {
     GrowingArray<DWORD> numbers;
-    if (!ListNumbers(numbers)) return false;
-    for (const DWORD number : numbers) {
-        ProcessEntry entry;
-        if (ReadProcess(static_cast<int>(number), entry) && !entry.hasEnded) visit(entry, context);
-    }
-    return true;
+    return VisitAll(numbers, visit, context);
+}
+
+struct ProcessWatch::State {
+    GrowingArray<DWORD> numbers;
+};
+
+ProcessWatch::ProcessWatch() noexcept {
+    std::unique_ptr<State, DeleteObject> state(ZELNew<State>());
+    if (!state)
+        ReportAllocFailure("ProcessWatch", sizeof *state);
+    else if (ListNumbers(state->numbers))
+        _state = state.release();
+}
+
+ProcessWatch::~ProcessWatch() {
+    ZELDelete(_state);
+}
+
+bool ProcessWatch::Visit(ProcessVisit visit, void* context) noexcept {
+    return _state != nullptr && VisitAll(_state->numbers, visit, context);
 }
 
 bool zel::GetStartTime(int pid, std::int64_t& seconds) noexcept {
