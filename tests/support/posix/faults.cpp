@@ -93,7 +93,7 @@ SIZED(ssize_t, copy_file_range, (int from, off64_t* fromAt, int to, off64_t* toA
 CALL(off_t, lseek, (int file, off_t offset, int whence), (file, offset, whence), -1, REFUSED(ESPIPE))
 CALL(int, ftruncate, (int file, off_t size), (file, size), -1, TRANSIENT(EINTR), REFUSED(EIO))
 STATUS(int, posix_fallocate, (int file, off_t offset, off_t size), (file, offset, size), REFUSED(ENOSPC),
-       REFUSED(EINTR), REFUSED(EOPNOTSUPP))
+       TRANSIENT(EINTR), REFUSED(EOPNOTSUPP))
 CALL(int, fstat, (int file, struct stat* status), (file, status), -1, REFUSED(EIO))
 CALL(int, stat, (const char* path, struct stat* status), (path, status), -1, REFUSED(EACCES), REFUSED(EIO))
 CALL(int, fstatat, (int folder, const char* path, struct stat* status, int flags), (folder, path, status, flags), -1,
