@@ -5,6 +5,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <ifaddrs.h>
 #include <netdb.h>
 #include <poll.h>
 #include <pthread.h>
@@ -24,6 +25,19 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+
+// Calls that cannot fail here, that only print, or whose failure has no effect; memory fails by its own hook.
+// exempt: _GLOBAL_OFFSET_TABLE_ __cpu_model __dso_handle __errno_location __tls_get_addr environ stderr stdin stdout
+// exempt: malloc calloc realloc free posix_memalign madvise munmap memchr memcmp memcpy memmove memset
+// exempt: strchr strcmp strcpy strerror strerror_r strlen strncmp strncpy strrchr strtol strtoll strtoul wcslen
+// exempt: snprintf sprintf vsnprintf __isoc99_sscanf ctime_r gai_strerror printf puts fgets
+// exempt: __fbufsize __flbf __fpending __fpurge __fwritable __overflow __uflow clearerr clearerr_unlocked feof ferror
+// exempt: fileno flockfile funlockfile fwide rewinddir setvbuf closedir dirfd freeaddrinfo freeifaddrs
+// exempt: clock clock_gettime time sched_yield getenv unsetenv getpid gettid geteuid gethostname uname sysconf abort
+// exempt: backtrace dladdr dlclose sigfillset pthread_sigmask pthread_self pthread_setname_np
+// exempt: pthread_attr_destroy pthread_attr_init pthread_attr_setdetachstate pthread_mutex_consistent
+// exempt: pthread_mutex_lock pthread_mutex_unlock pthread_mutexattr_destroy pthread_mutexattr_init
+// exempt: pthread_mutexattr_setpshared pthread_mutexattr_setrobust
 
 namespace {
 
@@ -76,6 +90,9 @@ void MarkStream(std::FILE* stream) {
         return value;                                            \
     }
 
+// The row of a wrapper that is written out.
+#define OTHER(result, name)
+
 // Files
 CALL(int, open, (const char* path, int flags, mode_t mode), (path, flags, mode), -1, TRANSIENT(EINTR), REFUSED(EMFILE),
      REFUSED(EACCES), REFUSED(ENOSPC))
@@ -125,6 +142,8 @@ CALL(void*, mmap, (void* at, size_t size, int protection, int flags, int file, o
 CALL(int, shm_open, (const char* name, int flags, mode_t mode), (name, flags, mode), -1, REFUSED(EMFILE),
      REFUSED(EACCES))
 
+CALL(int, shm_unlink, (const char* name), (name), -1, REFUSED(EACCES))
+
 // Streams
 CALL(std::FILE*, fopen, (const char* path, const char* mode), (path, mode), nullptr, TRANSIENT(EINTR), REFUSED(EMFILE),
      REFUSED(EACCES), REFUSED(ENOMEM))
@@ -145,7 +164,17 @@ STREAM(int, fputs, (const char* text, std::FILE* stream), (text, stream), EOF, R
 STREAM(int, vfprintf, (std::FILE * stream, const char* format, va_list values), (stream, format, values), -1,
        REFUSED(ENOSPC))
 
+CALL(int, fflush_unlocked, (std::FILE * stream), (stream), EOF, REFUSED(ENOSPC), REFUSED(EIO))
+STREAM(size_t, fread_unlocked, (void* bytes, size_t size, size_t count, std::FILE* stream),
+       (bytes, size, count, stream), 0, REFUSED(EIO))
+STREAM(size_t, fwrite_unlocked, (const void* bytes, size_t size, size_t count, std::FILE* stream),
+       (bytes, size, count, stream), __real_fwrite_unlocked(bytes, size, count / 2, stream), REFUSED(ENOSPC),
+       REFUSED(EIO))
+
 // Processes and threads
+CALL(int, waitid, (idtype_t kind, id_t process, siginfo_t* about, int options), (kind, process, about, options), -1,
+     TRANSIENT(EINTR))
+CALL(int, system, (const char* command), (command), -1, REFUSED(EAGAIN))
 CALL(pid_t, waitpid, (pid_t process, int* status, int options), (process, status, options), -1, TRANSIENT(EINTR))
 CALL(int, kill, (pid_t process, int signal), (process, signal), -1, REFUSED(EPERM))
 CALL(int, nanosleep, (const timespec* time, timespec* left), (time, left), -1, TRANSIENT(EINTR))
@@ -159,8 +188,7 @@ static FaultyCall pidfdCall("pidfd_open", {REFUSED(ENOSYS), REFUSED(EMFILE)});
 static FaultyCall sendSignalCall("pidfd_send_signal", {REFUSED(EPERM)});
 static FaultyCall execveCall("execve", {REFUSED(EACCES), REFUSED(ENOMEM)});
 static FaultyCall dup2Call("dup2", {REFUSED(EMFILE)});
-#define SYSTEM(result, name) static_assert(true)
-SYSTEM(long, syscall);
+OTHER(long, syscall)
 extern "C" long __wrap_syscall(long number, long a, long b, long c, long d, long e, long f) {
     const auto real = [&](bool) { return __real_syscall(number, a, b, c, d, e, f); };
     switch (number) {
@@ -177,12 +205,15 @@ extern "C" long __wrap_syscall(long number, long a, long b, long c, long d, long
     }
 }
 CALL(int, setenv, (const char* name, const char* value, int overwrite), (name, value, overwrite), -1, REFUSED(ENOMEM))
+STATUS(int, pthread_mutex_init, (pthread_mutex_t * mutex, const pthread_mutexattr_t* kind), (mutex, kind),
+       REFUSED(ENOMEM))
 CALL(void*, dlopen, (const char* name, int flags), (name, flags), nullptr, REFUSED(ENOMEM))
 CALL(struct tm*, localtime_r, (const time_t* time, struct tm* parts), (time, parts), nullptr, REFUSED(EOVERFLOW))
 
 // Sockets
 CALL(int, socket, (int family, int type, int protocol), (family, type, protocol), -1, REFUSED(EMFILE),
      REFUSED(EAFNOSUPPORT))
+CALL(int, getifaddrs, (ifaddrs * *found), (found), -1, REFUSED(ENOMEM))
 CALL(int, bind, (int file, const sockaddr* address, socklen_t size), (file, address, size), -1, REFUSED(EADDRINUSE))
 CALL(int, listen, (int file, int waiting), (file, waiting), -1, REFUSED(EADDRINUSE))
 CALL(int, accept4, (int file, sockaddr* address, socklen_t* size, int flags), (file, address, size, flags), -1,
@@ -200,7 +231,7 @@ SIZED(ssize_t, send, (int file, const void* bytes, size_t size, int flags), (fil
       TRANSIENT(EINTR), TRANSIENT(EAGAIN), REFUSED(EPIPE))
 extern "C" ssize_t __real_sendmsg(int file, const msghdr* message, int flags);
 static FaultyCall sendmsgCall("sendmsg", {TRANSIENT(EINTR), TRANSIENT(EAGAIN), REFUSED(EPIPE), PARTIAL});
-SYSTEM(ssize_t, sendmsg);
+OTHER(ssize_t, sendmsg)
 extern "C" ssize_t __wrap_sendmsg(int file, const msghdr* message, int flags) {
     return PassOn<ssize_t>(sendmsgCall, SetErrno, -1, [&](bool isPartial) {
         if (!isPartial) return __real_sendmsg(file, message, flags);

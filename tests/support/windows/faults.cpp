@@ -43,6 +43,21 @@ struct Imported<Result (*)(Parameters...)> {
 
 }  // namespace
 
+// Calls that cannot fail here, that only print, or whose failure has no effect; memory fails by its own hook. The
+// failure of DuplicateHandle ends the program in the compiler's library for threads.
+// exempt: ___chkstk_ms __cpu_model __emutls_get_address __acrt_iob_func _errno abort atexit malloc calloc realloc free
+// exempt: memchr memcmp memcpy memmove memset strchr strcmp strcpy strlen strncmp wcslen _wcsnicmp _ultow
+// exempt: __mingw_vsnprintf _ctime64 _localtime64 _mktime64 _time64 clock nanosleep sched_yield getenv
+// exempt: _filbuf _fileno _lock_file _unlock_file _lseeki64 clearerr feof ferror setvbuf
+// exempt: pthread_mutex_destroy pthread_mutex_init pthread_mutex_lock pthread_mutex_unlock pthread_self DuplicateHandle
+// exempt: AcquireSRWLockExclusive ReleaseSRWLockExclusive WaitOnAddress WakeByAddressAll WakeByAddressSingle
+// exempt: CloseHandle FindClose FreeSid FreeEnvironmentStringsW FileTimeToLocalFileTime FileTimeToSystemTime
+// exempt: FormatMessageA GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetFileType
+// exempt: GetLastError SetLastError GetModuleHandleA GetModuleHandleW GetModuleHandleExA GetProcAddress GetStdHandle
+// exempt: GetStartupInfoW GetSystemInfo GetTimeZoneInformation GetVersionExW GetWindowThreadProcessId EnumWindows
+// exempt: RtlCaptureStackBackTrace SymFromAddr SymInitialize strerror WSACleanup WSAGetLastError __WSAFDIsSet
+// exempt: closesocket freeaddrinfo htonl htons ntohs
+
 // IMPORT(result of a failure, name, where the error goes, faults...)
 #define IMPORT(failed, name, setError, ...)               \
     extern "C" decltype(&name) const __real___imp_##name; \
@@ -62,6 +77,16 @@ struct Imported<Result (*)(Parameters...)> {
         SetErrno(fault->code);                                 \
         return value;                                          \
     }
+
+// The same for a function that is no import and has no stream.
+#define PLAIN(result, name, parameters, arguments, failed, ...)                                             \
+    extern "C" result __real_##name parameters;                                                             \
+    static FaultyCall name##Call(#name, {__VA_ARGS__});                                                     \
+    extern "C" result __wrap_##name parameters {                                                            \
+        return PassOn<result>(name##Call, SetError, failed, [&](bool) { return __real_##name arguments; }); \
+    }
+// The row of a wrapper that is written out.
+#define OTHER(result, name)
 
 // Files
 IMPORT(-1, CreateFileA, SetError, REFUSED(ERROR_ACCESS_DENIED), REFUSED(ERROR_TOO_MANY_OPEN_FILES),
@@ -99,7 +124,31 @@ CALL(size_t, fwrite, (const void* bytes, size_t size, size_t count, std::FILE* s
 CALL(int, __mingw_vfprintf, (std::FILE * stream, const char* format, va_list values), (stream, format, values), -1,
      REFUSED(ENOSPC))
 
-// Processes and threads. Without DuplicateHandle, whose failure ends the program in the compiler's thread library.
+extern "C" int (*const __real___imp__open)(const char* path, int flags, ...);
+static FaultyCall openCall("_open", {REFUSED(EMFILE), REFUSED(EACCES), REFUSED(ENOSPC)});
+static int Open(const char* path, int flags, int mode) {
+    return PassOn<int>(openCall, SetErrno, -1, [&](bool) { return __real___imp__open(path, flags, mode); });
+}
+OTHER(int, __imp__open)
+extern "C" auto* const __wrap___imp__open = Open;
+
+// Processes and threads
+IMPORT(0, AdjustTokenPrivileges, SetError, REFUSED(ERROR_ACCESS_DENIED))
+IMPORT(0, AllocateAndInitializeSid, SetError, REFUSED(ERROR_NOT_ENOUGH_MEMORY))
+IMPORT(0, CheckTokenMembership, SetError, REFUSED(ERROR_ACCESS_DENIED))
+IMPORT(0, GetModuleFileNameA, SetError, REFUSED(ERROR_NOT_ENOUGH_MEMORY))
+IMPORT(0, GetProcessId, SetError, REFUSED(ERROR_ACCESS_DENIED))
+IMPORT(0, LookupPrivilegeValueW, SetError, REFUSED(ERROR_NO_SUCH_PRIVILEGE))
+IMPORT(0, QueryDosDeviceA, SetError, REFUSED(ERROR_NOT_ENOUGH_MEMORY))
+IMPORT(0, ReleaseMutex, SetError, REFUSED(ERROR_NOT_OWNER))
+IMPORT(0, SendMessageTimeoutW, SetError, REFUSED(ERROR_TIMEOUT))
+IMPORT(0, SetHandleInformation, SetError, REFUSED(ERROR_INVALID_PARAMETER))
+IMPORT(-1, WaitForSingleObject, SetError, REFUSED(ERROR_ACCESS_DENIED))
+PLAIN(BOOL, K32EnumProcesses, (DWORD * numbers, DWORD size, DWORD* used), (numbers, size, used), FALSE,
+      REFUSED(ERROR_NOT_ENOUGH_MEMORY))
+PLAIN(DWORD, K32GetProcessImageFileNameA, (HANDLE process, LPSTR name, DWORD size), (process, name, size), 0,
+      REFUSED(ERROR_ACCESS_DENIED))
+PLAIN(int, system, (const char* command), (command), -1, REFUSED(ENOMEM))
 IMPORT(0, CreateProcessW, SetError, REFUSED(ERROR_NOT_ENOUGH_MEMORY), REFUSED(ERROR_ACCESS_DENIED))
 IMPORT(0, GetEnvironmentStringsW, SetError, REFUSED(ERROR_NOT_ENOUGH_MEMORY))
 IMPORT(0, GetExitCodeProcess, SetError, REFUSED(ERROR_ACCESS_DENIED))
@@ -115,6 +164,8 @@ IMPORT(0, MultiByteToWideChar, SetError, REFUSED(ERROR_NO_UNICODE_TRANSLATION))
 
 // Sockets
 IMPORT(-1, WSASocketW, SetError, REFUSED(WSAEMFILE), REFUSED(WSAEAFNOSUPPORT))
+IMPORT(WSASYSNOTREADY, WSAStartup, SetError, REFUSED(WSASYSNOTREADY))
+IMPORT(-1, gethostname, SetError, REFUSED(WSAEFAULT))
 IMPORT(-1, bind, SetError, REFUSED(WSAEADDRINUSE))
 IMPORT(-1, listen, SetError, REFUSED(WSAEADDRINUSE))
 IMPORT(-1, accept, SetError, REFUSED(WSAEMFILE))
