@@ -35,6 +35,7 @@ public:
         std::filesystem::current_path(_folder / "round");
         Whole();  // what is made once in a process
         _whole = Whole();
+        _before.descriptors = OpenDescriptors();
         EXPECT_TRUE(_whole.outcome.success) << _whole.outcome.state;
         for (FaultyCall* const call : FaultyCall::All()) _counts.push_back(call->count);
     }
@@ -91,7 +92,6 @@ private:
     bool Check(Round& round, const std::string& what) {
         SCOPED_TRACE(what + " " + std::to_string(round.number + round.allocation) +
                      (round.afterwards == zel::Afterwards::Fail ? " and on" : ""));
-        const Remains before;
         const Result result = Run(round);
         if (result.outcome.success) {
             EXPECT_EQ(result.outcome.state, _whole.outcome.state) << "silent success";
@@ -99,10 +99,10 @@ private:
         }
         for (const std::string& file : result.files) EXPECT_TRUE(_whole.files.contains(file)) << file;
         // A thread that was waited for may still be on its way out of the system.
-        for (int tries = 0; tries < 1000 && Remains() != before; ++tries) std::this_thread::yield();
+        for (int tries = 0; tries < 1000 && Remains() != _before; ++tries) std::this_thread::yield();
         const Remains after;
-        EXPECT_EQ(after.descriptors, before.descriptors);
-        EXPECT_EQ(after.threads, before.threads);
+        EXPECT_EQ(after.descriptors, _before.descriptors);
+        EXPECT_EQ(after.threads, _before.threads);
         return result.hasFailed && !testing::Test::HasFailure();
     }
 
@@ -111,6 +111,7 @@ private:
     const std::filesystem::path _home = std::filesystem::current_path();
     TemporaryFolder _folder;
     Result _whole;
+    Remains _before;
     std::vector<int> _counts;
 };
 

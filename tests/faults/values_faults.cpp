@@ -125,7 +125,9 @@ Outcome Dumps(Round& round) {
     auto* const object = new TAPObject;
     if (object != nullptr) {
         object->SetAttribute("name", Long.c_str());
-        object->SetAttribute("child", TAPAttr(new TAPObject));
+        auto* const child = new TAPObject;
+        object->SetAttribute("child", child);
+        if (child != nullptr) child->Release();
         object->SaveToFile(folder);
         object->Release();
     }
