@@ -49,7 +49,7 @@ int TAFileName::_backSlashReplacementOnUnix = 1;
 TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
     if (length == 0) return nullptr;
     constexpr std::size_t MaxLength = 0x7FFFFF00;
-    const std::size_t size = offsetof(Block, text) + (length / PathPadding + 1) * PathPadding;
+    const std::size_t size = sizeof(Block) + (length / PathPadding + 1) * PathPadding;
     auto* const block = length <= MaxLength ? static_cast<Block*>(Allocate(size)) : nullptr;
     if (block == nullptr) {
         ReportAllocFailure("TAFileName", size);
@@ -58,13 +58,13 @@ TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
     block->count = 1;
     block->length = static_cast<std::int32_t>(length);
     block->normalised = false;
-    block->text[length] = '\0';
+    block->Characters()[length] = '\0';
     return block;
 }
 
 TAFileName::Block* TAFileName::MakeBlock(const Text& text) noexcept {
     Block* const block = NewBlock(text.size());
-    if (block != nullptr) std::memcpy(block->text, text.data(), text.size());
+    if (block != nullptr) std::memcpy(block->Characters(), text.data(), text.size());
     return block;
 }
 
@@ -72,7 +72,7 @@ TAFileName::Block* TAFileName::MakeBlock(const Text& text) noexcept {
 TAFileName::Block* TAFileName::MakeBlock(const Text& first, const Text& separator, const Text& second) noexcept {
     Block* const block = NewBlock(first.size() + separator.size() + second.size());
     if (block == nullptr) return nullptr;
-    char* const middle = std::copy(first.begin(), first.end(), block->text);
+    char* const middle = std::copy(first.begin(), first.end(), block->Characters());
     std::copy(second.begin(), second.end(), std::copy(separator.begin(), separator.end(), middle));
     return block;
 }
@@ -84,7 +84,7 @@ std::size_t TAFileName::FindLast(char character, std::size_t end) const noexcept
         const std::size_t last = end - 1;
         const std::size_t begin = last / PathPadding * PathPadding;
         const unsigned inside = (2U << (last - begin)) - 1;
-        const unsigned found = ByteMask(EqualBytes(LoadBytes(_block->text + begin), wanted)) & inside;
+        const unsigned found = ByteMask(EqualBytes(LoadBytes(_block->Characters() + begin), wanted)) & inside;
         if (found != 0) return begin + static_cast<std::size_t>(std::bit_width(found)) - 1;
         end = begin;
     }
@@ -139,9 +139,9 @@ TAFileName& TAFileName::operator=(const ZELString& path) noexcept {
 
 void TAFileName::Normalize() noexcept {
     if (_block == nullptr) return;
-    const std::size_t length = NormalisePath(_block->text, static_cast<std::size_t>(_block->length));
+    const std::size_t length = NormalisePath(_block->Characters(), static_cast<std::size_t>(_block->length));
     _block->length = static_cast<std::int32_t>(length);
-    _block->text[length] = '\0';
+    _block->Characters()[length] = '\0';
     _block->normalised = true;
     if (length == 0) SetBlock(nullptr);
 }
