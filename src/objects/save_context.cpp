@@ -35,7 +35,8 @@ DumpFile& TAPObjectSaveContext::File(int kind) noexcept {
     DumpFile& file = _files[kind];
     if (!file.IsOpened()) {
         TAFileName path = _directory + (kind == Objects ? "Objects" : typeNames[kind]);
-        path.AddExtension(".txt");
+        // A path that found no memory leads nowhere; with the extension it would be a file of the working directory.
+        if (!path.IsNull()) path.AddExtension(".txt");
         file.Open(path);
         _opened[_openCount++] = kind;
     }
