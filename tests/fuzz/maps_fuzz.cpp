@@ -37,7 +37,7 @@ struct Pair {
                 model.Remove(key);
                 break;
             case 3:
-                for (int i = map.size() < 2000 ? input.Number(0, 200) : 0; i > 0; --i)
+                for (int i = map.size() < 300 ? input.Number(0, 200) : 0; i > 0; --i)
                     Insert(key + std::to_string(i), i);
                 break;
             default:

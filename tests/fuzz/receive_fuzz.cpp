@@ -104,91 +104,84 @@ private:
     std::map<int, std::string> _words;
 };
 
-bool Agrees(TASocket& socket, int result, bool isExpected) {
-    return result == (isExpected ? 0 : 1) && (result == 0 || std::strlen(socket.GetErrMsg()) > 10);
+std::string Joined(const Words& words) {
+    std::string text;
+    for (const std::string& word : words) text += std::to_string(word.size()) + ':' + word;
+    return text;
 }
 
-// Gets one item of that kind. False after a failure, which the decoder has expected.
-bool Get(TASocket& socket, Decoder& decoder, int kind, const std::string& path) {
-    int number = 7;
-    ZELString text("before");
-    ZELListValZELString list = List({"before"});
-    void* data = nullptr;
-    switch (kind) {
-        case 0: {
-            const auto expected = decoder.Integer();
-            EXPECT_TRUE(Agrees(socket, socket.Read(number, Patience), expected.has_value()));
-            EXPECT_EQ(number, expected.value_or(0));
-            return expected.has_value();
-        }
-        case 1:
-        case 2: {
-            const auto expected = kind == 1 ? decoder.String() : decoder.Text();
-            const int result = kind == 1 ? socket.Read(text, Patience) : socket.GetBlock(text, Patience);
-            EXPECT_TRUE(Agrees(socket, result, expected.has_value()));
-            EXPECT_EQ(text.View(), expected.value_or(""));
-            return expected.has_value();
-        }
-        case 3: {
-            const auto expected = decoder.List();
-            EXPECT_TRUE(Agrees(socket, socket.GetBlock(list, Patience), expected.has_value()));
-            EXPECT_EQ(Texts(list), expected.value_or(Words()));
-            return expected.has_value();
-        }
-        case 4: {
-            const auto expected = decoder.Plain(decoder.Header());
-            EXPECT_TRUE(Agrees(socket, socket.GetBinBlock(&number, &data, Patience), expected.has_value()));
-            const std::unique_ptr<void, void (*)(void*)> owned(data, std::free);
-            EXPECT_EQ(std::string(static_cast<char*>(data), static_cast<std::size_t>(number)), expected.value_or(""));
-            return expected.has_value();
-        }
-        default: {
-            auto expected = decoder.File();
-            const int result =
-                kind == 5 ? socket.GetFile(path.c_str(), Patience) : socket.GetFileASCII(path.c_str(), Patience);
-            EXPECT_TRUE(Agrees(socket, result, expected.has_value()));
-            if (!expected) return false;
-            for (std::size_t at = 0; kind == 6 && (at = expected->find("\r\n", at)) != std::string::npos; ++at)
-                expected->erase(at, 1);
-            EXPECT_EQ(ReadBytes(path), *expected);
-            return true;
-        }
+enum Kind { Integer, String, Block, List, Bytes, File, Lines, Kinds };
+using Item = std::optional<std::string>;
+
+// The next item of that kind as a text, by the decoder; nothing if there is none.
+Item Decoded(Decoder& decoder, Kind kind) {
+    if (kind == String) return decoder.String();
+    if (kind == Block) return decoder.Text();
+    if (kind == Bytes) return decoder.Plain(decoder.Header());
+    if (kind == Integer) {
+        const auto number = decoder.Integer();
+        return number ? Item(std::to_string(*number)) : Item();
     }
+    if (kind == List) {
+        const auto words = decoder.List();
+        return words ? Item(Joined(*words)) : Item();
+    }
+    Item bytes = decoder.File();
+    for (std::size_t at = 0; kind == Lines && bytes && (at = bytes->find("\r\n", at)) != std::string::npos; ++at)
+        bytes->erase(at, 1);
+    return bytes;
 }
 
-void Send(Conversation& talk, Input& input, bool isCompressed) {
-    std::vector<std::function<void(Decoder&)>> checks;
+// The same, by the connection.
+Item Received(TASocket& socket, Kind kind, const std::string& path) {
+    int number = 7, result = 1;
+    ZELString text("before");
+    ZELListValZELString list = ::List({"before"});
+    void* data = nullptr;
+    if (kind == Integer) result = socket.Read(number, Patience);
+    if (kind == String) result = socket.Read(text, Patience);
+    if (kind == Block) result = socket.GetBlock(text, Patience);
+    if (kind == List) result = socket.GetBlock(list, Patience);
+    if (kind == Bytes) result = socket.GetBinBlock(&number, &data, Patience);
+    if (kind == File) result = socket.GetFile(path.c_str(), Patience);
+    if (kind == Lines) result = socket.GetFileASCII(path.c_str(), Patience);
+    const std::unique_ptr<void, void (*)(void*)> owned(data, std::free);
+    if (result != 0) {
+        EXPECT_TRUE(result == 1 && std::strlen(socket.GetErrMsg()) > 10);
+        EXPECT_TRUE(number == (kind == Integer || kind == Bytes ? 0 : 7) && data == nullptr);
+        EXPECT_TRUE((kind != String && kind != Block) || text == "");
+        EXPECT_TRUE(kind != List || list.Size() == 0);
+        return std::nullopt;
+    }
+    if (kind == Integer) return std::to_string(number);
+    if (kind == List) return Joined(Texts(list));
+    if (kind == Bytes) return std::string(static_cast<char*>(data), static_cast<std::size_t>(number));
+    return kind == String || kind == Block ? std::string(text.View()) : ReadBytes(path);
+}
+
+void Send(Conversation& talk, Input& input, bool isCompressed, const std::string& path) {
+    std::vector<std::pair<Kind, std::string>> sent;
     while (input.remaining_bytes() > 0) {
+        const auto kind = static_cast<Kind>(input.Number(0, Lines - 1));
         const std::string text = Repeat(input.Text(60), input.Number(1, 40)), word = text.substr(0, text.find(' '));
-        switch (input.Number(0, 3)) {
-            case 0:
-                ASSERT_EQ(talk.socket.Write(static_cast<int>(text.size())), 0);
-                checks.push_back(
-                    [text](Decoder& decoder) { ASSERT_EQ(decoder.Integer(), static_cast<int>(text.size())); });
-                break;
-            case 1: {
-                std::string sent = text;
-                if (isCompressed) std::replace(sent.begin(), sent.end(), '\0', ' ');
-                ASSERT_EQ(talk.socket.PutBlock(ZELString(std::string_view(text))), 0);
-                checks.push_back([sent](Decoder& decoder) { ASSERT_EQ(decoder.Text(), sent); });
-                break;
-            }
-            case 2: {
-                ZELListValZELString list;
-                for (const char* const part : {"a", "b"}) list.Append(ZELString(std::string_view(part + word)));
-                ASSERT_EQ(talk.socket.PutBlock(list), 0);
-                checks.push_back([words = Texts(list)](Decoder& decoder) { ASSERT_EQ(decoder.List(), words); });
-                break;
-            }
-            default: {
-                std::string bytes = text;
-                ASSERT_EQ(talk.socket.PutBinBlock(static_cast<int>(bytes.size()), bytes.data()), 0);
-                checks.push_back([bytes](Decoder& decoder) { ASSERT_EQ(decoder.Plain(decoder.Header()), bytes); });
-            }
-        }
+        const ZELString string{std::string_view(text)};
+        ZELListValZELString list = ::List({"a"});
+        list.Append(ZELString(std::string_view("b" + word)));
+        sent.emplace_back(kind, kind == Integer ? std::to_string(text.size())
+                                : kind == List  ? Joined(Texts(list))
+                                                : text);
+        if (kind == Block && isCompressed)
+            std::replace(sent.back().second.begin(), sent.back().second.end(), '\0', ' ');
+        if (kind == Integer) ASSERT_EQ(talk.socket.Write(static_cast<int>(text.size())), 0);
+        if (kind == String) ASSERT_EQ(talk.socket.Write(string), 0);
+        if (kind == Block) ASSERT_EQ(talk.socket.PutBlock(string), 0);
+        if (kind == List) ASSERT_EQ(talk.socket.PutBlock(list), 0);
+        if (kind == Bytes) ASSERT_EQ(talk.socket.PutBinBlock(string.Length(), std::string(text).data()), 0);
+        if (kind == File) WriteBytes(path, text);
+        if (kind == File) ASSERT_EQ(talk.socket.PutFile(path.c_str()), 0);
     }
     Decoder decoder(talk.CloseAndReceive());
-    for (const auto& check : checks) check(decoder);
+    for (const auto& [kind, text] : sent) ASSERT_EQ(Decoded(decoder, kind), text);
 }
 
 }  // namespace
@@ -200,15 +193,23 @@ FUZZ_TARGET(input) {
         const bool isCompressed = input.Flip();
         const Variable compress("TASocketCompress", isCompressed ? "1" : "");
         Conversation talk(listener);
-        return Send(talk, input, isCompressed);
+        return Send(talk, input, isCompressed, folder / "file");
     }
-    int kinds[8];
-    for (int& kind : kinds) kind = input.Number(0, 6);
-    const std::string bytes = input.Rest();
+    Kind kinds[8];
+    for (Kind& kind : kinds) kind = static_cast<Kind>(input.Number(0, Kinds - 1));
+    const std::string bytes = input.Flip()
+                                  ? input.Rest()
+                                  : input.Spell({Header(0), Header(1), Header(5), Header(-3), Number(-1), Number(0),
+                                                 Number(1), Number(2), Text("word"), "1", "\r\n", "x y ", ::Block("5"),
+                                                 "ab cd", Header(300) + std::string(300, 'z')},
+                                                200);
     Decoder decoder(bytes);
     Conversation talk(listener);
     talk.peer.Send(bytes);
     talk.peer.Close();
-    for (const int kind : kinds)
-        if (!Get(talk.socket, decoder, kind, folder / "file")) break;
+    for (const Kind kind : kinds) {
+        const Item expected = Decoded(decoder, kind);
+        ASSERT_EQ(Received(talk.socket, kind, folder / "file"), expected);
+        if (!expected) break;
+    }
 }
