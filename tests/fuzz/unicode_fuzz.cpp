@@ -6,7 +6,9 @@
 namespace {
 
 void CheckNumber(const std::string& text, const char* format) {
-    // A number that is too large for its type is undefined in sscanf.
+    // The C library here takes "0x" without a digit for 0, and a number that is too large for its type is undefined.
+    const std::size_t x = text.find_first_of("xX");
+    if (x != std::string::npos && !std::isxdigit(text.c_str()[x + 1] & 127)) return;
     if (std::count_if(text.begin(), text.end(), [](char c) { return std::isxdigit(c & 127); }) > 7) return;
     unsigned int expected = 99;
     int found = 99;
