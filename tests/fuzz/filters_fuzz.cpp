@@ -1,5 +1,6 @@
 // Filters agree with the slow walk where it knows them; others give one result, remembered, copied or not.
 #include "TAUnicodeRegularExpression.h"
+#include "base/memory.h"
 #include "filters/filter_model.h"
 #include "fuzz/input.h"
 
@@ -46,7 +47,13 @@ FUZZ_TARGET(input) {
                                              "3", "\\}", "[a-z]*", "[^a]", "\xC3\xA9", " ", "[a-b]\\{2\\}"},
                                             isSpelled ? 40 : 0);
     const ZELUnicodeString text{std::string_view(isSpelled ? spelled : input.Text(300))};
-    const ZELUnicodeString candidate{std::string_view(input.Rest())};
+    const ZELUnicodeString candidate{std::string_view(input.Text(3000))};
+    zel::FailAllocation(input.Number(0, 12));
+    {
+        TAUnicodeRegularExpression failing(text);
+        static_cast<void>(failing.CheckFromFilter(candidate));
+    }
+    zel::FailAllocation(0);
     TAUnicodeRegularExpression plain, remembering;
     const int refused = plain.SetFilter(text, URE_NotMemoised);
     ASSERT_EQ(remembering.SetFilter(text, URE_Memoised), refused);
