@@ -46,9 +46,10 @@ public:
     TAFileName& operator=(const ZELString& path) noexcept;
 
     // The normalised text, owned by the name and valid until it changes or ends; "" for the null name.
-    operator const char*() const noexcept { return _block != nullptr ? _block->text : ""; }
+    operator const char*() const noexcept { return _block != nullptr ? _block->Characters() : ""; }
     std::string_view View() const noexcept {
-        return _block != nullptr ? std::string_view(_block->text, static_cast<std::size_t>(_block->length)) : "";
+        return _block != nullptr ? std::string_view(_block->Characters(), static_cast<std::size_t>(_block->length))
+                                 : "";
     }
     // What the system's own functions take on this target: on Linux slashes and no drive.
     ZELString GetNativeName() const noexcept;
@@ -154,7 +155,8 @@ private:
         std::int32_t count;
         std::int32_t length;
         bool normalised;  // false behind an added or replaced extension
-        char text[7];     // length + 1 bytes, and room up to what the normaliser may touch
+        // The text follows: length + 1 bytes, and room up to what the normaliser may touch.
+        char* Characters() noexcept { return reinterpret_cast<char*>(this + 1); }
     };
     struct Text;
 

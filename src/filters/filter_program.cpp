@@ -54,8 +54,10 @@ public:
         if (characters <= SmallText) return;
         const std::size_t lexemes = characters + 2;
         _block.reset(AllocateOrReport(lexemes * sizeof(FilterLexeme) + characters * sizeof(CharacterOperation)));
+        _lexemes = nullptr;
+        if (_block == nullptr) return;
         Cutter cutter(_block.get());
-        _lexemes = _block != nullptr ? cutter.Cut<FilterLexeme>(lexemes) : nullptr;
+        _lexemes = cutter.Cut<FilterLexeme>(lexemes);
         _operations = cutter.Cut<CharacterOperation>(characters);
     }
 

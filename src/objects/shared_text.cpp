@@ -22,8 +22,8 @@ namespace {
 constexpr std::size_t MaxLength = 0x7FFFFFFE;
 
 SharedText* NewBlock(std::string_view text, std::size_t room, const char* owner) noexcept {
-    const std::size_t size = offsetof(SharedText, characters) + room + 1;
-    void* const memory = room <= MaxLength ? Allocate(std::max(size, sizeof(SharedText))) : nullptr;
+    const std::size_t size = sizeof(SharedText) + room + 1;
+    void* const memory = room <= MaxLength ? Allocate(size) : nullptr;
     if (memory == nullptr) {
         ReportAllocFailure(owner, size);
         return nullptr;
@@ -32,9 +32,8 @@ SharedText* NewBlock(std::string_view text, std::size_t room, const char* owner)
     block->owners.store(1, std::memory_order_relaxed);
     block->length = static_cast<std::uint32_t>(text.size());
     block->room = static_cast<std::uint32_t>(room);
-    char* const characters = static_cast<char*>(memory) + offsetof(SharedText, characters);
-    if (!text.empty()) std::memcpy(characters, text.data(), text.size());
-    characters[text.size()] = '\0';
+    if (!text.empty()) std::memcpy(block->Characters(), text.data(), text.size());
+    block->Characters()[text.size()] = '\0';
     return block;
 }
 
@@ -51,14 +50,13 @@ bool SharedText::Append(SharedText*& text, std::string_view tail, const char* ow
         const std::size_t room = length > MaxLength ? length : std::clamp(2 * head.size(), length, MaxLength);
         SharedText* const block = NewBlock(head, room, owner);
         if (block == nullptr) return false;
-        char* const end = reinterpret_cast<char*>(block) + offsetof(SharedText, characters) + head.size();
-        std::memcpy(end, tail.data(), tail.size());
+        std::memcpy(block->Characters() + head.size(), tail.data(), tail.size());
         Drop(text);
         text = block;
     } else {
-        std::memmove(text->characters + head.size(), tail.data(), tail.size());
+        std::memmove(text->Characters() + head.size(), tail.data(), tail.size());
     }
     text->length = static_cast<std::uint32_t>(length);
-    *(reinterpret_cast<char*>(text) + offsetof(SharedText, characters) + length) = '\0';
+    text->Characters()[length] = '\0';
     return true;
 }

@@ -29,15 +29,18 @@ struct SharedText {
     static bool Append(SharedText*& text, std::string_view tail, const char* owner) noexcept;
 
     static std::string_view View(const SharedText* text) noexcept {
-        return text != nullptr ? std::string_view(text->characters, text->length) : "";
+        return text != nullptr ? std::string_view(text->Characters(), text->length) : "";
     }
+
+    // They follow the block: room + 1.
+    char* Characters() noexcept { return reinterpret_cast<char*>(this + 1); }
+    const char* Characters() const noexcept { return reinterpret_cast<const char*>(this + 1); }
 
     bool IsAlone() const noexcept { return owners.load(std::memory_order_acquire) == 1; }
 
     std::atomic<std::uint32_t> owners;
     std::uint32_t length;
     std::uint32_t room;  // for characters, without the NUL
-    char characters[4];  // room + 1 of them
 };
 
 }  // namespace zel

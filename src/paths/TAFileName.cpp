@@ -51,15 +51,18 @@ int TAFileName::_backSlashReplacementOnUnix = 1;
 
 // The block of all incomplete names, which has no text and never ends.
 TAFileName::Block* TAFileName::ShareIncomplete() noexcept {
-    static constinit Block block = {1 << 30, 0, true, ""};
-    ++block.count;
-    return &block;
+    static constinit struct {
+        Block block;
+        char characters[PathPadding];
+    } incomplete = {{1 << 30, 0, true}, ""};
+    ++incomplete.block.count;
+    return &incomplete.block;
 }
 
 // A new block for so many bytes, with their terminator and not normalised; null when memory runs out.
 TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
     constexpr std::size_t MaxLength = 0x7FFFFF00;
-    const std::size_t size = offsetof(Block, text) + (length / PathPadding + 1) * PathPadding;
+    const std::size_t size = sizeof(Block) + (length / PathPadding + 1) * PathPadding;
     auto* const block = length <= MaxLength ? static_cast<Block*>(Allocate(size)) : nullptr;
     if (block == nullptr) {
         ReportAllocFailure("TAFileName", size);
@@ -68,7 +71,7 @@ TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
     block->count = 1;
     block->length = static_cast<std::int32_t>(length);
     block->normalised = false;
-    block->text[length] = '\0';
+    block->Characters()[length] = '\0';
     return block;
 }
 
@@ -78,7 +81,7 @@ TAFileName::Block* TAFileName::MakeBlock(const Text& text) noexcept {
     if (text.empty()) return nullptr;
     Block* const block = NewBlock(text.size());
     if (block == nullptr) return ShareIncomplete();
-    std::memcpy(block->text, text.data(), text.size());
+    std::memcpy(block->Characters(), text.data(), text.size());
     return block;
 }
 
@@ -89,7 +92,7 @@ TAFileName::Block* TAFileName::MakeBlock(const Text& first, const Text& separato
     if (length == 0) return nullptr;
     Block* const block = NewBlock(length);
     if (block == nullptr) return ShareIncomplete();
-    char* const middle = std::copy(first.begin(), first.end(), block->text);
+    char* const middle = std::copy(first.begin(), first.end(), block->Characters());
     std::copy(second.begin(), second.end(), std::copy(separator.begin(), separator.end(), middle));
     return block;
 }
@@ -101,7 +104,7 @@ std::size_t TAFileName::FindLast(char character, std::size_t end) const noexcept
         const std::size_t last = end - 1;
         const std::size_t begin = last / PathPadding * PathPadding;
         const unsigned inside = (2U << (last - begin)) - 1;
-        const unsigned found = ByteMask(EqualBytes(LoadBytes(_block->text + begin), wanted)) & inside;
+        const unsigned found = ByteMask(EqualBytes(LoadBytes(_block->Characters() + begin), wanted)) & inside;
         if (found != 0) return begin + static_cast<std::size_t>(std::bit_width(found)) - 1;
         end = begin;
     }
@@ -156,9 +159,9 @@ TAFileName& TAFileName::operator=(const ZELString& path) noexcept {
 
 void TAFileName::Normalize() noexcept {
     if (IsNull()) return;
-    const std::size_t length = NormalisePath(_block->text, static_cast<std::size_t>(_block->length));
+    const std::size_t length = NormalisePath(_block->Characters(), static_cast<std::size_t>(_block->length));
     _block->length = static_cast<std::int32_t>(length);
-    _block->text[length] = '\0';
+    _block->Characters()[length] = '\0';
     _block->normalised = true;
     if (length == 0) SetBlock(nullptr);
 }

@@ -121,6 +121,8 @@ Outcome Maps(Round& round) {
 Outcome Dumps(Round& round) {
     const TAFileName folder((round / ("dump" + Long)).c_str());
     std::filesystem::create_directory(std::string(folder.GetNativeName()));
+    bool isSaved = false;
+    ZELString error;
     round.Begin();
     auto* const object = new TAPObject;
     if (object != nullptr) {
@@ -128,11 +130,14 @@ Outcome Dumps(Round& round) {
         auto* const child = new TAPObject;
         object->SetAttribute("child", child);
         if (child != nullptr) child->Release();
-        object->SaveToFile(folder);
+        isSaved = object->SaveToFile(folder, error) == 0;
         object->Release();
     }
     round.End();
-    return {object != nullptr && round.Said().empty() && round.call == nullptr, ""};
+    std::string state;
+    for (const auto& file : std::filesystem::directory_iterator(std::string(folder.GetNativeName())))
+        state += ReadBytes(file.path().string());
+    return {isSaved && round.Said().empty(), std::to_string(state.size())};
 }
 
 Outcome Xml(Round& round) {

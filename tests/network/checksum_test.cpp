@@ -1,14 +1,9 @@
 #include "network/checksum.h"
 #include "TARunLength.h"
+#include "network/codes_model.h"
 #include "support/testing.h"
 
 namespace {
-
-unsigned Feed(unsigned remainder, unsigned units, int bits) {
-    for (int bit = bits - 1; bit >= 0; --bit)
-        remainder = (remainder << 1 | (units >> bit & 1)) ^ (remainder >> 31 != 0 ? 0xC5U : 0U);
-    return remainder;
-}
 
 // What the first n bytes of the text leave, for each n.
 std::vector<unsigned> Remainders(const std::string& text) {

@@ -210,6 +210,7 @@ TEST(TAPObject, TreesEndInOrderAndDoNotNeedStack) {
 
 TEST(TAPObject, MissingMemoryChangesNothingAndLeaksNothing) {
     const TemporaryFolder folder;
+    const TAFileName directory(folder.Path().c_str());
     TAPAttr lists{ZELListValTAPAttr()};
     for (int i = 0; i < 3; ++i) lists.GetList().Append(lists.GetList());
     lists.GetList()[3].GetList().Append(TAFileName("file"));
@@ -228,7 +229,7 @@ TEST(TAPObject, MissingMemoryChangesNothingAndLeaksNothing) {
             const TAPAttr copiedLists(lists);
             TAPAttr assigned;
             assigned = copiedLists;
-            object.SaveToFile(folder.Path().c_str());
+            object.SaveToFile(directory);
             memory.End();
             const bool hasAll =
                 object.GetAttribute("text").GetString().Length() == 8 && object.HasAttribute("list") == 1;

@@ -1,25 +1,8 @@
 #include "TATextUtilities.h"
 #include "support/testing.h"
+#include "text/text_model.h"
 
 namespace {
-
-using Fields = std::vector<std::string>;
-constexpr int NoLimit = -1;
-
-// The rules step by step.
-Fields SplitByRules(const std::string& line, const std::string& separator, int n) {
-    Fields fields;
-    std::size_t start = 0;
-    for (int used = 0; n == NoLimit || used < n - 1;) {
-        const std::size_t at = separator.empty() ? std::string::npos : line.find(separator, start);
-        if (at == std::string::npos) break;
-        if (at > start) fields.push_back(line.substr(start, at - start));
-        if (!fields.empty()) ++used;
-        start = at + (n == NoLimit ? separator.size() : 1);
-    }
-    if (start < line.size()) fields.push_back(line.substr(start));
-    return fields;
-}
 
 Fields Texts(const TAIndex& index) {
     Fields fields;

@@ -1,13 +1,8 @@
 #include "TATextUtilities.h"
 #include "support/testing.h"
+#include "text/text_model.h"
 
 namespace {
-
-struct Outcome {
-    int result;
-    std::string text;
-    bool operator==(const Outcome&) const = default;
-};
 
 Outcome Replace(const std::string& text, const char* word, const char* open, const char* close, const char* by) {
     char* block = static_cast<char*>(std::malloc(text.size() + 1));
@@ -16,35 +11,6 @@ Outcome Replace(const std::string& text, const char* word, const char* open, con
     Outcome outcome{result, block};
     std::free(block);
     return outcome;
-}
-
-bool IsPart(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '$';
-}
-
-// The rules step by step; nothing when they would go on for ever.
-std::optional<Outcome> ReplaceByRules(std::string text, const std::string& word, const std::string& open,
-                                      const std::string& close, const std::string& by) {
-    int result = 0;
-    std::size_t from = 0;
-    for (std::size_t at; (at = text.find(word, from)) != std::string::npos;) {
-        from = at + 1;
-        if (at > 0 && IsPart(text[at - 1])) continue;
-        std::size_t end = at + word.size();
-        bool fits = true;
-        for (const std::string& follower : {open, close}) {
-            if (!fits || follower.empty()) continue;
-            const std::size_t found = text.find(follower, end);
-            if (found == std::string::npos) return Outcome{0, text};
-            fits = text.substr(end, found - end).find_first_not_of(" \t\n\v\f\r") == std::string::npos;
-            end = found + follower.size();
-        }
-        if (!fits || (at + word.size() < text.size() && IsPart(text[at + word.size()]))) continue;
-        text.replace(at, end - at, by);
-        from = at;
-        if (++result > 100) return std::nullopt;
-    }
-    return Outcome{result > 0 ? 1 : 0, text};
 }
 
 }  // namespace

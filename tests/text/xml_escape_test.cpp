@@ -1,10 +1,8 @@
 #include "TATextUtilities.h"
 #include "support/testing.h"
+#include "text/text_model.h"
 
 namespace {
-
-const std::pair<std::string, std::string> entities[] = {
-    {"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\"", "&quot;"}, {"'", "&apos;"}};
 
 // What one of the two functions makes of a block that is exactly as large as the text.
 std::pair<int, std::string> OnHeap(int (*function)(char*&), const std::string& text) {
@@ -14,19 +12,6 @@ std::pair<int, std::string> OnHeap(int (*function)(char*&), const std::string& t
     const std::string changed = block;
     std::free(block);
     return {result, changed};
-}
-
-std::string DecodedByPasses(std::string text) {
-    for (const auto& [character, entity] : entities)
-        for (std::size_t at; (at = text.find(entity)) != std::string::npos;) text.replace(at, entity.size(), character);
-    return text;
-}
-
-std::string EncodedByPasses(std::string text) {
-    for (const auto& [character, entity] : entities)
-        for (std::size_t at = 0; (at = text.find(character, at)) != std::string::npos; at += entity.size())
-            text.replace(at, 1, entity);
-    return text;
 }
 
 }  // namespace
