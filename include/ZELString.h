@@ -44,7 +44,7 @@ public:
     // The longest text that is kept inside the object.
     static constexpr std::size_t InlineCapacity = 31;
 
-    constexpr ZELString() noexcept : _short{}, _length(0), _room(0), _isIncomplete(0) {}
+    constexpr ZELString() noexcept : _short{}, _length(0), _room(0) {}
     ZELString(const char* text) noexcept : ZELString(std::string_view(text ? text : "")) {}
     ZELString(char* text) noexcept : ZELString(static_cast<const char*>(text)) {}
     ZELString(std::nullptr_t) noexcept : ZELString() {}
@@ -106,11 +106,11 @@ public:
     // Whether something may be missing, because memory ran out when the text was made or changed, or when a string was
     // that it was made from. Copies, joined strings and parts take it over; assigning a whole text ends it. Whoever is
     // handed a text to store, to send or to open checks it, as all of this library does.
-    bool IsIncomplete() const noexcept { return _isIncomplete != 0; }
+    bool IsIncomplete() const noexcept { return (_room & IncompleteBit) != 0; }
     // An empty text that is incomplete: what a function returns that had no memory for its result.
     static ZELString Incomplete() noexcept {
         ZELString text;
-        text._isIncomplete = 1;
+        text._room = IncompleteBit;
         return text;
     }
 
@@ -123,7 +123,7 @@ public:
 
     // Appending in place; a string may be appended to itself, and `text` may point into this string.
     ZELString& operator+=(const ZELString& text) noexcept {
-        _isIncomplete |= text._isIncomplete;
+        if (text.IsIncomplete()) _room |= IncompleteBit;
         return Append(text.View());
     }
     ZELString& operator+=(const char* text) noexcept { return Append(std::string_view(text ? text : "")); }
@@ -141,17 +141,15 @@ public:
         return *this;
     }
 
-    ZELString operator+(const ZELString& text) const noexcept {
-        return Join(View(), text.View(), _isIncomplete | text._isIncomplete);
-    }
-    ZELString operator+(const char* text) const noexcept { return Join(View(), text ? text : "", _isIncomplete); }
+    ZELString operator+(const ZELString& text) const noexcept { return Join(View(), text.View(), _room | text._room); }
+    ZELString operator+(const char* text) const noexcept { return Join(View(), text ? text : "", _room); }
     // A char and nothing that merely converts to it: `text + 1` stays pointer arithmetic on the C text.
     template <std::same_as<char> Character>
     ZELString operator+(Character character) const noexcept {
-        return Join(View(), std::string_view(&character, 1), _isIncomplete);
+        return Join(View(), std::string_view(&character, 1), _room);
     }
     friend ZELString operator+(const char* left, const ZELString& right) noexcept {
-        return Join(left ? left : "", right.View(), right._isIncomplete);
+        return Join(left ? left : "", right.View(), right._room);
     }
 
     // The position of the first occurrence of `what` that begins at or after `from`, or -1; -1 too when `what` is
@@ -183,10 +181,13 @@ public:
     friend std::ostream& operator<<(std::ostream& stream, const ZELString& text) { return stream << text.View(); }
 
 private:
-    const char* Text() const noexcept { return _room != 0 ? _long : _short; }
-    char* Text() noexcept { return _room != 0 ? _long : _short; }
-    std::size_t Room() const noexcept { return _room != 0 ? _room : InlineCapacity; }
-    void SetRoom(std::size_t room) noexcept { _room = static_cast<std::uint32_t>(room) & 0x7FFFFFFF; }
+    static constexpr std::uint32_t IncompleteBit = 0x80000000;
+
+    bool IsLong() const noexcept { return (_room & ~IncompleteBit) != 0; }
+    const char* Text() const noexcept { return IsLong() ? _long : _short; }
+    char* Text() noexcept { return IsLong() ? _long : _short; }
+    std::size_t Room() const noexcept { return IsLong() ? _room & ~IncompleteBit : InlineCapacity; }
+    void SetRoom(std::size_t room) noexcept { _room = (_room & IncompleteBit) | static_cast<std::uint32_t>(room); }
     void SetLength(std::size_t length) noexcept {
         _length = static_cast<std::uint32_t>(length);
         Text()[length] = '\0';
@@ -197,26 +198,25 @@ private:
         std::memcpy(_short, other._short, sizeof _short);
         _length = other._length;
         _room = other._room;
-        _isIncomplete = other._isIncomplete;
     }
     void Forget() noexcept {
         _short[0] = '\0';
         _length = 0;
         _room = 0;
-        _isIncomplete = 0;
     }
     void Assign(std::string_view text) noexcept { AssignBytes(text.data(), text.size()); }
     void AssignLong(const ZELString& other) noexcept {
         Assign(other.View());
-        _isIncomplete |= other._isIncomplete;
+        _room |= other._room & IncompleteBit;
     }
     void AssignBytes(const char* text, std::size_t length) noexcept;
     void AppendGrowing(const char* text, std::size_t length) noexcept;
     bool Grow(std::size_t length) noexcept;
     void FreeText() noexcept;
-    static ZELString Join(std::string_view left, std::string_view right, std::uint32_t isIncomplete) noexcept {
+    // `rooms`: those of the strings that take part, which tell whether one is incomplete.
+    static ZELString Join(std::string_view left, std::string_view right, std::uint32_t rooms) noexcept {
         ZELString joined = JoinBytes(left.data(), left.size(), right.data(), right.size());
-        joined._isIncomplete |= isIncomplete & 1;
+        if ((rooms & IncompleteBit) != 0) joined._room |= IncompleteBit;
         return joined;
     }
     static ZELString JoinBytes(const char* left, std::size_t leftLength, const char* right,
@@ -227,8 +227,8 @@ private:
         char* _long;  // a heap block of _room + 1 bytes
     };
     std::uint32_t _length;
-    std::uint32_t _room : 31;  // characters that _long has room for; 0 while the text is inside the object
-    std::uint32_t _isIncomplete : 1;
+    // Characters that _long has room for, 0 while the text is inside the object; and the bit IncompleteBit.
+    std::uint32_t _room;
 };
 
 #endif

@@ -2,7 +2,8 @@
 // which (0: in the object). A block, once had, is kept until the string ends or takes over another: a string that is
 // filled again and again settles.
 //
-// Invariants: Text()[_length] is NUL; _room is 0 or more than 31; _length <= _room when _room is not 0.
+// Invariants: Text()[_length] is NUL; without the bit for incomplete texts, _room is 0 or more than 31, and not less
+// than _length when it is not 0.
 // The dangerous case is an argument that lies inside the string that is being changed: nothing of the old text may be
 // freed or overwritten before the argument has been copied.
 
@@ -32,8 +33,9 @@ char* AllocateText(std::size_t length) noexcept {
 
 }  // namespace
 
+// Not only of long texts: the destructor calls it for short ones too that are incomplete.
 void ZELString::FreeText() noexcept {
-    Free(_long);
+    if (IsLong()) Free(_long);
 }
 
 // Replaces the text by `text`, which may be a part of the old one.
@@ -41,16 +43,18 @@ void ZELString::AssignBytes(const char* text, std::size_t length) noexcept {
     if (length <= Room()) {
         std::memmove(Text(), text, length);
         SetLength(length);
-        _isIncomplete = 0;
+        _room &= ~IncompleteBit;
         return;
     }
     char* const block = AllocateText(length);
-    _isIncomplete = block == nullptr ? 1 : 0;
-    if (block == nullptr) return;
+    if (block == nullptr) {
+        _room |= IncompleteBit;
+        return;
+    }
     std::memcpy(block, text, length);
-    if (_room != 0) FreeText();
+    FreeText();
     _long = block;
-    SetRoom(length);
+    _room = static_cast<std::uint32_t>(length);
     SetLength(length);
 }
 
@@ -60,7 +64,7 @@ bool ZELString::Grow(std::size_t length) noexcept {
     const std::size_t room = length > MaxLength ? length : std::min(std::max(length, 2 * Room()), MaxLength);
     // realloc moves large blocks by their pages; small ones are cheaper to copy by hand.
     constexpr std::uint32_t ReallocatedFrom = 1024;
-    if (_room >= ReallocatedFrom && room <= MaxLength) {
+    if (Room() >= ReallocatedFrom && room <= MaxLength) {
         if (char* const moved = static_cast<char*>(Reallocate(_long, room + 1))) {
             _long = moved;
             SetRoom(room);
@@ -70,7 +74,7 @@ bool ZELString::Grow(std::size_t length) noexcept {
     char* const block = AllocateText(room);
     if (block == nullptr) return false;
     std::memcpy(block, Text(), std::size_t{_length} + 1);
-    if (_room != 0) FreeText();
+    FreeText();
     _long = block;
     SetRoom(room);
     return true;
@@ -83,7 +87,7 @@ void ZELString::AppendGrowing(const char* text, std::size_t length) noexcept {
     const bool inside = !before(text, old) && !before(old + _length, text);
     const std::size_t offset = inside ? static_cast<std::size_t>(text - old) : 0;
     if (!Grow(_length + length)) {
-        _isIncomplete = 1;
+        _room |= IncompleteBit;
         return;
     }
     std::memcpy(Text() + _length, inside ? Text() + offset : text, length);
@@ -99,7 +103,7 @@ ZELString ZELString::JoinBytes(const char* left, std::size_t leftLength, const c
     ZELString joined;
     const std::size_t length = leftLength + rightLength;
     if (length > InlineCapacity && !joined.Grow(length)) {
-        joined._isIncomplete = 1;
+        joined._room |= IncompleteBit;
         return joined;
     }
     char* const text = joined.Text();
@@ -118,7 +122,7 @@ int ZELString::FindPosition(const ZELString& what, int from) const noexcept {
 ZELString ZELString::SubString(std::size_t start, std::size_t count) const noexcept {
     ZELString part;
     if (start < _length) part.Assign(View().substr(start, count));
-    part._isIncomplete |= _isIncomplete;
+    part._room |= _room & IncompleteBit;
     return part;
 }
 
@@ -126,7 +130,7 @@ int ZELString::ReplaceSubString(const ZELString& what, const ZELString& by) noex
     constexpr std::size_t npos = std::string_view::npos;
     const std::string_view text = View();
     const std::string_view old = what.View();
-    _isIncomplete |= what._isIncomplete;
+    _room |= what._room & IncompleteBit;
     std::size_t occurrences = 0;
     for (std::size_t at = FindText(text, old, 0); at != npos; at = FindText(text, old, at + old.size())) ++occurrences;
     if (occurrences == 0) return 0;
@@ -135,7 +139,7 @@ int ZELString::ReplaceSubString(const ZELString& what, const ZELString& by) noex
     const std::size_t length = text.size() - occurrences * old.size() + occurrences * by._length;
     ZELString result;
     if (by.IsIncomplete() || (length > InlineCapacity && !result.Grow(length))) {
-        _isIncomplete = 1;
+        _room |= IncompleteBit;
         return 0;
     }
     std::size_t done = 0;
@@ -144,7 +148,7 @@ int ZELString::ReplaceSubString(const ZELString& what, const ZELString& by) noex
         done = at + old.size();
     }
     result.Append(text.substr(done));
-    result._isIncomplete = _isIncomplete;
+    result._room |= _room & IncompleteBit;
     *this = std::move(result);
     return static_cast<int>(occurrences);
 }
