@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "support/files.h"
+
 namespace {
 
 // One line; a figure below 0 is not known here. `growth`: how much is flat.
@@ -34,7 +36,9 @@ bool Soak::PrintReport(const Resources& before, const Resources& after) const {
     const auto left = static_cast<long>(MarkedProcesses(mark).size());
     std::printf("%-24s %10s %10s\n", "", "warm", "end");
     bool isRight = true;
-    isRight &= PrintLine("descriptors", before.descriptors, after.descriptors, 0);
+    const long kept =
+        onWindows ? 4 : 0;  // the runtime under Wine takes a handle now and then; a leak takes one each round
+    isRight &= PrintLine("descriptors", before.descriptors, after.descriptors, kept);
     isRight &= PrintLine("threads", before.threads, after.threads, 0);
     isRight &= PrintLine("heap, KiB", before.heap, after.heap, 64);
     isRight &= PrintLine("resident, KiB", before.resident, after.resident, 4096);
