@@ -89,7 +89,8 @@ inline int CopyFile(TAFileName source, TAFileName destination) noexcept {
 ZEL_API int FileExists(ZELString path) noexcept;
 
 // When the file or directory was changed last, in local time, as the 24 characters of the C runtime: "Tue Mar  5
-// 07:08:09 2024" (see GetDate in TAEnvironment.h). Empty when the path is empty or nothing is there.
+// 07:08:09 2024" (see GetDate in TAEnvironment.h). A year before 1000 has fewer digits: "Tue Jan  1 00:00:00 999".
+// Empty when the path is empty, nothing is there, or the runtime has no text: beyond 9999, on Windows before 1970.
 ZEL_API ZELString GetModifTime(ZELString path) noexcept;
 
 // The bytes of all files that ReadDirectory finds for the pattern; 2147483647 when there are more.

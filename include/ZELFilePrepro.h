@@ -39,7 +39,8 @@ public:
 
     // Reads nothing yet.
     explicit ZELFilePrepro(ZELString fileName) noexcept;
-    // For `length` bytes that are in memory already, as in a ZELFileBuffer: copies them, up to the first NUL.
+    // For `length` bytes that are in memory already, as in a ZELFileBuffer: copies them, up to the first NUL. Null is
+    // the empty text.
     ZELFilePrepro(const char* text, std::size_t length) noexcept;
     ZELFilePrepro(const ZELFilePrepro&) = delete;
     ZELFilePrepro& operator=(const ZELFilePrepro&) = delete;

@@ -20,9 +20,9 @@ constexpr int ClockTextLength = 24;
 // Converts seconds since 1970-01-01 00:00 UTC to the process's time zone; false when the system cannot.
 bool ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept;
 
-// Writes the C runtime's ctime text of the same, 24 characters without its end-of-line, with a terminator: the day of
-// the month is padded with a blank on Linux and with a zero on Windows. False, and an empty text, when the system
-// cannot convert the time or its text has another length, as beyond the year 9999.
+// Writes the C runtime's ctime text of the same without its end-of-line, with a terminator: 24 characters, fewer before
+// the year 1000. The day of the month is padded with a blank on Linux and with a zero on Windows. False, and an empty
+// text, when the system cannot convert the time (Windows: before 1970) or the text is longer, as beyond the year 9999.
 bool ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept;
 
 }  // namespace zel

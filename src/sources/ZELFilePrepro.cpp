@@ -27,9 +27,10 @@ char* MakeBlock(std::size_t length) noexcept {
 ZELFilePrepro::ZELFilePrepro(ZELString fileName) noexcept : _fileName(std::move(fileName)) {}
 
 ZELFilePrepro::ZELFilePrepro(const char* text, std::size_t length) noexcept {
-    const void* const end = text != nullptr ? std::memchr(text, '\0', length) : nullptr;
+    if (text == nullptr) text = "", length = 0;
+    const void* const end = std::memchr(text, '\0', length);
     if (end != nullptr) length = static_cast<std::size_t>(static_cast<const char*>(end) - text);
-    if (text != nullptr) Keep(text, length);
+    Keep(text, length);
 }
 
 ZELFilePrepro::~ZELFilePrepro() {

@@ -89,7 +89,7 @@ void BehaveLikeASortedMap(Index& index, MakeKey makeKey) {
     for (const int outside : {-1, index.Size(), INT_MIN, INT_MAX}) EXPECT_EQ(index.RemovePosition(outside), 1);
     const Index copy(index);
     const auto copied = model;
-    while (!model.empty()) {
+    while (!model.empty() && !testing::Test::HasFatalFailure()) {
         removeOne();
         if (model.size() % 400 == 0 || model.size() < 20) ExpectSame(index, model);
     }

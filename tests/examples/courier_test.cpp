@@ -203,7 +203,7 @@ TEST(Courier, FollowsNoLinks) {
 }
 
 TEST(Courier, OutlivesPeersThatBreakTheRules) {
-    const Server server("--timeout 1");
+    const Server server("--timeout 2");
     // What they do, what they say (a number stands for a block of so many bytes), and the answer.
     const std::tuple<const char*, std::vector<std::string>, const char*> rows[] = {
         {"another version", {"courier 2"}, "no this is courier 1 and understands nothing else"},

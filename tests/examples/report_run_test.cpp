@@ -37,7 +37,7 @@ TEST_F(ReportRun, TellsWhatTheToolsRecorded) {
     WriteBytes(folder / "commands",
                child + "out 5\n" + child + "exit\t3\n" + child + "sleep 60000\nno_such_program x\n");
     const ProgramResult batch = RunProgram(
-        "run_batch", {"--limit", "1", "--timeout", "1", "--output", logs, "--record", record, folder / "commands"});
+        "run_batch", {"--limit", "1", "--timeout", "4", "--output", logs, "--record", record, folder / "commands"});
     EXPECT_EQ(batch.exitCode, 1) << batch.out;
     std::istringstream commands(LinesOf(record, "command"));
     for (const std::string& expected :

@@ -14,7 +14,7 @@ TEST_F(RunBatch, RunsEachLineAndTellsHowItEnded) {
     const std::string child = ChildCommand("").CastToCharPtr();
     WriteBytes(file, "# a comment\r\n" + child + "out 5\r\n\n" + child + "exit 3\n" + child +
                          "sleep 60000\nno_such_program_at_all x\n" + child + "err 3");
-    const ProgramResult result = RunProgram("run_batch", {"--limit", "2", "--timeout", "1", "--output", logs, file});
+    const ProgramResult result = RunProgram("run_batch", {"--limit", "2", "--timeout", "4", "--output", logs, file});
     EXPECT_EQ(result.exitCode, 1) << result.err;
     for (const char* row : {"   2      0 ", "   4      3 ", "   5     99 ", "killed ", "not found", "   7      0 ",
                             "\n   5 commands, 3 failed\n"})

@@ -38,6 +38,13 @@ TEST(TAEnvironment, DatesHaveTheirLayouts) {
         ASSERT_EQ(FormatSortDate(time), Written(moment, "%Y-%m-%d-%H-%M-%S").c_str());
         ASSERT_EQ(text, std::string(std::ctime(&moment)).substr(0, 24));
     }
+    for (const std::time_t moment : {-30620000000, -60000000000, -70000000000, 250000000000, 260000000000}) {
+        const char* const line = std::ctime(&moment);  // of years before 1000 and beyond 9999
+        const std::string expected = line != nullptr ? std::string(line, std::strcspn(line, "\n")) : "";
+        char text[zel::ClockTextLength + 1];
+        EXPECT_EQ(zel::ToClockText(moment, text), !expected.empty() && expected.size() <= 24) << expected;
+        EXPECT_EQ(text, expected.size() <= 24 ? expected : "");
+    }
     // The public functions between two readings of the clock.
     std::time_t moment = std::time(nullptr);
     const std::string date(GetDate()), sorted(GetSortDate());

@@ -93,7 +93,7 @@ TEST_F(Identifiers, FollowsItsMembers) {
 TEST_F(Identifiers, RepeatsAfterAllCountsOfASecond) {
     TAUUIDGenerator generator;
     bool withinOneSecond = false;
-    for (int attempt = 0; attempt < 20 && !withinOneSecond; ++attempt) {
+    while (!withinOneSecond && !HasFailure()) {  // on a busy machine it may take several
         const std::string first = generator.Get();
         const std::size_t length = first.size();
         std::string all = first;  // told apart behind the hurry
@@ -106,7 +106,6 @@ TEST_F(Identifiers, RepeatsAfterAllCountsOfASecond) {
         withinOneSecond = Decoded(again).seconds == Decoded(first).seconds;
         EXPECT_EQ(again == first, withinOneSecond);
     }
-    EXPECT_TRUE(withinOneSecond);
 }
 
 TEST_F(Identifiers, HasHelpersForBytes) {

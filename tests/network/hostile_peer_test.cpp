@@ -12,14 +12,14 @@ using Get = int (*)(TASocket& socket);
 
 int GetText(TASocket& socket) {
     ZELString text("before");
-    const int result = socket.GetBlock(text, 20);
+    const int result = socket.GetBlock(text, Patience);
     EXPECT_TRUE(result == 0 || text == "") << text;
     return result;
 }
 
 int GetList(TASocket& socket) {
     ZELListValZELString list = List({"before"});
-    const int result = socket.GetBlock(list, 20);
+    const int result = socket.GetBlock(list, Patience);
     EXPECT_TRUE(result == 0 || list.Size() == 0);
     return result;
 }
@@ -27,7 +27,7 @@ int GetList(TASocket& socket) {
 int GetBytes(TASocket& socket) {
     int size = 0;
     void* data = nullptr;
-    const int result = socket.GetBinBlock(&size, &data, 20);
+    const int result = socket.GetBinBlock(&size, &data, Patience);
     EXPECT_EQ(data != nullptr, result == 0 && size > 0);
     std::free(data);
     return result;
@@ -35,17 +35,17 @@ int GetBytes(TASocket& socket) {
 
 int GetInteger(TASocket& socket) {
     int value = 0;
-    return socket.Read(value, 20);
+    return socket.Read(value, Patience);
 }
 
 int GetString(TASocket& socket) {
     ZELString text;
-    return socket.Read(text, 20);
+    return socket.Read(text, Patience);
 }
 
 int GetFile(TASocket& socket) {
     const TemporaryFolder folder;
-    return socket.GetFile((folder / "file").c_str(), 20);
+    return socket.GetFile((folder / "file").c_str(), Patience);
 }
 
 struct Lie {
@@ -144,16 +144,18 @@ TEST(HostilePeer, MillionWords) {
     Conversation talk;
     std::thread sender([&] {
         std::string bytes = Header(-1);
+        const std::string second = Text("second");
         for (int i = 0; i < count; ++i) {
             // Half of them in order, half backwards from the highest number, and each number twice.
-            const int number = i % 2 == 0 ? i / 2 : INT_MAX - i;
-            bytes += Number(number) + Text(std::to_string(i)) + Number(number) + Text("second");
+            const std::string number = Number(i % 2 == 0 ? i / 2 : INT_MAX - i);
+            bytes.append(number).append(Text(std::to_string(i))).append(number).append(second);
         }
         talk.peer.Send(bytes + Number(-1) + Number(3) + Number(2) + Number(INT_MAX - 1) + Number(INT_MAX - count + 1));
     });
     ZELString text;
-    EXPECT_EQ(talk.socket.GetBlock(text, 20), 0) << talk.socket.GetErrMsg();
+    EXPECT_EQ(talk.socket.GetBlock(text, Patience), 0) << talk.socket.GetErrMsg();
     EXPECT_EQ(text, ("4 1 " + std::to_string(count - 1)).c_str());
+    talk.socket.Close();  // the sender does not wait for a reader that failed
     sender.join();
 }
 
@@ -184,14 +186,14 @@ TEST(HostilePeer, SilentPeer) {
     ZELString text("before");
     EXPECT_TRUE(Gives(2, "Error reading from stream socket (select): Connection timed out", talk.socket,
                       talk.socket.GetBlock(text, 1)));
-    EXPECT_TRUE(watch.Seconds() >= 0.99 && watch.Seconds() < 10) << watch.Seconds();
+    EXPECT_GE(watch.Seconds(), 0.99);
     EXPECT_EQ(text, "before");
     const TemporaryFolder folder;
     WriteBytes(folder / "file", "before");
     EXPECT_EQ(talk.socket.GetFile((folder / "file").c_str(), 1), 2);
     EXPECT_EQ(ReadBytes(folder / "file"), "before");
     talk.peer.Send(Block("late"));
-    EXPECT_EQ(talk.socket.GetBlock(text, 10), 0);
+    EXPECT_EQ(talk.socket.GetBlock(text, Patience), 0);
     EXPECT_EQ(text, "late");
     // A file's limit counts anew before each piece.
     talk.peer.Send(Block("half"));
@@ -245,12 +247,13 @@ TEST(HostilePeer, FilesThatFail) {
         EXPECT_TRUE(fails(talk.socket.PutFile(path.c_str()), "Unable to read file for TASocket::PutFile")) << path;
     talk.peer.Send(Block("abc") + "    " + Block("3"));
     for (const std::string& path : {folder / "no" + "/file", folder.Path(), std::string()})
-        EXPECT_TRUE(fails(talk.socket.GetFile(path.c_str(), 10), "Unable to write in file for TASocket::GetFile"));
-    EXPECT_EQ(talk.socket.GetFile((folder / "file").c_str(), 10), 0);  // nothing was lost by that
+        EXPECT_TRUE(
+            fails(talk.socket.GetFile(path.c_str(), Patience), "Unable to write in file for TASocket::GetFile"));
+    EXPECT_EQ(talk.socket.GetFile((folder / "file").c_str(), Patience), 0);  // nothing was lost by that
     if (!FullDevice.empty()) {
         talk.peer.Send(Block("abc") + "    " + Block("3"));
         EXPECT_TRUE(
-            fails(talk.socket.GetFile(FullDevice.c_str(), 10), "Unable to write in file for TASocket::GetFile"));
+            fails(talk.socket.GetFile(FullDevice.c_str(), Patience), "Unable to write in file for TASocket::GetFile"));
     }
     // The number of bytes must fit as well.
     WriteBytes(folder / "file", "0123456789");
@@ -281,9 +284,10 @@ TEST(HostilePeer, WithoutMemory) {
         const std::string out = folder / "out";
         memory.Begin();
         const bool hasFailed =
-            listener.server.GetQuery(10, query, socket) != 0 || socket.GetBinBlock(&size, &data, 20) != 0 ||
-            socket.GetFile(out.c_str(), 20) != 0 || socket.GetBlock(text, 20) != 0 || socket.GetBlock(list, 20) != 0 ||
-            socket.PutBlock(("some " + longWord).c_str()) != 0 || socket.PutFile((folder / "in").c_str()) != 0;
+            listener.server.GetQuery(Patience, query, socket) != 0 || socket.GetBinBlock(&size, &data, Patience) != 0 ||
+            socket.GetFile(out.c_str(), Patience) != 0 || socket.GetBlock(text, Patience) != 0 ||
+            socket.GetBlock(list, Patience) != 0 || socket.PutBlock(("some " + longWord).c_str()) != 0 ||
+            socket.PutFile((folder / "in").c_str()) != 0;
         EXPECT_TRUE(memory.End() || !hasFailed);
         const std::unique_ptr<void, FreeBlock> received(data);
         if (hasFailed) return;

@@ -11,6 +11,9 @@
 #include "platform/system.h"
 #include "support/testing.h"
 
+// Seconds for what will come: a busy machine may take long, and each case has a time limit of its own.
+constexpr int Patience = 1000;
+
 // A server of IPv4 on a free port.
 struct Listener {
     Listener() {
@@ -30,18 +33,20 @@ inline zel::NetworkAddress Loopback(int port, const char* host = "127.0.0.1") {
 class Peer {
 public:
     // Connects.
-    explicit Peer(int port) : _socket(zel::Socket::MakeIPv4()) { EXPECT_TRUE(_socket.Connect(Loopback(port), 10000)); }
+    explicit Peer(int port) : _socket(zel::Socket::MakeIPv4()) {
+        EXPECT_TRUE(_socket.Connect(Loopback(port), 1000 * Patience));
+    }
     bool Send(std::string_view bytes) {
         const zel::Piece piece = {bytes.data(), bytes.size()};
         return _socket.Send(&piece, 1) == zel::SendStatus::Sent;
     }
-    // What comes before `size` bytes are there, the end, or 10 seconds.
+    // What comes before `size` bytes are there, or the end.
     std::string Receive(std::size_t size = std::string::npos) {
         std::string all;
         char part[65536];
         std::size_t count = 0;
-        while (all.size() < size && _socket.Receive(part, std::min(sizeof part, size - all.size()), 10000, count) ==
-                                        zel::ReceiveStatus::Received)
+        while (all.size() < size && _socket.Receive(part, std::min(sizeof part, size - all.size()), 1000 * Patience,
+                                                    count) == zel::ReceiveStatus::Received)
             all.append(part, count);
         return all;
     }

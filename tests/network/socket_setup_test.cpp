@@ -160,7 +160,7 @@ TEST(SocketSetup, Environment) {
         client.PutBlock("hello");
         client.Flush();
         ZELString text;
-        EXPECT_EQ(accepted.GetBlock(text, 10), 0);
+        EXPECT_EQ(accepted.GetBlock(text, Patience), 0);
         EXPECT_EQ(text, "hello");
     }
     const Variable times("TASocketIPv6EnablePerfoTraces", "1");
@@ -244,22 +244,23 @@ TEST(SocketSetup, Queries) {
 
     Peer silent(listener.port);
     EXPECT_TRUE(Gives(2, "Error reading from stream socket (select): Connection timed out", listener.server,
-                      listener.server.GetQuery(1, query, client, 10)));
+                      listener.server.GetQuery(1, query, client, Patience)));
     silent.Send(Block("late"));
-    EXPECT_EQ(client.GetBlock(query, 10), 0);
+    EXPECT_EQ(client.GetBlock(query, Patience), 0);
     EXPECT_EQ(query, "late");
     EXPECT_EQ(client.PutBlock("answer"), 0);
 
     Peer broken(listener.port);
     broken.Send("x");
     broken.Close();
-    EXPECT_TRUE(Gives(1, "Unable to get block size ", listener.server, listener.server.GetQuery(10, query, client)));
+    EXPECT_TRUE(
+        Gives(1, "Unable to get block size ", listener.server, listener.server.GetQuery(Patience, query, client)));
     EXPECT_EQ(silent.Receive(), Block("answer"));  // sent when its socket was closed for the next client
     EXPECT_EQ(client.Close(), 0);
 
     Peer good(listener.port);
     good.Send(Block("question"));
-    EXPECT_EQ(listener.server.GetQuery(10, query, client), 0);
+    EXPECT_EQ(listener.server.GetQuery(Patience, query, client), 0);
     EXPECT_EQ(query, "question");
     EXPECT_EQ(listener.server.Close(), 0);
     EXPECT_EQ(client.PutBlock("still open"), 0);
@@ -286,12 +287,10 @@ TEST(SocketSetup, ConnectTimeOut) {
     ASSERT_TRUE(full.Bind(zel::AnyIPv4Address(0)) && full.Listen(0));
     const Interruptions interruptions;
     TASocket sockets[10];
-    const auto begin = std::chrono::steady_clock::now();
     int taken = 0;
     while (taken < 10 && sockets[taken].OpenClient("127.0.0.1", full.Port(), 1) == 0) ++taken;
     ASSERT_LT(taken, 10);
     EXPECT_STREQ(sockets[taken].GetErrMsg(), "unable to connect client socket to server");
-    EXPECT_LE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
 // What is opened when the process has no descriptor left, or hundreds of them.

@@ -103,7 +103,7 @@ TEST(Transfer, Mapping) {
     EXPECT_EQ(mapping.Size(), 100000);
     Listener listener;
     zel::Socket socket = zel::Socket::MakeIPv4();
-    ASSERT_TRUE(socket.Connect(Loopback(listener.port), 10000));
+    ASSERT_TRUE(socket.Connect(Loopback(listener.port), 1000 * Patience));
     for (const int count : {1, 2}) {
         const zel::Piece pieces[] = {{bytes + 200000, 1000}, {bytes, 0}};
         EXPECT_EQ(socket.Send(pieces, count), zel::SendStatus::Unreadable);

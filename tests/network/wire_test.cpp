@@ -39,7 +39,7 @@ Action PutText(std::string text) {
 Action GetText(std::string text) {
     return [text](TASocket& socket) {
         ZELString got("before");
-        return socket.GetBlock(got, 10) == 0 && got.View() == text ? 0 : 1;
+        return socket.GetBlock(got, Patience) == 0 && got.View() == text ? 0 : 1;
     };
 }
 
@@ -50,14 +50,14 @@ Action PutList(std::initializer_list<const char*> words) {
 Action GetList(std::initializer_list<const char*> words) {
     return [list = List(words)](TASocket& socket) {
         ZELListValZELString got = List({"before"});
-        return socket.GetBlock(got, 10) == 0 && got == list ? 0 : 1;
+        return socket.GetBlock(got, Patience) == 0 && got == list ? 0 : 1;
     };
 }
 
 int GetBytes(TASocket& socket, const std::string& expected) {
     int size = -1;
     void* data = nullptr;
-    const int result = socket.GetBinBlock(&size, &data, 10);
+    const int result = socket.GetBinBlock(&size, &data, Patience);
     const bool isSame = std::string(static_cast<char*>(data), static_cast<std::size_t>(size)) == expected;
     EXPECT_EQ(data == nullptr, expected.empty());
     std::free(data);
@@ -68,7 +68,7 @@ template <class Value>
 Action Reading(Value value) {
     return [value](TASocket& socket) {
         Value got{};
-        return socket.Read(got, 10) == 0 && got == value ? 0 : 1;
+        return socket.Read(got, Patience) == 0 && got == value ? 0 : 1;
     };
 }
 
@@ -169,7 +169,7 @@ TEST(Wire, CompressionIsCatching) {
         ZELString text;
         ZELListValZELString list;
         talk.peer.Send(Header(-1) + Number(0) + Text("a") + Number(-1) + Number(1) + (asList ? Text("a") : Number(0)));
-        EXPECT_EQ(asList ? talk.socket.GetBlock(list, 10) : talk.socket.GetBlock(text, 10), 0);
+        EXPECT_EQ(asList ? talk.socket.GetBlock(list, Patience) : talk.socket.GetBlock(text, Patience), 0);
         EXPECT_EQ(talk.socket.PutBlock("a"), 0);
         EXPECT_EQ(talk.CloseAndReceive(), Header(-1) + Number(0) + Text("a") + Number(-1) + Number(1) + Number(0));
         Peer second(listener.port);
@@ -292,11 +292,11 @@ TEST(Wire, Files) {
                 Conversation back;
                 back.socket.SetPerfo(&received, nullptr);
                 std::thread sender([&] { back.peer.Send(wire.substr(static_cast<std::size_t>(waiting)) + Number(5)); });
-                EXPECT_EQ(back.socket.GetFile((folder / "out").c_str(), 10), 0) << back.socket.GetErrMsg();
+                EXPECT_EQ(back.socket.GetFile((folder / "out").c_str(), Patience), 0) << back.socket.GetErrMsg();
                 EXPECT_TRUE(ReadBytes(folder / "out") == content);
                 EXPECT_EQ(std::accumulate(received.amounts.begin(), received.amounts.end(), 0), length);
                 int behind = 0;
-                EXPECT_EQ(back.socket.Read(behind, 10) + behind, 5);
+                EXPECT_EQ(back.socket.Read(behind, Patience) + behind, 5);
                 sender.join();
             }
         }
@@ -311,7 +311,7 @@ TEST(Wire, FilesAsText) {
         Conversation talk;
         talk.peer.Send(Block(content.substr(0, cut)) + Block(content.substr(cut)) + "    " +
                        Block(std::to_string(content.size())));
-        EXPECT_EQ(talk.socket.GetFileASCII((folder / "out").c_str(), 10), 0) << talk.socket.GetErrMsg();
+        EXPECT_EQ(talk.socket.GetFileASCII((folder / "out").c_str(), Patience), 0) << talk.socket.GetErrMsg();
         std::ofstream(folder / "same") << "a\nb\n\r\nc\rd\r";
         EXPECT_EQ(ReadBytes(folder / "out"), ReadBytes(folder / "same")) << cut;
     }

@@ -5,12 +5,21 @@
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// Ends with its object, also where a test is broken off.
+struct Tool : TAProcess {
+    ~Tool() { Kill(); }
+};
+
+}  // namespace
+
 TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
     const TemporaryFolder folder;
     const std::string bin = folder / "code/bin";
     fs::create_directories(bin);
     const std::string extension = fs::path(ProgramPath("child")).extension().string();
-    TAProcess tool, other, stranger;
+    Tool tool, other, stranger;
     for (auto& [process, name] :
          {std::pair{&tool, "tool.exe"}, std::pair{&other, "other.EXE"}, std::pair{&stranger, "plain"}}) {
         const std::string program = bin + "/" + name;
@@ -45,7 +54,7 @@ TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
         EXPECT_TRUE(memory.End() || listed == 2) << listed;
     });
 
-    EXPECT_EQ(tasks.TAInsCheckTask(directory.c_str(), nullptr), 2);
+    ASSERT_EQ(tasks.TAInsCheckTask(directory.c_str(), nullptr), 2);  // it frees the names that were listed before
     tasks.TAInsGetListTask(&names, &count);
     const std::string found = std::string("   ") + names[0] + "\n   " + names[1] + "\n";
     const auto killed = [&](unsigned char listOnly) {
@@ -58,6 +67,7 @@ TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
     EXPECT_TRUE(IsRunning(tool.GetprocessID()));
     EXPECT_NE(killed(0).find(found), std::string::npos);
     tasks.TAInsKillTask();  // nobody is left
+    ASSERT_TRUE(Eventually([&] { return !IsRunning(tool.GetprocessID()) && !IsRunning(other.GetprocessID()); }));
     EXPECT_EQ(CodeOf(tool), 0);
     EXPECT_EQ(CodeOf(other), 0);
     if (extension.empty()) {

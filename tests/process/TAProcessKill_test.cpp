@@ -126,9 +126,7 @@ TEST(Kill, AsksPolitelyAndThenForces) {
         StartAndRead(process, ChildCommand(verb), folder / "out", 1);
         const auto begin = std::chrono::steady_clock::now();
         EXPECT_EQ(KillBaseProcessTree(static_cast<unsigned long>(process.GetprocessID()), 0), 0);
-        const auto taken = std::chrono::steady_clock::now() - begin;
-        EXPECT_TRUE(taken >= least && taken < least + seconds(5))
-            << verb << std::chrono::duration<double>(taken).count();
+        EXPECT_GE(std::chrono::steady_clock::now() - begin, least) << verb;
         EXPECT_EQ(CodeOf(process), code) << verb;
     }
 }

@@ -29,10 +29,10 @@ inline bool IsRunning(int pid) {
     return zel::ReadProcess(pid, entry) && !entry.hasEnded;
 }
 
-// Polls, for up to 20 s.
+// Polls, for nearly as long as a case may take.
 template <class Condition>
 bool Eventually(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(50);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -42,6 +42,9 @@ TEST(ZELFilePrepro, ReadsAFileOnceAndTellsHowItEnded) {
     ZELFilePrepro source(file.c_str());
     EXPECT_EQ(source.preprocess(0, output), 1);
     EXPECT_EQ(output, untouched);
+    EXPECT_EQ(ZELFilePrepro(nullptr, 0).preprocess(0, output), 0);  // an empty view
+    EXPECT_STREQ(output, "");
+    std::free(output);
     const std::string text = "a // b\nx /* 1\n2 */y \"s\\\"t\" z 'q' \\\" k\n#define A \\\n B\nlast /* c */";
     WriteBytes(file, text + '\0' + "behind /*");
     const std::pair<int, std::string> rows[] = {

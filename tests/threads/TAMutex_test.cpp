@@ -7,10 +7,21 @@
 
 namespace {
 
-// A name that nobody else has.
-std::string NewName() {
-    return "zel_test_" + std::to_string(std::random_device()());
-}
+// A name that nobody else has. A mutex that is locked as it closes leaves a file, which ends with the name.
+struct NewName : std::string {
+    NewName() : std::string("zeltest" + std::to_string(std::random_device()())) {}
+    ~NewName() {
+        std::error_code ignored;
+        if (const std::string file = File(); !file.empty()) std::filesystem::remove(file, ignored);
+    }
+    // Where the system keeps it in a file, and has one.
+    std::string File() const {
+        std::error_code missing;
+        for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", missing))
+            if (entry.path().string().ends_with("." + *this)) return entry.path().string();
+        return {};
+    }
+};
 
 int UnlockElsewhere(TAMutex& mutex) {
     int result = -1;
@@ -21,7 +32,8 @@ int UnlockElsewhere(TAMutex& mutex) {
 }  // namespace
 
 TEST(TAMutex, BelongsToAThreadWhichMayLockItAgain) {
-    for (const std::string& name : {NewName(), std::string()}) {
+    const NewName named;
+    for (const std::string& name : {std::string(named), std::string()}) {
         TAMutex mutex(name.c_str());
         EXPECT_EQ(mutex.Unlock(), 0);
         EXPECT_TRUE(mutex.Lock() == 0 && mutex.Lock() == 0);
@@ -36,7 +48,7 @@ TEST(TAMutex, BelongsToAThreadWhichMayLockItAgain) {
 }
 
 TEST(TAMutex, TheFirstCopyToEndClosesItForAll) {
-    const std::string name = NewName();
+    const NewName name;
     TAMutex copied(name.c_str()), assigned("");
     {
         TAMutex copy(copied);
@@ -52,7 +64,7 @@ TEST(TAMutex, OneNameIsOneMutexWhateverItsBytes) {
     std::string all;
     for (int byte = 1; byte < 128; ++byte)
         if (byte != '\\') all += static_cast<char>(byte);
-    const std::string base = NewName();
+    const NewName base;
     const std::string names[] = {
         base, base + "/x", base + "%2Fx", base + std::string(150, '.'), base + all, base + std::string(150, '.') + "x"};
     for (const std::string& name : names) {
@@ -71,7 +83,8 @@ TEST(TAMutex, OneNameIsOneMutexWhateverItsBytes) {
 
 TEST(TAMutex, ExcludesProcesses) {
     const TemporaryFolder folder;
-    const std::string name = NewName(), file = folder / "number";
+    const NewName name;
+    const std::string file = folder / "number";
     WriteBytes(file, "0");
     std::vector<std::jthread> runs;
     for (int i = 0; i < 4; ++i)
@@ -81,7 +94,7 @@ TEST(TAMutex, ExcludesProcesses) {
 }
 
 TEST(TAMutex, ADeadOwnerIsToldToWhoHadItOpen) {
-    const std::string name = NewName();
+    const NewName name;
     EXPECT_EQ(RunProgram("process_probe", {"die", name}).out, "0\n");
     TAMutex mutex(name.c_str());
     EXPECT_TRUE(mutex.Lock() == 0 && mutex.Unlock() != 0);  // nobody had it open: it counts as new
@@ -102,24 +115,17 @@ TEST(TAMutex, ADeadOwnerIsToldToWhoHadItOpen) {
 }
 
 TEST(TAMutex, FilesThatAreLeftOverOrForeignNeitherHangNorAdmitTwo) {
-    const std::string name = "zeltest" + std::to_string(std::random_device()());
-    const auto find = [&] {
-        std::string found;
-        std::error_code missing;
-        for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", missing))
-            if (entry.path().string().ends_with("." + name)) found = entry.path().string();
-        return found;
-    };
+    const NewName name;
     std::string path;
     {
         TAMutex mutex(name.c_str());
-        path = find();
+        path = name.File();
         if (path.empty()) GTEST_SKIP() << "the system keeps its mutexes elsewhere";
         EXPECT_EQ(mutex.Lock() + mutex.Lock(), 0);
         mutex.Unlock();
         mutex.Unlock();
     }
-    EXPECT_EQ(find(), "");  // the last to close removes it
+    EXPECT_EQ(name.File(), "");  // the last to close removes it
     using std::filesystem::perms;
     constexpr perms own = perms::owner_read | perms::owner_write;
     for (const auto& [bytes, rights, expected] :

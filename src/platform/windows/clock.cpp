@@ -20,8 +20,9 @@ bool zel::ToLocalTime(std::int64_t seconds, LocalTime& time) noexcept {
 bool zel::ToClockText(std::int64_t seconds, char (&text)[ClockTextLength + 1]) noexcept {
     const __time64_t instant = seconds;
     const char* const line = _ctime64(&instant);
-    const bool told = line != nullptr && std::strlen(line) == ClockTextLength + 1;
-    if (told) std::memcpy(text, line, ClockTextLength);
-    text[told ? ClockTextLength : 0] = '\0';
+    const std::size_t length = line != nullptr ? std::strcspn(line, "\n") : 0;
+    const bool told = length > 0 && length <= ClockTextLength;
+    if (told) std::memcpy(text, line, length);
+    text[told ? length : 0] = '\0';
     return told;
 }

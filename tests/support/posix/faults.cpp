@@ -29,7 +29,7 @@
 // Calls that cannot fail here, that only print, or whose failure has no effect; memory fails by its own hook.
 // exempt: _GLOBAL_OFFSET_TABLE_ __cpu_model __dso_handle __errno_location __tls_get_addr environ stderr stdin stdout
 // exempt: malloc calloc realloc free posix_memalign madvise munmap memchr memcmp memcpy memmove memset
-// exempt: strchr strcmp strcpy strerror strerror_r strlen strncmp strncpy strrchr strtol strtoll strtoul wcslen
+// exempt: strchr strcmp strcpy strcspn strerror strerror_r strlen strncmp strncpy strrchr strtol strtoll strtoul wcslen
 // exempt: snprintf sprintf vsnprintf __isoc99_sscanf ctime_r gai_strerror printf puts fgets
 // exempt: __fbufsize __flbf __fpending __fpurge __fwritable __overflow __uflow clearerr clearerr_unlocked feof ferror
 // exempt: fileno flockfile funlockfile fwide rewinddir setvbuf closedir dirfd freeaddrinfo freeifaddrs

@@ -46,7 +46,7 @@ struct Imported<Result (*)(Parameters...)> {
 // Calls that cannot fail here, that only print, or whose failure has no effect; memory fails by its own hook. The
 // failure of DuplicateHandle ends the program in the compiler's library for threads.
 // exempt: ___chkstk_ms __cpu_model __emutls_get_address __acrt_iob_func _errno abort atexit malloc calloc realloc free
-// exempt: memchr memcmp memcpy memmove memset strchr strcmp strcpy strlen strncmp wcslen _wcsnicmp _ultow
+// exempt: memchr memcmp memcpy memmove memset strchr strcmp strcpy strcspn strlen strncmp wcslen _wcsnicmp _ultow
 // exempt: __mingw_vsnprintf _ctime64 _localtime64 _mktime64 _time64 clock nanosleep sched_yield getenv
 // exempt: _filbuf _fileno _lock_file _unlock_file _lseeki64 clearerr feof ferror setvbuf
 // exempt: pthread_mutex_destroy pthread_mutex_init pthread_mutex_lock pthread_mutex_unlock pthread_self DuplicateHandle
