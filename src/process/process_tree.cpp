@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 #include "base/deadline.h"
 #include "base/failure_report.h"
@@ -90,9 +91,7 @@ private:
     // Enters the children of members, unless the system did not list all processes before.
     void Look() noexcept;
     void Consider(const ProcessEntry& entry) noexcept;
-    void KillWaiting() noexcept {
-        while (_next < _waiting.Size()) KillMember(_waiting[_next++]);
-    }
+    void KillWaiting() noexcept;
     void KillMember(const ProcessEntry& entry) noexcept;
 
     const bool _forceOnly;
@@ -120,6 +119,17 @@ void ProcessTree::KillMember(const ProcessEntry& entry) noexcept {
         isKilled = !isGone && End(entry.self, true);
     }
     if (isKilled || (isGone && !isRoot)) ++_killed;
+}
+
+// By force, leaves first: a child is entered after its parent. If a parent died before the stopped children, a process
+// group of theirs could become an orphan, and the kernel continues such a group: a member that ignores SIGHUP would
+// then start others before its own end.
+void ProcessTree::KillWaiting() noexcept {
+    const int begin = std::exchange(_next, _waiting.Size());
+    if (_forceOnly)
+        for (int i = _next - 1; i >= begin; --i) KillMember(_waiting[i]);
+    else
+        for (int i = begin; i < _next; ++i) KillMember(_waiting[i]);
 }
 
 void ProcessTree::Seize(const ProcessEntry& entry) noexcept {
