@@ -28,15 +28,16 @@
 
 // Calls that cannot fail here, that only print, or whose failure has no effect; memory fails by its own hook.
 // exempt: _GLOBAL_OFFSET_TABLE_ __cpu_model __dso_handle __errno_location __tls_get_addr environ stderr stdin stdout
-// exempt: malloc calloc realloc free posix_memalign madvise munmap memchr memcmp memcpy memmove memset
-// exempt: bcmp strchr strcmp strcpy strcspn strerror strerror_r strlen strncmp strncpy strrchr strtol strtoll strtoul
-// wcslen exempt: snprintf sprintf vsnprintf __isoc99_sscanf ctime_r gai_strerror printf puts fgets exempt: __fbufsize
-// __flbf __fpending __fpurge __fwritable __overflow __uflow clearerr clearerr_unlocked feof ferror exempt: fileno
-// flockfile funlockfile fwide rewinddir setvbuf closedir dirfd freeaddrinfo freeifaddrs exempt: clock clock_gettime
-// time sched_yield getenv unsetenv getpid gettid geteuid gethostname uname sysconf abort exempt: backtrace dladdr
-// dlclose sigfillset pthread_sigmask pthread_self pthread_setname_np exempt: pthread_attr_destroy pthread_attr_init
-// pthread_attr_setdetachstate pthread_mutex_consistent exempt: pthread_mutex_lock pthread_mutex_unlock
-// pthread_mutexattr_destroy pthread_mutexattr_init exempt: pthread_mutexattr_setpshared pthread_mutexattr_setrobust
+// exempt: malloc calloc realloc free posix_memalign madvise munmap bcmp memchr memcmp memcpy memmove memset
+// exempt: strchr strcmp strcpy strcspn strerror strerror_r strlen strncmp strncpy strrchr strtol strtoll strtoul
+// exempt: snprintf sprintf vsnprintf __isoc99_sscanf ctime_r gai_strerror printf puts fgets
+// exempt: __fbufsize __flbf __fpending __fpurge __fwritable __overflow __uflow clearerr clearerr_unlocked feof ferror
+// exempt: fileno flockfile funlockfile fwide rewinddir setvbuf closedir dirfd freeaddrinfo freeifaddrs
+// exempt: clock clock_gettime time sched_yield getenv unsetenv getpid gettid geteuid gethostname uname sysconf abort
+// exempt: backtrace dladdr dlclose sigfillset pthread_sigmask pthread_self pthread_setname_np
+// exempt: pthread_attr_destroy pthread_attr_init pthread_attr_setdetachstate pthread_mutex_consistent
+// exempt: pthread_mutex_lock pthread_mutex_unlock pthread_mutexattr_destroy pthread_mutexattr_init
+// exempt: pthread_mutexattr_setpshared pthread_mutexattr_setrobust
 
 namespace {
 
