@@ -21,9 +21,9 @@
 //   object that has one reference, or release the copy as often). It has an index of its own and shares the path and
 //   the attributes by their counts: it does not see what the source sets or removes later, but both see elements that
 //   one of them appends to a list.
-// Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in " goes to standard output,
-// and
-//   the object stays as it was.
+// Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in " goes to standard output, and
+//   the object stays as it was. From then on it counts as incomplete if no result reported that, and SaveToFile with an
+//   error reports it.
 // Threads: a tree belongs to one thread at a time.
 // Blocking: only saving, as long as the disk.
 // Complexity: trees may be as deep as memory allows: saving and destroying them use no stack for each level.
@@ -100,7 +100,8 @@ public:
     // An object that is met again inside itself is not followed: "   WARNING : object met again inside itself, not
     // saved as " + its identifier there goes to standard output. One that hangs in several places is saved at each.
     int SaveToFile(TAFileName directory) noexcept;
-    // The same, but 0 if all was written, else 1, and in `error` the file and the reason of a failure.
+    // The same, but 0 if all was written, else 1, and in `error` the file and the reason of a failure; 1 also when an
+    // object or attribute of the tree is incomplete.
     int SaveToFile(TAFileName directory, ZELString& error) noexcept;
     // The same into a dump that is under way, under an identifier that was taken for it.
     int SaveToFile(int id, TAPObjectSaveContext& context) noexcept;
@@ -110,9 +111,12 @@ private:
     struct Contents;
 
     TAPAttr* Find(const char* name) const noexcept;
-    TAPAttr* Put(const char* name, TAPAttr* made) noexcept;
+    bool Put(const char* name, TAPAttr* made, TAPAttr*& old) noexcept;
+    bool Store(const char* name, TAPAttr&& value) noexcept;
+    static Contents* CopyContents(const Contents* other) noexcept;
     void PassPath(const char* name, TAPObject* child) noexcept;
 
+    bool _isIncomplete = false;     // an attribute was not stored, and no result reported that
     Contents* _contents = nullptr;  // owned; null while there has been no attribute
     TAPPath* _path = nullptr;       // one reference, or null
 };

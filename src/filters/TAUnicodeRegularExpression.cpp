@@ -78,14 +78,14 @@ int FilterState::Begin(URE_type type, FilterProgram* next) noexcept {
     return program != nullptr ? 0 : 1;
 }
 
-// False, and the old text kept, without memory.
+// False, and perhaps the old text kept, without memory; false also for a text that memory cut off.
 bool FilterState::TakeText(const ZELUnicodeString& wanted) noexcept {
     const std::u32string_view stripped = WithoutBlanks(wanted.View());
     if (stripped.size() == wanted.View().size())
         text = wanted;
     else if (ZELUnicodeString copy = wanted.Strip(ZELStripBoth, FilterBlank); copy.View() == stripped)
         text = std::move(copy);
-    return text.View() == stripped;
+    return text.View() == stripped && !wanted.IsIncomplete();
 }
 
 // Apart from CheckFromFilter(), whose stack frame stays small without the key.
@@ -107,7 +107,7 @@ TAUnicodeRegularExpression::TAUnicodeRegularExpression() noexcept {
 }
 
 TAUnicodeRegularExpression::TAUnicodeRegularExpression(const ZELUnicodeString& f) noexcept {
-    if (f.GetLengthInChar() < 1)
+    if (f.GetLengthInChar() < 1 && !f.IsIncomplete())
         SetFilter(matchesAll, URE_Memoised);
     else
         SetFilter(f, URE_Memoised);
@@ -143,7 +143,8 @@ ZELUnicodeString TAUnicodeRegularExpression::GetFilter() const noexcept {
 }
 
 int TAUnicodeRegularExpression::CheckFromFilter(const ZELUnicodeString& candidate) noexcept {
-    if (_state == nullptr || _state->program == nullptr || candidate.IsNull() != 0) return 0;
+    if (_state == nullptr || _state->program == nullptr || candidate.IsNull() != 0 || candidate.IsIncomplete())
+        return 0;
     const std::u32string_view text = WithoutBlanks(candidate.View());
     if (_state->memo.Remembers(_state->program->Text())) return _state->CheckWithMemo(text);
     return MatchFilter(*_state->program, text) == 1 ? 1 : 0;

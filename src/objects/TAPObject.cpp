@@ -59,16 +59,26 @@ void TAPObject::Contents::Drop(TAPAttr* attribute) noexcept {
 }
 
 TAPObject::TAPObject(const TAPObject& other) noexcept : TARefCounter(other), _path(other.GetPath()) {
-    if (other._contents != nullptr) _contents = NewOrReport<Contents>(*other._contents);
+    _contents = CopyContents(other._contents);
+    _isIncomplete = other._isIncomplete || (_contents == nullptr && other._contents != nullptr);
+}
+
+// Null without contents, and without memory.
+TAPObject::Contents* TAPObject::CopyContents(const Contents* other) noexcept {
+    Contents* const copy = other != nullptr ? NewOrReport<Contents>(*other) : nullptr;
+    if (copy == nullptr || copy->attributes.Size() == other->attributes.Size()) return copy;
+    DeferredContents::Destroy(copy);
+    return nullptr;
 }
 
 TAPObject& TAPObject::operator=(const TAPObject& other) noexcept {
     if (this == &other) return *this;
-    Contents* contents = nullptr;
-    if (other._contents != nullptr) {
-        contents = NewOrReport<Contents>(*other._contents);
-        if (contents == nullptr) return *this;
+    Contents* const contents = CopyContents(other._contents);
+    if (contents == nullptr && other._contents != nullptr) {
+        _isIncomplete = true;
+        return *this;
     }
+    _isIncomplete = other._isIncomplete;
     TARefCounter::operator=(other);
     SetPath(other._path);
     DeferredContents::Destroy(std::exchange(_contents, contents));
@@ -93,33 +103,40 @@ TAPAttr* TAPObject::Find(const char* name) const noexcept {
     return _contents != nullptr ? static_cast<TAPAttr*>(_contents->attributes[name]) : nullptr;
 }
 
-// Makes `made` the attribute of that name. Returns the attribute to destroy in exchange: null, the old attribute (or
-// `made`, then with the old value), or `made` when it could not be stored.
-TAPAttr* TAPObject::Put(const char* name, TAPAttr* made) noexcept {
+// Makes `made` the attribute of that name. `old` gets the attribute to destroy in exchange: null, the old attribute (or
+// `made`, then with the old value), or `made` when it could not be stored, which returns false.
+bool TAPObject::Put(const char* name, TAPAttr* made, TAPAttr*& old) noexcept {
+    old = made;
     TAIndex* const attributes = GetAttributeList();
-    if (attributes == nullptr) return made;
+    if (attributes == nullptr) return false;
     const int oldSize = attributes->Size();
-    if (attributes->Append(name, made) == nullptr) return made;
-    if (attributes->Size() != oldSize) return nullptr;
-    TAPAttr* const old = Find(name);
+    if (attributes->Append(name, made) == nullptr) return false;
+    old = attributes->Size() == oldSize ? Find(name) : nullptr;
     if (old != nullptr && old->_otherOwners == 0) {
-        std::swap(old->_value, made->_value);
-        std::swap(old->_type, made->_type);
-        return made;
+        TAPAttr value(std::move(*old));
+        old->Take(std::move(*made));
+        made->Take(std::move(value));
+        old = made;
+    } else if (attributes->Size() == oldSize) {
+        attributes->GetContent()[attributes->IsIn(name)] = made;
     }
-    attributes->GetContent()[attributes->IsIn(name)] = made;
-    return old;
+    return true;
 }
 
 void TAPObject::SetAttribute(const char* name, TAPAttr value) noexcept {
-    if (name == nullptr) return;
+    if (name != nullptr && !Store(name, std::move(value))) _isIncomplete = true;
+}
+
+bool TAPObject::Store(const char* name, TAPAttr&& value) noexcept {
     TAPObject* const child = value._type == TAPAttr::TypeObject ? value._value.object : nullptr;
     TAPAttr* const made = NewOrReport<TAPAttr>(std::move(value));
-    if (made == nullptr) return;
-    TAPAttr* const old = Put(name, made);
+    if (made == nullptr) return false;
+    TAPAttr* old;
+    const bool isStored = Put(name, made, old);
     const TAPAttr* const stored = child != nullptr ? Find(name) : nullptr;
     if (stored != nullptr && *stored == child) PassPath(name, child);
     Contents::Drop(old);
+    return isStored;
 }
 
 // Gives the child its path: this object's and the name.
@@ -156,11 +173,12 @@ int TAPObject::RemoveAttribute(const char* name) noexcept {
 }
 
 int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
+    if (name == nullptr || value._isIncomplete) return 1;
     TAPAttr* found = Find(name);
     const bool isNew = found == nullptr;
     if (isNew) {
         TAPAttr list{ZELListValTAPAttr()};
-        if (list._type == TAPAttr::TypeList) SetAttribute(name, std::move(list));
+        if (list._type == TAPAttr::TypeList) Store(name, std::move(list));
         found = Find(name);
         if (found == nullptr) return 1;
     }
@@ -173,13 +191,10 @@ int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
             static_cast<void>(value.GetString());
             if (found->_otherOwners == 0) return found->AppendText(value) ? 0 : 1;
             TAPAttr longer(*found);
-            if (!longer.AppendText(value)) return 1;
-            SetAttribute(name, std::move(longer));
-            return 0;
+            return longer.AppendText(value) && Store(name, std::move(longer)) ? 0 : 1;
         }
         case TAPAttr::TypeInteger:
-            SetAttribute(name, WrappingSum(found->_value.integer, value.GetInteger()));
-            return 0;
+            return Store(name, WrappingSum(found->_value.integer, value.GetInteger())) ? 0 : 1;
         default:
             return 1;
     }
