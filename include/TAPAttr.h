@@ -109,6 +109,11 @@ public:
     }
 #endif
 
+    // Whether memory ran out for the value, or for the text or name that it was made from.
+    bool IsIncomplete() const noexcept {
+        return _isIncomplete != 0;
+    }
+
     // Writes this value to a dump that is under way (docs/dump-format.md) and returns the name of its kind: "Null",
     // "AttrString", "AttrFileName", "AttrObject", "AttrList", "AttrInteger" or "AttrPath".
     ZELString SaveToFile(int id, TAPObjectSaveContext& context) const noexcept;

@@ -21,9 +21,9 @@
 //   object that has one reference, or release the copy as often). It has an index of its own and shares the path and
 //   the attributes by their counts: it does not see what the source sets or removes later, but both see elements that
 //   one of them appends to a list.
-// Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in " goes to standard output, and
-//   the object stays as it was. From then on it counts as incomplete if no result reported that, and SaveToFile with an
-//   error reports it.
+// Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in " goes to standard output,
+// and
+//   the object stays as it was. From then on it counts as incomplete, and SaveToFile with an error reports that.
 // Threads: a tree belongs to one thread at a time.
 // Blocking: only saving, as long as the disk.
 // Complexity: trees may be as deep as memory allows: saving and destroying them use no stack for each level.
@@ -113,10 +113,11 @@ private:
     TAPAttr* Find(const char* name) const noexcept;
     bool Put(const char* name, TAPAttr* made, TAPAttr*& old) noexcept;
     bool Store(const char* name, TAPAttr&& value) noexcept;
+    bool AppendTo(const char* name, TAPAttr&& value);
     static Contents* CopyContents(const Contents* other) noexcept;
     void PassPath(const char* name, TAPObject* child) noexcept;
 
-    bool _isIncomplete = false;     // an attribute was not stored, and no result reported that
+    bool _isIncomplete = false;     // an attribute was not stored
     Contents* _contents = nullptr;  // owned; null while there has been no attribute
     TAPPath* _path = nullptr;       // one reference, or null
 };

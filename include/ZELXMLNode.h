@@ -11,8 +11,8 @@
 // (each character that a name must not hold becomes "_", and an empty tag becomes "_"), while characters that XML
 // forbids in texts and bytes that are not UTF-8 are written as U+FFFD.
 // When memory runs out, a line that starts with "# Alloc failed in " goes to standard output, and a node that lacks
-// something for that is incomplete until it is assigned to: what ToXML() then returns is incomplete too. Nothing throws.
-// Distinct trees may be used from distinct threads, and one tree may be read by several.
+// something for that is incomplete until it is assigned to: what ToXML() then returns is incomplete too. Nothing
+// throws. Distinct trees may be used from distinct threads, and one tree may be read by several.
 #ifndef ZELXMLNODE_H
 #define ZELXMLNODE_H
 
@@ -89,8 +89,8 @@ public:
     // that has a text is written without any blank of ours, so that the text is read back as it was. Empty when memory
     // ran out or the result would reach 2 GiB. Incomplete also when any node of the tree is.
     ZELString ToXML() const noexcept;
-    // Writes ToXML() and flushes; writes nothing and sets failbit when that is incomplete. Compiled into the caller, so that its
-    // own stream library writes.
+    // Writes ToXML() and flushes; writes nothing and sets failbit when that is incomplete. Compiled into the caller, so
+    // that its own stream library writes.
     void Write(std::ostream& stream) const {
         const ZELString xml = ToXML();
         if (xml.IsIncomplete()) stream.setstate(std::ios_base::failbit);

@@ -78,14 +78,16 @@ int FilterState::Begin(URE_type type, FilterProgram* next) noexcept {
     return program != nullptr ? 0 : 1;
 }
 
-// False, and perhaps the old text kept, without memory; false also for a text that memory cut off.
+// False, and no text, without memory, and for a text that it cut off.
 bool FilterState::TakeText(const ZELUnicodeString& wanted) noexcept {
     const std::u32string_view stripped = WithoutBlanks(wanted.View());
     if (stripped.size() == wanted.View().size())
         text = wanted;
     else if (ZELUnicodeString copy = wanted.Strip(ZELStripBoth, FilterBlank); copy.View() == stripped)
         text = std::move(copy);
-    return text.View() == stripped && !wanted.IsIncomplete();
+    if (text.View() == stripped && !text.IsIncomplete() && !wanted.IsIncomplete()) return true;
+    text = ZELUnicodeString(ZELString::Incomplete());  // a copy shall not match by an older text
+    return false;
 }
 
 // Apart from CheckFromFilter(), whose stack frame stays small without the key.

@@ -173,31 +173,30 @@ int TAPObject::RemoveAttribute(const char* name) noexcept {
 }
 
 int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
-    if (name == nullptr || value._isIncomplete) return 1;
+    const TAPAttr* const found = Find(name);
+    const bool isGrowing = found == nullptr || found->_type == TAPAttr::TypeList ||
+                           found->_type == TAPAttr::TypeString || found->_type == TAPAttr::TypeInteger;
+    if (name == nullptr || !isGrowing) return 1;
+    if (!value._isIncomplete && AppendTo(name, std::move(value))) return 0;
+    _isIncomplete = true;
+    return 1;
+}
+
+// False without memory. What is there is nothing, a list, a text or an integer.
+bool TAPObject::AppendTo(const char* name, TAPAttr&& value) {
     TAPAttr* found = Find(name);
-    const bool isNew = found == nullptr;
-    if (isNew) {
+    if (found == nullptr) {
         TAPAttr list{ZELListValTAPAttr()};
-        if (list._type == TAPAttr::TypeList) Store(name, std::move(list));
-        found = Find(name);
-        if (found == nullptr) return 1;
+        if (list._isIncomplete || list._value.list->values.Append(value) != 0) return false;
+        return Store(name, std::move(list));
     }
-    switch (found->_type) {
-        case TAPAttr::TypeList:
-            if (found->_value.list->values.Append(value) == 0) return 0;
-            if (isNew) RemoveAttribute(name);
-            return 1;
-        case TAPAttr::TypeString: {
-            static_cast<void>(value.GetString());
-            if (found->_otherOwners == 0) return found->AppendText(value) ? 0 : 1;
-            TAPAttr longer(*found);
-            return longer.AppendText(value) && Store(name, std::move(longer)) ? 0 : 1;
-        }
-        case TAPAttr::TypeInteger:
-            return Store(name, WrappingSum(found->_value.integer, value.GetInteger())) ? 0 : 1;
-        default:
-            return 1;
-    }
+    if (found->_type == TAPAttr::TypeList) return found->_value.list->values.Append(value) == 0;
+    if (found->_type == TAPAttr::TypeInteger)
+        return Store(name, WrappingSum(found->_value.integer, value.GetInteger()));
+    static_cast<void>(value.GetString());
+    if (found->_otherOwners == 0) return found->AppendText(value);
+    TAPAttr longer(*found);
+    return longer.AppendText(value) && Store(name, std::move(longer));
 }
 
 int TAPObject::GetFirstAttributePosition() const noexcept {

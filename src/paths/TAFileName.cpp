@@ -3,7 +3,8 @@
 // last, since the new text may have been taken from it.
 //
 // Invariants: a block has at least one byte of text, but for that of incomplete names, and a terminator behind it; its
-// room ends at a multiple of the normaliser's step. The dangerous case is the count, which is not atomic: see the header.
+// room ends at a multiple of the normaliser's step. The dangerous case is the count, which is not atomic: see the
+// header.
 
 #include "TAFileName.h"
 

@@ -256,10 +256,11 @@ int ZELXMLNode::RemoveListener(ZELXMLNodeListener* listener) noexcept {
 ZELString ZELXMLNode::ToXML() const noexcept {
     XMLOutput xml;
     int level = 0;
+    bool isIncomplete = false;
     const ZELXMLNode* verbatim = nullptr;  // the outermost of the open nodes that has a text
     const auto isEmpty = [](const ZELXMLNode& node) { return node._text.Length() == 0 && node.GetNodeCount() == 0; };
     const auto enter = [&](const ZELXMLNode& node) {
-        if (node._tag.IsIncomplete() || node._text.IsIncomplete()) xml.Fail();
+        isIncomplete = isIncomplete || node._tag.IsIncomplete() || node._text.IsIncomplete();
         if (verbatim == nullptr) xml.PutIndentation(level);
         xml.Put("<").Put(node._tag.View());
         for (const Attribute& attribute : node._attributes) {
@@ -283,5 +284,7 @@ ZELString ZELXMLNode::ToXML() const noexcept {
         return !xml.HasFailed();
     };
     Walk(*this, enter, leave);
-    return xml.Take();
+    ZELString text = xml.Take();
+    if (isIncomplete) text += ZELString::Incomplete();
+    return text;
 }
