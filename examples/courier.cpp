@@ -28,6 +28,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 #include "ZELString.h"
 #include "courier/send.h"
@@ -69,14 +70,14 @@ struct Words {
     int patience = 60;
 };
 
-// False for a command line that makes no sense. What stands behind "--" is no option.
+// False for a command line that makes no sense, or found no memory. What stands behind "--" is no option.
 bool Read(int argc, char** argv, Words& words) {
     bool areOptions = true;
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument(argv[i]);
         const std::string_view value = i + 1 < argc ? argv[i + 1] : "";
         if (!areOptions || !argument.starts_with("--")) {
-            words.plain.Append(argv[i]);
+            if (words.plain.Append(argv[i]) != 0) return false;
         } else if (argument == "--") {
             areOptions = false;
         } else if (argument == "--port" || argument == "--timeout") {
@@ -103,7 +104,7 @@ int Main(int argc, char** argv) {
     if (verb != "send" || words.port >= 0 || words.plain.Size() < 3 || !ReadAddress(words.plain[2].View(), options))
         return Usage(stderr, 2);
     words.plain.RemovePosition(1, 2);
-    options.paths = words.plain;
+    options.paths = std::move(words.plain);
     return Send(options);
 }
 

@@ -71,7 +71,8 @@ bool WriteReport(Run& run, const ZELString& name) {
     const bool hasStyle = (directory + StyleSheet).IsFile() != 0;
     if (!hasStyle) Trace("no style sheet was found: RkrkROOT_PATH shall name the root that holds resources", 0);
     ZELListValZELString page = MakePage(run, hasStyle ? StyleSheet : "", Dump);
-    isComplete = WriteFile((directory + "index.html").GetNativeName(), page) == 0 && isComplete;
+    const bool isWritten = page.Size() > 0 && WriteFile((directory + "index.html").GetNativeName(), page) == 0;
+    isComplete = isWritten && isComplete;
     return DumpRun(run, (directory + Dump).dirname(1)) && isComplete;
 }
 

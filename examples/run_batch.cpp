@@ -53,7 +53,7 @@ struct Options {
 struct Command {
     int line;
     ZELString text;
-    int number = 0;  // in the batch
+    int number = 0;  // in the batch; -1: memory ran out for it
     int status = 0;  // of the batch: waiting, running, done
     Clock::time_point begin;
     double seconds = 0;
@@ -71,7 +71,7 @@ bool ReadCommands(const ZELString& file, std::vector<Command>& commands) {
     ZELString text;
     for (int line = 1; NextLine(stream, text); ++line)
         if (IsComment(text) == 0) commands.push_back({line, text, 0, Waiting, {}, 0, false});
-    return stream.ReadError() == 0;
+    return WasReadWhole(stream, text);
 }
 
 TAFileName LogOf(const Command& command, const Options& options) {
@@ -109,7 +109,8 @@ public:
     int Code(const Command& command) const { return _list.GetReturnCode(command.number); }
     int Failed() const {
         int failed = 0;
-        for (const Command& command : _commands) failed += command.status == Done && Code(command) != 0;
+        for (const Command& command : _commands)
+            failed += command.number < 0 || (command.status == Done && Code(command) != 0);
         return failed;
     }
 

@@ -65,7 +65,7 @@ class Tree {
 public:
     Tree(const ZELString& directory, const ZELString& match) : _match(match) {
         ZELListValZELString waiting;
-        waiting.Append(directory);
+        if (waiting.Append(directory) != 0) Miss(directory);
         while (waiting.Size() > 0) {
             const ZELString current = waiting[waiting.Size()];
             waiting.RemovePosition(waiting.Size());
@@ -90,12 +90,12 @@ private:
             const ZELString path = directory + "/" + entry.name;
             ZELString name(entry.name);
             // On Linux a name may hold a backslash, which a path reads as a separator: such entries are left out.
-            if (std::strchr(entry.name, '\\') != nullptr)
-                Miss(path);
-            else if (entry.kind == ZELEntryDirectory)
-                waiting.Append(path);
-            else if (entry.kind == ZELEntryFile && TestMatchWithLogExp(name, _match) != 0)
-                _files.Append(path);
+            bool isTaken = std::strchr(entry.name, '\\') == nullptr && !name.IsIncomplete();
+            if (isTaken && entry.kind == ZELEntryDirectory)
+                isTaken = waiting.Append(path) == 0;
+            else if (isTaken && entry.kind == ZELEntryFile && TestMatchWithLogExp(name, _match) != 0)
+                isTaken = _files.Append(path) == 0;
+            if (!isTaken) Miss(path);
         }
     }
     void Miss(const ZELString& path) {
@@ -116,14 +116,16 @@ public:
         long count = 0;
     };
 
-    void Count(std::string_view identifier) {
+    // False without memory.
+    bool Count(std::string_view identifier) {
         void* count = nullptr;
         if (_map.search(identifier, &count) != 0) {
             ++*static_cast<long*>(count);
-        } else {
-            _counts.push_back(1);
-            _map.insert(ZELString(identifier), &_counts.back());
+            return true;
         }
+        _counts.push_back(1);
+        const ZELString key(identifier);
+        return !key.IsIncomplete() && _map.insert(key, &_counts.back()) != nullptr;
     }
     int Distinct() { return _map.size(); }
 
@@ -195,8 +197,9 @@ private:
         const int result = ZELFilePrepro(text, all.size()).preprocess(removed, stripped);
         if (result == 1) return Miss(file);
         if (result == 2) ++_totals.unfinished;
-        CountText(stripped);
+        const bool isCounted = CountText(stripped);
         std::free(stripped);
+        if (!isCounted) Miss(file);
     }
 
     void Miss(const ZELFileBuffer& file) {
@@ -204,15 +207,18 @@ private:
         TraceErr(ZELString("cannot read ") + file.getFileName());
     }
 
-    void CountText(std::string_view text) {
+    // False without memory.
+    bool CountText(std::string_view text) {
+        bool areCounted = true;
         for (std::size_t i = 0; i < text.size(); ++i) {
             if (!ContinuesIdentifier(text[i])) continue;
             const std::size_t begin = i;
             while (i + 1 < text.size() && ContinuesIdentifier(text[i + 1])) ++i;
             if (!BeginsIdentifier(text[begin])) continue;
             ++_totals.identifiers;
-            _identifiers.Count(text.substr(begin, i + 1 - begin));
+            areCounted = _identifiers.Count(text.substr(begin, i + 1 - begin)) && areCounted;
         }
+        return areCounted;
     }
 
     Totals _totals;

@@ -39,6 +39,8 @@ public:
     const char* GetNameChar() const noexcept { return _name; }
     void SetName(ZELString name) noexcept;
 
+    // An incomplete ZELString is a null key: it is not stored, found or removed.
+    //
     // Not 0, and the old value stays, when the key is present; otherwise 0, also when nothing could be stored (a null
     // key, no memory).
     int Insert(const char* key, void* value) noexcept;

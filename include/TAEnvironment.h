@@ -63,7 +63,8 @@ public:
 
     // Sets the variable; an empty value removes it. 0 on success, and also, nothing done, without a name or a value.
     // A value whose length alone reaches the capacity is refused with 1 and two warning lines on standard output, as is
-    // one that the system does not take, with 1 alone. `value` may be what Value() or GetEnvironmentValue() gave.
+    // one that the system does not take, and one of a name that found no memory, with 1 alone. `value` may be what
+    // Value() or GetEnvironmentValue() gave.
     int PutEnvironmentValue(const char* value) const noexcept;
     // Removes the variable by putting the empty value, with its results; 0 when there is no name or nothing to remove.
     int UnsetEnvironmentValue() const noexcept;
@@ -78,10 +79,12 @@ public:
 
 private:
     void copy(const TAEnvVariable& other) noexcept;
+    void Lose() noexcept;
 
     char* _name;
     char* _buffer;  // room for the name, "=" and _capacity bytes
     int _capacity;
+    bool _isLost = false;  // the name found no memory
 };
 
 #endif

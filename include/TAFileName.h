@@ -33,9 +33,7 @@ public:
     // The first `length` bytes of `path`, which need no terminator; a negative length counts as 0.
     TAFileName(const char* path, int length) noexcept;
     TAFileName(const ZELString& path) noexcept;
-    TAFileName(const TAFileName& other) noexcept : _block(other._block) {
-        if (_block != nullptr) ++_block->count;
-    }
+    TAFileName(const TAFileName& other) noexcept : _block(Share(other._block)) {}
     TAFileName(TAFileName&& other) noexcept : _block(other._block) { other._block = nullptr; }
     ~TAFileName() { Release(); }
 
@@ -165,7 +163,12 @@ private:
         return left.size() == right.size() && HasSameLetters(left.data(), right.data(), left.size());
     }
     static bool HasSameLetters(const char* left, const char* right, std::size_t length) noexcept;
-    static Block* ShareIncomplete() noexcept;
+    static Block* IncompleteBlock() noexcept;
+    // One owner more. All incomplete names, of all threads, have one block without text, whose owners are not counted.
+    static Block* Share(Block* block) noexcept {
+        if (block != nullptr && block->length != 0) ++block->count;
+        return block;
+    }
     static Block* NewBlock(std::size_t length) noexcept;
     static Block* MakeBlock(const Text& text) noexcept;
     static Block* MakeBlock(const Text& first, const Text& separator, const Text& second) noexcept;
@@ -179,7 +182,7 @@ private:
     }
     void SetBlock(Block* block) noexcept;
     void Release() noexcept {
-        if (_block != nullptr && --_block->count <= 0) FreeBlock();
+        if (_block != nullptr && _block->length != 0 && --_block->count <= 0) FreeBlock();
     }
     void FreeBlock() noexcept;
 

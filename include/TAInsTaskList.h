@@ -34,7 +34,8 @@ public:
     // left out as well. These two are compared as they are put together here, so on Windows, where paths are in device
     // form, they leave nothing out unless `dir` is in that form. A null `name` leaves nothing out.
     // Returns the number. 0 for a null `dir`, for one that is empty, the root or a bare drive, for a drive that does
-    // not exist, and when the system has more than 1000 processes or tells none.
+    // not exist, and when the system has more than 1000 processes or tells none, and when memory runs
+    // out before the search.
     int TAInsCheckTask(const char* dir, char* name) noexcept;
 
     // Stores the number, and, when there are some, the paths of their programs, cut at 259 characters. They belong to

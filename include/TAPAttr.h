@@ -18,7 +18,8 @@
 //   names: see TAFileName.h). The caller of a getter releases the returned object or path.
 // Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in TAPAttr" goes to standard
 //   output. Then a constructed attribute is an empty text, or null in place of a file name or a list; an assignment
-//   leaves the attribute as it was.
+//   leaves the attribute as it was. Such an attribute, and one made from an incomplete text or name, is incomplete,
+//   and so are its copies: GetString() passes that on, and a dump reports it.
 // Complexity: copying a text takes constant time. Lists may be nested as deep as memory allows: copying and destroying
 //   them use no stack for each level.
 // Threads: distinct attributes may be used from distinct threads if they share neither object nor path.
@@ -51,7 +52,7 @@ public:
     // An attribute of code 0; never destroyed.
     static const TAPAttr& Null;
 
-    constexpr TAPAttr() noexcept : _value{}, _type(TypeNull), _otherOwners(0) {}
+    constexpr TAPAttr() noexcept : _value{}, _type(TypeNull), _otherOwners(0), _isIncomplete(0) {}
     // The text up to its first NUL; null counts as empty.
     TAPAttr(const char* text) noexcept;
     TAPAttr(const ZELString& text) noexcept;
@@ -108,6 +109,11 @@ public:
     }
 #endif
 
+    // Whether memory ran out for the value, or for the text or name that it was made from.
+    bool IsIncomplete() const noexcept {
+        return _isIncomplete != 0;
+    }
+
     // Writes this value to a dump that is under way (docs/dump-format.md) and returns the name of its kind: "Null",
     // "AttrString", "AttrFileName", "AttrObject", "AttrList", "AttrInteger" or "AttrPath".
     ZELString SaveToFile(int id, TAPObjectSaveContext& context) const noexcept;
@@ -148,11 +154,14 @@ private:
     bool Copy(const TAPAttr& other) noexcept;
     bool CopyList(const ZELListValTAPAttr& list) noexcept;
     bool AppendText(const TAPAttr& tail) noexcept;
+    ZELString Text() const noexcept;
     // Takes the value out of `other`, which becomes null; this was null or a number.
     void Take(TAPAttr&& other) noexcept {
         _value = other._value;
         _type = other._type;
+        _isIncomplete = other._isIncomplete;
         other._type = TypeNull;
+        other._isIncomplete = 0;
     }
     void Free() noexcept;
     int Differs(const TAPAttr& other) const noexcept;
@@ -161,7 +170,8 @@ private:
 
     Content _value;
     int _type;
-    unsigned int _otherOwners;  // objects that share this attribute beside the first; always 0 outside of objects
+    unsigned int _otherOwners : 31;  // objects that share this attribute beside the first; always 0 outside of objects
+    unsigned int _isIncomplete : 1;
 };
 
 // A list of attributes that owns copies; positions begin at 1.

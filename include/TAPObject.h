@@ -23,7 +23,7 @@
 //   one of them appends to a list.
 // Errors: no exceptions. When memory runs out, a line that starts with "# Alloc failed in " goes to standard output,
 // and
-//   the object stays as it was.
+//   the object stays as it was. From then on it counts as incomplete, and SaveToFile with an error reports that.
 // Threads: a tree belongs to one thread at a time.
 // Blocking: only saving, as long as the disk.
 // Complexity: trees may be as deep as memory allows: saving and destroying them use no stack for each level.
@@ -100,7 +100,8 @@ public:
     // An object that is met again inside itself is not followed: "   WARNING : object met again inside itself, not
     // saved as " + its identifier there goes to standard output. One that hangs in several places is saved at each.
     int SaveToFile(TAFileName directory) noexcept;
-    // The same, but 0 if all was written, else 1, and in `error` the file and the reason of a failure.
+    // The same, but 0 if all was written, else 1, and in `error` the file and the reason of a failure; 1 also when an
+    // object or attribute of the tree is incomplete.
     int SaveToFile(TAFileName directory, ZELString& error) noexcept;
     // The same into a dump that is under way, under an identifier that was taken for it.
     int SaveToFile(int id, TAPObjectSaveContext& context) noexcept;
@@ -110,9 +111,13 @@ private:
     struct Contents;
 
     TAPAttr* Find(const char* name) const noexcept;
-    TAPAttr* Put(const char* name, TAPAttr* made) noexcept;
+    bool Put(const char* name, TAPAttr* made, TAPAttr*& old) noexcept;
+    bool Store(const char* name, TAPAttr&& value) noexcept;
+    bool AppendTo(const char* name, TAPAttr&& value);
+    static Contents* CopyContents(const Contents* other) noexcept;
     void PassPath(const char* name, TAPObject* child) noexcept;
 
+    bool _isIncomplete = false;     // an attribute was not stored
     Contents* _contents = nullptr;  // owned; null while there has been no attribute
     TAPPath* _path = nullptr;       // one reference, or null
 };

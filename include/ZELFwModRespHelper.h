@@ -36,7 +36,8 @@ public:
     ZELFwModRespHelper& operator=(const ZELFwModRespHelper&) noexcept = default;
     virtual ~ZELFwModRespHelper();
 
-    // Always 0. Files that cannot be opened count as empty. Each kind is read once: later calls change nothing.
+    // Always 0. Files that cannot be opened count as empty; one that cannot be read to its end is told. Each kind is
+    // read once: later calls change nothing.
     int parseFiles(const char* orgFile, const char* componentFile) noexcept;
 
     // The code, or the whole line of the organisation file that has this code. Null when an argument is, and when there

@@ -39,6 +39,16 @@ private:
     char _value;
 };
 
+class ZELString;
+
+// A name or a text of another class that knows whether something of it is missing.
+template <class Text>
+concept ZELMarkedText = !std::derived_from<Text, ZELString> && requires(const Text& text) {
+    text.IsIncomplete();
+    text.View();
+    static_cast<const char*>(text);
+};
+
 class ZEL_API ZELString {
 public:
     // The longest text that is kept inside the object.
@@ -58,6 +68,11 @@ public:
         } else {
             Assign(text);
         }
+    }
+    // The 8-bit text of a TAFileName or a ZELUnicodeString, which takes over that it is incomplete. So do = and +=.
+    template <ZELMarkedText Text>
+    explicit ZELString(const Text& text) noexcept : ZELString(static_cast<const char*>(text)) {
+        if (text.IsIncomplete() || (_length == 0 && !text.View().empty())) _isIncomplete = 1;
     }
     // A string whose text is inside the object is copied whole, at a fixed size: no test of the length, no loop.
     ZELString(const ZELString& other) noexcept : ZELString() {
@@ -95,6 +110,11 @@ public:
         return *this;
     }
 
+    template <ZELMarkedText Text>
+    ZELString& operator=(const Text& text) noexcept {
+        return *this = ZELString(text);
+    }
+
     // The NUL-terminated text, owned by the string and valid until it changes or ends. Never null.
     operator const char*() const noexcept { return Text(); }
     const char* CastToCharPtr() const noexcept { return Text(); }
@@ -127,6 +147,10 @@ public:
         return Append(text.View());
     }
     ZELString& operator+=(const char* text) noexcept { return Append(std::string_view(text ? text : "")); }
+    template <ZELMarkedText Text>
+    ZELString& operator+=(const Text& text) noexcept {
+        return *this += ZELString(text);
+    }
     template <std::same_as<char> Character>
     ZELString& operator+=(Character character) noexcept {
         return Append(std::string_view(&character, 1));

@@ -10,8 +10,9 @@
 // What is written is well-formed, whatever was put in: tags and attribute names become XML names when they are set
 // (each character that a name must not hold becomes "_", and an empty tag becomes "_"), while characters that XML
 // forbids in texts and bytes that are not UTF-8 are written as U+FFFD.
-// When memory runs out, a line that starts with "# Alloc failed in " goes to standard output. Nothing throws.
-// Distinct trees may be used from distinct threads, and one tree may be read by several.
+// When memory runs out, a line that starts with "# Alloc failed in " goes to standard output, and a node that lacks
+// something for that is incomplete until it is assigned to: what ToXML() then returns is incomplete too. Nothing
+// throws. Distinct trees may be used from distinct threads, and one tree may be read by several.
 #ifndef ZELXMLNODE_H
 #define ZELXMLNODE_H
 
@@ -86,13 +87,13 @@ public:
     // The tree as UTF-8, ending with a line feed, without an XML declaration (none is needed, and so one tree may be
     // put into another document). Each level is indented by two blanks more, up to 32 levels. The content of a node
     // that has a text is written without any blank of ours, so that the text is read back as it was. Empty when memory
-    // ran out or the result would reach 2 GiB.
+    // ran out or the result would reach 2 GiB. Incomplete also when any node of the tree is.
     ZELString ToXML() const noexcept;
-    // Writes ToXML() and flushes; sets failbit when there is nothing to write. Compiled into the caller, so that its
-    // own stream library writes.
+    // Writes ToXML() and flushes; writes nothing and sets failbit when that is incomplete. Compiled into the caller, so
+    // that its own stream library writes.
     void Write(std::ostream& stream) const {
         const ZELString xml = ToXML();
-        if (xml.Length() == 0) stream.setstate(std::ios_base::failbit);
+        if (xml.IsIncomplete()) stream.setstate(std::ios_base::failbit);
         stream.write(xml, xml.Length()).flush();
     }
 
@@ -112,6 +113,8 @@ private:
     ZELXMLNode& AddOwned(ZELXMLNode* node) noexcept;
     int LocateAttribute(const ZELString& name) const noexcept;
     int AppendAttribute(const Attribute& attribute) noexcept;
+    // The tag keeps in mind that something of this node found no memory.
+    void MarkIncomplete() noexcept { _tag += ZELString::Incomplete(); }
     ZELXMLNodeListener* GetListener(int position) const noexcept { return _listeners[position]; }
     static ZELXMLNode* MakeNode() noexcept;
     template <class Enter, class Leave>

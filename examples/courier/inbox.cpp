@@ -35,16 +35,16 @@ ZELString Inbox::Enter(std::string_view name) const {
 ZELString Inbox::EnterAll(std::string_view name) const {
     for (std::size_t end = 0; end < name.size(); ++end) {
         end = std::min(name.find('/', end), name.size());
-        if (ZELString problem = Enter(name.substr(0, end)); problem.Length() > 0) return problem;
+        if (ZELString problem = Enter(name.substr(0, end)); IsProblem(problem)) return problem;
     }
     return "";
 }
 
 ZELString Inbox::FindPlace(std::string_view name, ZELString& path) const {
-    if (const ZELString problem = NameProblem(name); problem.Length() > 0) return "the name " + problem;
+    if (const ZELString problem = NameProblem(name); IsProblem(problem)) return "the name " + problem;
     const std::size_t slash = name.rfind('/');
     if (slash != name.npos)
-        if (ZELString problem = EnterAll(name.substr(0, slash)); problem.Length() > 0) return problem;
+        if (ZELString problem = EnterAll(name.substr(0, slash)); IsProblem(problem)) return problem;
     path = Below(_directory, ZELString(name));
     const Place::Kind kind = LookAt(path).kind;
     if (kind == Place::Kind::Nothing || kind == Place::Kind::File) return "";
@@ -53,13 +53,13 @@ ZELString Inbox::FindPlace(std::string_view name, ZELString& path) const {
 
 ZELString Inbox::MakeDirectory(std::string_view name) const {
     const ZELString problem = NameProblem(name);
-    return problem.Length() > 0 ? "the name " + problem : EnterAll(name);
+    return IsProblem(problem) ? "the name " + problem : EnterAll(name);
 }
 
 Arrival::~Arrival() {
-    if (_temporary.Length() == 0) return;
+    if (_temporary.IsNull() != 0) return;
     _stream.close();
-    TAFileName(_temporary).Delete();
+    _temporary.Delete();
 }
 
 ZELString Arrival::Begin(const ZELString& path) {
@@ -69,10 +69,9 @@ ZELString Arrival::Begin(const ZELString& path) {
     const ZELString temporary = ZELString(text.substr(0, text.rfind('/') + 1)) + ".courier-" + names.Get();
     // An identifier is new, but somebody who foresaw it could have put a link there.
     if (LookAt(temporary).kind != Place::Kind::Nothing) return "it cannot be written: its temporary name is taken";
-    if (_stream.open(temporary, "wb") != 0)
-        return ZELString("it cannot be written: ") + std::strerror(_stream.GetErrno());
-    _temporary = temporary;
-    return "";
+    _temporary = temporary;  // from now on it may be there, also when opening fails
+    if (!_temporary.IsIncomplete() && _stream.open(temporary, "wb") == 0) return "";
+    return ZELString("it cannot be written: ") + std::strerror(_stream.GetErrno());
 }
 
 ZELString Arrival::Add(const char* bytes, int size) {
@@ -82,7 +81,7 @@ ZELString Arrival::Add(const char* bytes, int size) {
 
 ZELString Arrival::Settle() {
     if (_stream.close() != 0) return "it cannot be written to its end";
-    if (!MoveInto(_temporary, _path)) return "it cannot be put in its place";
-    _temporary = "";
+    if (!MoveInto(ZELString(_temporary), _path)) return "it cannot be put in its place";
+    _temporary = TAFileName();
     return "";
 }

@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "TAFileName.h"
 #include "YAVFStream.h"
 #include "ZELString.h"
 
@@ -38,7 +39,8 @@ public:
     ZELString Settle();
 
 private:
-    ZELString _path, _temporary;  // the second is empty while there is no such file
+    ZELString _path;
+    TAFileName _temporary;  // null while there is no such file; a name, so that deleting it needs no memory
     YAVOFStream _stream;
 };
 

@@ -22,7 +22,7 @@ void Parcel::Add(const ZELString& path) {
     const TAFileName file = TAFileName(path).basename(1);  // "dir" also of "dir/"
     const bool hasName = last != "." && last != ".." && !file.IsNull() && !file.View().ends_with(':');
     const ZELString name(hasName ? file.View() : "");
-    if (const ZELString problem = NameProblem(name.View()); hasName && problem.Length() > 0)
+    if (const ZELString problem = NameProblem(name.View()); hasName && IsProblem(problem))
         return Miss(path, "its name " + problem);
     switch (LookBehind(path).kind) {
         case Place::Kind::File:
@@ -57,7 +57,7 @@ void Parcel::AddDirectory(const ZELString& path, const ZELString& name) {
         if (!isGood || end != 0 || std::strcmp(entry.name, ".") == 0 || std::strcmp(entry.name, "..") == 0) continue;
         const ZELString entryPath = Below(path, entry.name);
         const ZELString problem = NameProblem((name + entry.name).View());
-        if (problem.Length() > 0)
+        if (IsProblem(problem))
             Miss(entryPath, "its name " + problem);
         else if (entry.kind == ZELEntryFile || entry.kind == ZELEntryDirectory)
             _items.push_back({entryPath, name + entry.name, entry.kind == ZELEntryDirectory, false});

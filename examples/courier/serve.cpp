@@ -79,14 +79,14 @@ private:
         Arrival arrival;
         ZELString path;
         ZELString problem = _inbox.FindPlace(name, path);
-        if (problem.Length() == 0) problem = arrival.Begin(path);
+        if (!IsProblem(problem)) problem = arrival.Begin(path);
         ContentSum sum;
         ZELString announced;
         if (!TakeContent(arrival, name, size, sum, problem) || !_talk.Hear(announced)) return false;
-        if (announced != "sum " + sum.Text() && problem.Length() == 0)
+        if (announced != "sum " + sum.Text() && !IsProblem(problem))
             problem = announced.View().starts_with("sum ") ? "the checksum differs"
                                                            : "the sender could not read it to its end";
-        if (problem.Length() == 0) problem = arrival.Settle();
+        if (!IsProblem(problem)) problem = arrival.Settle();
         return Answer(name, problem, "ok " + sum.Text());
     }
 
@@ -96,13 +96,13 @@ private:
         long long received = 0;
         while (_talk.HearBlock(block)) {
             if (block.size == 0) {
-                if (received < size && problem.Length() == 0) problem = "the sender could not read it to its end";
+                if (received < size && !IsProblem(problem)) problem = "the sender could not read it to its end";
                 return true;
             }
             received += block.size;
             if (received > size) return HangUp("more than was announced");
             sum.Add(block.bytes.get(), static_cast<std::size_t>(block.size));
-            if (problem.Length() == 0) problem = arrival.Add(block.bytes.get(), block.size);
+            if (!IsProblem(problem)) problem = arrival.Add(block.bytes.get(), block.size);
             _progress.Show([&] {
                 return toString(_taken) + " taken, " + toString(static_cast<int>(received * 100 / size)) + "% of " +
                        Printable(name.substr(0, 20)) + ", " + _talk.Speed();
@@ -113,7 +113,7 @@ private:
 
     bool Answer(std::string_view name, const ZELString& problem, const ZELString& good) {
         _progress.Clear();
-        if (problem.Length() == 0) {
+        if (!IsProblem(problem)) {
             ++_taken;
             Trace("took " + Printable(name) + (good == "ok" ? "/" : good.SubString(2, 9)), 0);
             return _talk.Tell(good);
@@ -151,7 +151,7 @@ bool Receive(TASocket& server, const Inbox& inbox, int patience) {
 
 int Serve(const ServeOptions& options) {
     const Inbox inbox(options.directory);
-    if (const ZELString problem = inbox.Open(); problem.Length() > 0) {
+    if (const ZELString problem = inbox.Open(); IsProblem(problem)) {
         TraceStdErr("courier: " + problem);
         return 1;
     }

@@ -10,12 +10,12 @@
 // Not substituteEntities, which has a word of its own for the ampersand.
 ZELString Escaped(const ZELString& text) {
     char* block = static_cast<char*>(std::malloc(text.View().size() + 1));
-    if (block == nullptr) return "";
+    if (block == nullptr) return ZELString::Incomplete();
     std::memcpy(block, text.CastToCharPtr(), text.View().size() + 1);
-    encodeXMLString(block);
+    const bool isEscaped = encodeXMLString(block) != 0 || text.View().find_first_of("&<>\"'") == std::string_view::npos;
     const ZELString escaped(block);
     std::free(block);
-    return escaped;
+    return isEscaped && !text.IsIncomplete() ? escaped : ZELString::Incomplete();
 }
 
 ZELString Grouped(long long number) {

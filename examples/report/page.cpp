@@ -22,10 +22,11 @@ public:
     void Words();
     void Counters();
     void Foot(const ZELString& dump);
-    const ZELListValZELString& Lines() const { return _lines; }
+    // None when memory ran out for one.
+    ZELListValZELString Lines() const { return _isWhole ? _lines : ZELListValZELString(); }
 
 private:
-    void Add(const ZELString& line) { _lines.Append(line); }
+    void Add(const ZELString& line) { _isWhole = _lines.Append(line) == 0 && _isWhole; }
     void Figure(const ZELString& number, const char* what) { Add("<li><b>" + number + "</b> " + what + "</li>"); }
     void CommandTable(const Batch& batch);
     void CommandRow(const Command& command, double share);
@@ -33,6 +34,7 @@ private:
 
     const Run& _run;
     ZELListValZELString _lines;
+    bool _isWhole = true;
 };
 
 void Page::Head(const ZELString& styleSheet) {
@@ -45,7 +47,9 @@ void Page::Head(const ZELString& styleSheet) {
     if (!_run.batches.empty()) menu.Append("<a href=\"#commands\">Commands</a>");
     if (!_run.scans.empty()) menu.Append("<a href=\"#identifiers\">Identifiers</a>");
     menu.Append("<a href=\"#counters\">Counters</a>");
-    for (const ZELString& fragment : BuildHtmlBanner("Report of a run", menu, "index.html", "")) Add(fragment);
+    const ZELListValZELString banner = BuildHtmlBanner("Report of a run", menu, "index.html", "");
+    _isWhole = banner.Size() > 0 && _isWhole;
+    for (const ZELString& fragment : banner) Add(fragment);
 }
 
 void Page::Totals() {

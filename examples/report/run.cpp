@@ -108,7 +108,7 @@ bool ReadRecord(const ZELString& file, Run& run) {
             TraceStdErr(ZELString("report_run: ") + file + ", line " + toString(number) + " is none of a record");
             return false;
         }
-    if (stream.isOpen() != 0 && stream.ReadError() == 0) return true;
+    if (WasReadWhole(stream, line)) return true;
     TraceStdErr(ZELString("report_run: cannot read ") + file);
     return false;
 }

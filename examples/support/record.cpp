@@ -15,7 +15,7 @@ void Record::Add(std::initializer_list<std::string_view> fields) {
         for (const char character : field) line += static_cast<unsigned char>(character) < ' ' ? ' ' : character;
     }
     line += '\n';
-    _isWhole = _stream.write(line, line.View().size()) == 0;
+    _isWhole = !line.IsIncomplete() && _stream.write(line, line.View().size()) == 0;
 }
 
 void Record::AddCounters() {

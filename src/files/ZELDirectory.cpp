@@ -97,5 +97,6 @@ int ZELCloseDirectory(ZELDirectoryHandle* directory) noexcept {
 
 std::int32_t ZELFCopy(ZELUnicodeString* from, ZELUnicodeString* to, int replaceExisting) noexcept {
     if (from == nullptr || to == nullptr) return ZELCopyNullArgument;
+    if (from->IsIncomplete() || to->IsIncomplete()) return ZELCopyNoMemory;
     return StatusNumber(CopyWholeFile(*from, *to, replaceExisting != 0));
 }

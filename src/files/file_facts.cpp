@@ -42,6 +42,7 @@ ZELXMLNode Describe(const TAFileName& file, const char* tag, bool tellsWritable)
 
 int CopyFileW(TAFileName source, TAFileName destination) noexcept {
     if (source.IsFile() == 0) return 1;
+    if (destination.IsIncomplete()) return 1;
     ZELUnicodeString from(source), to(destination);
     return ZELFCopy(&from, &to, 1) >= 0 ? 0 : 1;
 }

@@ -78,14 +78,16 @@ int FilterState::Begin(URE_type type, FilterProgram* next) noexcept {
     return program != nullptr ? 0 : 1;
 }
 
-// False, and the old text kept, without memory.
+// False, and no text, without memory, and for a text that it cut off.
 bool FilterState::TakeText(const ZELUnicodeString& wanted) noexcept {
     const std::u32string_view stripped = WithoutBlanks(wanted.View());
     if (stripped.size() == wanted.View().size())
         text = wanted;
     else if (ZELUnicodeString copy = wanted.Strip(ZELStripBoth, FilterBlank); copy.View() == stripped)
         text = std::move(copy);
-    return text.View() == stripped;
+    if (text.View() == stripped && !text.IsIncomplete() && !wanted.IsIncomplete()) return true;
+    text = ZELUnicodeString(ZELString::Incomplete());  // a copy shall not match by an older text
+    return false;
 }
 
 // Apart from CheckFromFilter(), whose stack frame stays small without the key.
@@ -107,7 +109,7 @@ TAUnicodeRegularExpression::TAUnicodeRegularExpression() noexcept {
 }
 
 TAUnicodeRegularExpression::TAUnicodeRegularExpression(const ZELUnicodeString& f) noexcept {
-    if (f.GetLengthInChar() < 1)
+    if (f.GetLengthInChar() < 1 && !f.IsIncomplete())
         SetFilter(matchesAll, URE_Memoised);
     else
         SetFilter(f, URE_Memoised);
@@ -143,7 +145,8 @@ ZELUnicodeString TAUnicodeRegularExpression::GetFilter() const noexcept {
 }
 
 int TAUnicodeRegularExpression::CheckFromFilter(const ZELUnicodeString& candidate) noexcept {
-    if (_state == nullptr || _state->program == nullptr || candidate.IsNull() != 0) return 0;
+    if (_state == nullptr || _state->program == nullptr || candidate.IsNull() != 0 || candidate.IsIncomplete())
+        return 0;
     const std::u32string_view text = WithoutBlanks(candidate.View());
     if (_state->memo.Remembers(_state->program->Text())) return _state->CheckWithMemo(text);
     return MatchFilter(*_state->program, text) == 1 ? 1 : 0;

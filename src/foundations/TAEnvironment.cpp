@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "TADiagnostics.h"
 #include "base/failure_report.h"
@@ -69,7 +70,7 @@ ZELString GetWorkDir() noexcept {
 }
 
 int SetWorkDir(ZELString dir) noexcept {
-    return SetWorkingDirectory(dir) ? 0 : -1;
+    return !dir.IsIncomplete() && SetWorkingDirectory(dir) ? 0 : -1;
 }
 
 int GetOSVersionInfo(OSVERSIONINFOEXW& info) noexcept {
@@ -93,7 +94,9 @@ ZELString TAGetTempDir() noexcept {
 TAEnvVariable::TAEnvVariable(const char* name, int capacity) noexcept
     : _name(name != nullptr && *name != '\0' ? Duplicate(name) : nullptr),
       _buffer(capacity > 0 ? MakeBuffer(_name, capacity) : nullptr),
-      _capacity(capacity) {}
+      _capacity(capacity) {
+    if (name != nullptr && *name != '\0' && _name == nullptr) Lose();
+}
 
 TAEnvVariable::TAEnvVariable(const TAEnvVariable& other) noexcept : _name(nullptr), _buffer(nullptr), _capacity(0) {
     copy(other);
@@ -109,7 +112,13 @@ TAEnvVariable::~TAEnvVariable() {
     Free(_buffer);
 }
 
-// Everything is made before anything is given up, so that an object for which memory runs out stays as it was.
+// Without memory for its name, a variable has none: another one shall not be set in its place.
+void TAEnvVariable::Lose() noexcept {
+    Free(std::exchange(_name, nullptr));
+    Free(std::exchange(_buffer, nullptr));
+    _isLost = true;
+}
+
 void TAEnvVariable::copy(const TAEnvVariable& other) noexcept {
     const bool hasText = other._buffer != nullptr && *other._buffer != '\0';
     const int capacity = hasText ? static_cast<int>(std::strlen(other._buffer) + 1) : _capacity;
@@ -118,7 +127,7 @@ void TAEnvVariable::copy(const TAEnvVariable& other) noexcept {
     if ((name == nullptr && other._name != nullptr) || (buffer == nullptr && hasText)) {
         Free(name);
         Free(buffer);
-        return;
+        return Lose();
     }
     if (hasText) std::strcpy(buffer, other._buffer);
     Free(_name);
@@ -126,10 +135,11 @@ void TAEnvVariable::copy(const TAEnvVariable& other) noexcept {
     _name = name;
     _buffer = buffer;
     _capacity = capacity;
+    _isLost = other._isLost;
 }
 
 int TAEnvVariable::PutEnvironmentValue(const char* value) const noexcept {
-    if (_name == nullptr || value == nullptr) return 0;
+    if (_name == nullptr || value == nullptr) return _isLost && value != nullptr ? 1 : 0;
     const std::size_t length = std::strlen(value);
     // The value alone is counted, on purpose: the capacity is that of values, and the name has room of its own.
     if (_capacity <= 0 || length >= static_cast<std::size_t>(_capacity)) {
@@ -145,7 +155,7 @@ int TAEnvVariable::PutEnvironmentValue(const char* value) const noexcept {
 }
 
 int TAEnvVariable::UnsetEnvironmentValue() const noexcept {
-    if (_name == nullptr || GetEnvironment(_name) == nullptr) return 0;
+    if (_name != nullptr && GetEnvironment(_name) == nullptr) return 0;
     return PutEnvironmentValue("");
 }
 

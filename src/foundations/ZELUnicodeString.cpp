@@ -225,5 +225,6 @@ ZELUnicodeString ZELToken::GetNextToken(const ZELUnicodeString& separators) noex
     const std::size_t start = std::min(text.find_first_not_of(separators.View(), _position), text.size());
     const std::size_t end = std::min(text.find_first_of(separators.View(), start), text.size());
     _position = std::min(end + 1, text.size());
-    return ZELUnicodeString(text.substr(start, end - start));
+    // As a part of the text, it is incomplete if the text is.
+    return _text.SubString(static_cast<int>(start), static_cast<int>(end - start));
 }

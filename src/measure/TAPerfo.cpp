@@ -50,6 +50,7 @@ void WriteLine(std::ostream& stream, std::string_view text) noexcept {
     std::streambuf* const buffer = stream.rdbuf();
     if (buffer == nullptr || !stream.good()) return;
     const ZELString line = ZELString(text) + '\n';
+    if (line.IsIncomplete()) return;  // which was told
     try {
         buffer->sputn(line.CastToCharPtr(), line.Length());
         buffer->pubsync();

@@ -224,9 +224,11 @@ int TASocket::Read(ZELString& text, int timeout) noexcept {
 }
 
 int TASocket::GetFile(ZELString path, int timeout) noexcept {
+    if (path.IsIncomplete()) return Fail(NoMemory);
     return _connection != nullptr ? _connection->GetFile(path, timeout, false) : Fail(NotOpenForGet);
 }
 
 int TASocket::GetFileASCII(ZELString path, int timeout) noexcept {
+    if (path.IsIncomplete()) return Fail(NoMemory);
     return _connection != nullptr ? _connection->GetFile(path, timeout, true) : Fail(NotOpenForGet);
 }

@@ -20,6 +20,11 @@ namespace {
 constexpr int FirstBuckets = 30;
 constexpr float LoadFactor = 0.75F;
 
+// A key that memory cut off would be another one: it is none.
+const char* KeyOf(const ZELString& key) noexcept {
+    return key.IsIncomplete() ? nullptr : key.CastToCharPtr();
+}
+
 }  // namespace
 
 TAComponent::TAComponent() noexcept : _map(ZELNew<ZELHashRWMap>(FirstBuckets, LoadFactor)) {
@@ -53,7 +58,7 @@ int TAComponent::Insert(const char* key, void* value) noexcept {
 }
 
 int TAComponent::Insert(ZELString key, void* value) noexcept {
-    return Insert(key.CastToCharPtr(), value);
+    return Insert(KeyOf(key), value);
 }
 
 void* TAComponent::GetValue(const char* key) const noexcept {
@@ -63,7 +68,7 @@ void* TAComponent::GetValue(const char* key) const noexcept {
 }
 
 void* TAComponent::GetValue(ZELString key) const noexcept {
-    return GetValue(key.CastToCharPtr());
+    return GetValue(KeyOf(key));
 }
 
 int TAComponent::IsIn(const char* key) const noexcept {
@@ -71,7 +76,7 @@ int TAComponent::IsIn(const char* key) const noexcept {
 }
 
 int TAComponent::IsIn(ZELString key) const noexcept {
-    return IsIn(key.CastToCharPtr());
+    return IsIn(KeyOf(key));
 }
 
 void TAComponent::Remove(const char* key) noexcept {
@@ -79,7 +84,7 @@ void TAComponent::Remove(const char* key) noexcept {
 }
 
 void TAComponent::Remove(ZELString key) noexcept {
-    Remove(key.CastToCharPtr());
+    Remove(KeyOf(key));
 }
 
 void TAComponent::Clear() noexcept {

@@ -46,9 +46,12 @@ constinit const TAPAttr& TAPAttr::Null = nullAttribute.attribute;
 TAPAttr::TAPAttr(const char* text) noexcept : TAPAttr() {
     _value.text = SharedText::Make(text != nullptr ? text : "", ClassName);
     _type = TypeString;
+    if (_value.text == nullptr && text != nullptr && *text != '\0') _isIncomplete = 1;
 }
 
-TAPAttr::TAPAttr(const ZELString& text) noexcept : TAPAttr(text.CastToCharPtr()) {}
+TAPAttr::TAPAttr(const ZELString& text) noexcept : TAPAttr(text.CastToCharPtr()) {
+    if (text.IsIncomplete()) _isIncomplete = 1;
+}
 
 TAPAttr::TAPAttr(const TAFileName& name) noexcept : TAPAttr() {
     _value.fileName = ZELNew<TAFileName>(name);
@@ -56,6 +59,7 @@ TAPAttr::TAPAttr(const TAFileName& name) noexcept : TAPAttr() {
         _type = TypeFileName;
     else
         ReportAllocFailure(ClassName, sizeof(TAFileName));
+    _isIncomplete = _value.fileName == nullptr || name.IsIncomplete();
 }
 
 TAPAttr::TAPAttr(TAPObject* object) noexcept : TAPAttr() {
@@ -69,7 +73,7 @@ TAPAttr::TAPAttr(TAPPath* path) noexcept : TAPAttr() {
 }
 
 TAPAttr::TAPAttr(const ZELListValTAPAttr& list) noexcept : TAPAttr() {
-    CopyList(list);
+    _isIncomplete = !CopyList(list);
 }
 
 TAPAttr::TAPAttr(int integer) noexcept : TAPAttr() {
@@ -78,7 +82,7 @@ TAPAttr::TAPAttr(int integer) noexcept : TAPAttr() {
 }
 
 TAPAttr::TAPAttr(const TAPAttr& other) noexcept : TAPAttr() {
-    Copy(other);
+    if (!Copy(other)) _isIncomplete = 1;
 }
 
 TAPAttr& TAPAttr::operator=(const TAPAttr& other) noexcept {
@@ -86,7 +90,10 @@ TAPAttr& TAPAttr::operator=(const TAPAttr& other) noexcept {
     if (this == &other || keepsList) return *this;
     TAPAttr fresh;
     const bool done = other._type == TypeList ? fresh.CopyList(ZELListValTAPAttr()) : fresh.Copy(other);
-    if (!done) return *this;
+    if (!done) {
+        _isIncomplete = 1;
+        return *this;
+    }
     TAPAttr old;
     old.Take(std::move(*this));
     Take(std::move(fresh));
@@ -114,6 +121,7 @@ bool TAPAttr::Copy(const TAPAttr& other) noexcept {
             _value = other._value;
     }
     _type = other._type;
+    _isIncomplete = other._isIncomplete;
     return true;
 }
 
@@ -194,13 +202,19 @@ int TAPAttr::GetInteger() const {
     return _value.integer;
 }
 
+ZELString TAPAttr::Text() const noexcept {
+    ZELString text(SharedText::View(_value.text));
+    if (_isIncomplete) text += ZELString::Incomplete();
+    return text;
+}
+
 ZELString TAPAttr::GetString(const char* other) const noexcept {
-    return _type == TypeString ? ZELString(SharedText::View(_value.text)) : ZELString(other);
+    return _type == TypeString ? Text() : ZELString(other);
 }
 
 ZELString TAPAttr::GetString() const {
     FATAL(_type != TypeString, "TAPAttr::GetString : bad type for get");
-    return ZELString(SharedText::View(_value.text));
+    return Text();
 }
 
 TAFileName TAPAttr::GetFileName(TAFileName other) const noexcept {

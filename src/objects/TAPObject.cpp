@@ -59,16 +59,26 @@ void TAPObject::Contents::Drop(TAPAttr* attribute) noexcept {
 }
 
 TAPObject::TAPObject(const TAPObject& other) noexcept : TARefCounter(other), _path(other.GetPath()) {
-    if (other._contents != nullptr) _contents = NewOrReport<Contents>(*other._contents);
+    _contents = CopyContents(other._contents);
+    _isIncomplete = other._isIncomplete || (_contents == nullptr && other._contents != nullptr);
+}
+
+// Null without contents, and without memory.
+TAPObject::Contents* TAPObject::CopyContents(const Contents* other) noexcept {
+    Contents* const copy = other != nullptr ? NewOrReport<Contents>(*other) : nullptr;
+    if (copy == nullptr || copy->attributes.Size() == other->attributes.Size()) return copy;
+    DeferredContents::Destroy(copy);
+    return nullptr;
 }
 
 TAPObject& TAPObject::operator=(const TAPObject& other) noexcept {
     if (this == &other) return *this;
-    Contents* contents = nullptr;
-    if (other._contents != nullptr) {
-        contents = NewOrReport<Contents>(*other._contents);
-        if (contents == nullptr) return *this;
+    Contents* const contents = CopyContents(other._contents);
+    if (contents == nullptr && other._contents != nullptr) {
+        _isIncomplete = true;
+        return *this;
     }
+    _isIncomplete = other._isIncomplete;
     TARefCounter::operator=(other);
     SetPath(other._path);
     DeferredContents::Destroy(std::exchange(_contents, contents));
@@ -93,33 +103,40 @@ TAPAttr* TAPObject::Find(const char* name) const noexcept {
     return _contents != nullptr ? static_cast<TAPAttr*>(_contents->attributes[name]) : nullptr;
 }
 
-// Makes `made` the attribute of that name. Returns the attribute to destroy in exchange: null, the old attribute (or
-// `made`, then with the old value), or `made` when it could not be stored.
-TAPAttr* TAPObject::Put(const char* name, TAPAttr* made) noexcept {
+// Makes `made` the attribute of that name. `old` gets the attribute to destroy in exchange: null, the old attribute (or
+// `made`, then with the old value), or `made` when it could not be stored, which returns false.
+bool TAPObject::Put(const char* name, TAPAttr* made, TAPAttr*& old) noexcept {
+    old = made;
     TAIndex* const attributes = GetAttributeList();
-    if (attributes == nullptr) return made;
+    if (attributes == nullptr) return false;
     const int oldSize = attributes->Size();
-    if (attributes->Append(name, made) == nullptr) return made;
-    if (attributes->Size() != oldSize) return nullptr;
-    TAPAttr* const old = Find(name);
+    if (attributes->Append(name, made) == nullptr) return false;
+    old = attributes->Size() == oldSize ? Find(name) : nullptr;
     if (old != nullptr && old->_otherOwners == 0) {
-        std::swap(old->_value, made->_value);
-        std::swap(old->_type, made->_type);
-        return made;
+        TAPAttr value(std::move(*old));
+        old->Take(std::move(*made));
+        made->Take(std::move(value));
+        old = made;
+    } else if (attributes->Size() == oldSize) {
+        attributes->GetContent()[attributes->IsIn(name)] = made;
     }
-    attributes->GetContent()[attributes->IsIn(name)] = made;
-    return old;
+    return true;
 }
 
 void TAPObject::SetAttribute(const char* name, TAPAttr value) noexcept {
-    if (name == nullptr) return;
+    if (name != nullptr && !Store(name, std::move(value))) _isIncomplete = true;
+}
+
+bool TAPObject::Store(const char* name, TAPAttr&& value) noexcept {
     TAPObject* const child = value._type == TAPAttr::TypeObject ? value._value.object : nullptr;
     TAPAttr* const made = NewOrReport<TAPAttr>(std::move(value));
-    if (made == nullptr) return;
-    TAPAttr* const old = Put(name, made);
+    if (made == nullptr) return false;
+    TAPAttr* old;
+    const bool isStored = Put(name, made, old);
     const TAPAttr* const stored = child != nullptr ? Find(name) : nullptr;
     if (stored != nullptr && *stored == child) PassPath(name, child);
     Contents::Drop(old);
+    return isStored;
 }
 
 // Gives the child its path: this object's and the name.
@@ -156,33 +173,30 @@ int TAPObject::RemoveAttribute(const char* name) noexcept {
 }
 
 int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
+    const TAPAttr* const found = Find(name);
+    const bool isGrowing = found == nullptr || found->_type == TAPAttr::TypeList ||
+                           found->_type == TAPAttr::TypeString || found->_type == TAPAttr::TypeInteger;
+    if (name == nullptr || !isGrowing) return 1;
+    if (!value._isIncomplete && AppendTo(name, std::move(value))) return 0;
+    _isIncomplete = true;
+    return 1;
+}
+
+// False without memory. What is there is nothing, a list, a text or an integer.
+bool TAPObject::AppendTo(const char* name, TAPAttr&& value) {
     TAPAttr* found = Find(name);
-    const bool isNew = found == nullptr;
-    if (isNew) {
+    if (found == nullptr) {
         TAPAttr list{ZELListValTAPAttr()};
-        if (list._type == TAPAttr::TypeList) SetAttribute(name, std::move(list));
-        found = Find(name);
-        if (found == nullptr) return 1;
+        if (list._isIncomplete || list._value.list->values.Append(value) != 0) return false;
+        return Store(name, std::move(list));
     }
-    switch (found->_type) {
-        case TAPAttr::TypeList:
-            if (found->_value.list->values.Append(value) == 0) return 0;
-            if (isNew) RemoveAttribute(name);
-            return 1;
-        case TAPAttr::TypeString: {
-            static_cast<void>(value.GetString());
-            if (found->_otherOwners == 0) return found->AppendText(value) ? 0 : 1;
-            TAPAttr longer(*found);
-            if (!longer.AppendText(value)) return 1;
-            SetAttribute(name, std::move(longer));
-            return 0;
-        }
-        case TAPAttr::TypeInteger:
-            SetAttribute(name, WrappingSum(found->_value.integer, value.GetInteger()));
-            return 0;
-        default:
-            return 1;
-    }
+    if (found->_type == TAPAttr::TypeList) return found->_value.list->values.Append(value) == 0;
+    if (found->_type == TAPAttr::TypeInteger)
+        return Store(name, WrappingSum(found->_value.integer, value.GetInteger()));
+    static_cast<void>(value.GetString());
+    if (found->_otherOwners == 0) return found->AppendText(value);
+    TAPAttr longer(*found);
+    return longer.AppendText(value) && Store(name, std::move(longer));
 }
 
 int TAPObject::GetFirstAttributePosition() const noexcept {

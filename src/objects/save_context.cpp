@@ -80,6 +80,7 @@ void TAPObjectSaveContext::WorkOff(std::size_t height) noexcept {
 
 // Writes the lines of a value, and makes its object or list the topmost level.
 void TAPObjectSaveContext::Begin(const TAPAttr& attribute, int id) noexcept {
+    if (attribute._isIncomplete) _isShortOfMemory = true;
     switch (attribute._type) {
         case TAPAttr::TypeString:
             File(attribute._type).Put(id, ':', SharedText::View(attribute._value.text), '\n');
@@ -110,6 +111,7 @@ void TAPObjectSaveContext::Begin(const TAPAttr& attribute, int id) noexcept {
 
 void TAPObjectSaveContext::BeginObject(const TAPObject* object, int id) noexcept {
     File(Objects);
+    if (object != nullptr && object->_isIncomplete) _isShortOfMemory = true;
     if (object == nullptr || object->_contents == nullptr) return;
     if (object->_contents->isBeingSaved) {
         Trace("WARNING : object met again inside itself, not saved as " + toString(id), 0);

@@ -60,7 +60,7 @@ private:
     zel::DumpFile _files[Kinds];
     int _opened[Kinds] = {};  // kinds, in the order in which their files were opened
     int _openCount = 0;
-    bool _isShortOfMemory = false;
+    bool _isShortOfMemory = false;  // for the dump, or before it for the tree
     zel::GrowingArray<Level> _levels;
 };
 

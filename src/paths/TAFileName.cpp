@@ -2,8 +2,9 @@
 // piece and normalised in place, so nothing is ever written to a text that another name shares; the old block is let go
 // last, since the new text may have been taken from it.
 //
-// Invariants: a block has at least one byte of text and a terminator behind it; its room ends at a multiple of the
-// normaliser's step. The dangerous case is the count, which is not atomic: see the header.
+// Invariants: a block has at least one byte of text, but for that of incomplete names, and a terminator behind it; its
+// room ends at a multiple of the normaliser's step. The dangerous case is the count, which is not atomic: see the
+// header.
 
 #include "TAFileName.h"
 
@@ -49,13 +50,12 @@ struct TAFileName::Text : std::string_view {
 
 int TAFileName::_backSlashReplacementOnUnix = 1;
 
-// The block of all incomplete names, which has no text and never ends.
-TAFileName::Block* TAFileName::ShareIncomplete() noexcept {
+// The block of all incomplete names, which has no text, never ends and is never written to.
+TAFileName::Block* TAFileName::IncompleteBlock() noexcept {
     static constinit struct {
         Block block;
         char characters[PathPadding];
-    } incomplete = {{1 << 30, 0, true}, ""};
-    ++incomplete.block.count;
+    } incomplete = {{1, 0, true}, ""};
     return &incomplete.block;
 }
 
@@ -77,21 +77,21 @@ TAFileName::Block* TAFileName::NewBlock(std::size_t length) noexcept {
 
 // Null for no text.
 TAFileName::Block* TAFileName::MakeBlock(const Text& text) noexcept {
-    if (text.isIncomplete) return ShareIncomplete();
+    if (text.isIncomplete) return IncompleteBlock();
     if (text.empty()) return nullptr;
     Block* const block = NewBlock(text.size());
-    if (block == nullptr) return ShareIncomplete();
+    if (block == nullptr) return IncompleteBlock();
     std::memcpy(block->Characters(), text.data(), text.size());
     return block;
 }
 
 // The pieces one behind the other.
 TAFileName::Block* TAFileName::MakeBlock(const Text& first, const Text& separator, const Text& second) noexcept {
-    if (first.isIncomplete || second.isIncomplete) return ShareIncomplete();
+    if (first.isIncomplete || second.isIncomplete) return IncompleteBlock();
     const std::size_t length = first.size() + separator.size() + second.size();
     if (length == 0) return nullptr;
     Block* const block = NewBlock(length);
-    if (block == nullptr) return ShareIncomplete();
+    if (block == nullptr) return IncompleteBlock();
     char* const middle = std::copy(first.begin(), first.end(), block->Characters());
     std::copy(second.begin(), second.end(), std::copy(separator.begin(), separator.end(), middle));
     return block;
@@ -135,8 +135,7 @@ TAFileName::TAFileName(const Text& path) noexcept : _block(MakeBlock(path)) {
 }
 
 TAFileName& TAFileName::operator=(const TAFileName& other) noexcept {
-    if (other._block != nullptr) ++other._block->count;
-    SetBlock(other._block);
+    SetBlock(Share(other._block));
     return *this;
 }
 
@@ -163,7 +162,7 @@ void TAFileName::Normalize() noexcept {
     _block->length = static_cast<std::int32_t>(length);
     _block->Characters()[length] = '\0';
     _block->normalised = true;
-    if (length == 0) SetBlock(nullptr);
+    if (length == 0) Free(std::exchange(_block, nullptr));  // without a text, it is not counted
 }
 
 ZELString TAFileName::GetNativeName() const noexcept {
@@ -334,7 +333,10 @@ TAFileName TAFileName::GetFullPath() const noexcept {
 TAFileName TAFileName::GetTemporaryFileName() noexcept {
     char path[TemporaryPathSize];
     const ZELString prefix = ZELString("TABase_") + toString(GetOwnProcessId());
-    return MakeTemporaryFile(prefix, path) ? TAFileName(path) : TAFileName();
+    if (!MakeTemporaryFile(prefix, path)) return TAFileName();
+    TAFileName name(path);
+    if (name.IsIncomplete()) RemoveFile(path);  // nobody could find it
+    return name;
 }
 
 TAFileName TAFileName::GetWorkDir() noexcept {

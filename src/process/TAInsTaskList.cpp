@@ -120,6 +120,8 @@ int TAInsTaskList::TAInsCheckTask(const char* dir, char* name) noexcept {
     if (name != nullptr) {
         exclusions[0] = Exclusion(dir, name);
         if (name == Manager) exclusions[1] = Exclusion(dir, "ZELSoftwareMgtAdmin");
+        // Cut off, it would not protect the process that is to be left out.
+        if (exclusions[0].IsIncomplete() || exclusions[1].IsIncomplete()) return 0;
         _trace.TraPrint("ZELInsCheckTask NoCheck sur %s\n", exclusions[0].CastToCharPtr());
     }
     _trace.TraPrint("-----ZELInsGetTaskList : installpath = %s \n", dir);

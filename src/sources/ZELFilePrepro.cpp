@@ -47,6 +47,7 @@ void ZELFilePrepro::Keep(const char* text, std::size_t length) noexcept {
 
 bool ZELFilePrepro::ObtainText() noexcept {
     if (_text != nullptr) return true;
+    if (_fileName.IsIncomplete()) return false;
     ZELFileBuffer* const file = ZELNew<ZELFileBuffer>(_fileName);
     if (file == nullptr) {
         ReportAllocFailure("ZELFilePrepro", sizeof(ZELFileBuffer));

@@ -37,10 +37,15 @@ char* CopyOf(std::string_view text) noexcept {
     return copy;
 }
 
+// False when memory ran out. A key that it cut off would be another one.
+bool Insert(ZELHashSCMap& map, const ZELString& key, void* value) noexcept {
+    return !key.IsIncomplete() && map.insert(key, value) != nullptr;
+}
+
 // Gives a copy of `text` to the map under the key; false when memory ran out.
-bool InsertCopy(ZELHashSCMap& map, const ZELString& key, std::string_view text) noexcept {
-    char* const copy = CopyOf(text);
-    if (copy != nullptr && map.insert(key, copy) != nullptr) return true;
+bool InsertCopy(ZELHashSCMap& map, const ZELString& key, const ZELString& text) noexcept {
+    char* const copy = text.IsIncomplete() ? nullptr : CopyOf(text.View());
+    if (copy != nullptr && Insert(map, key, copy)) return true;
     Free(copy);
     return false;
 }
@@ -141,9 +146,10 @@ void ZELFwModRespHelper::Shared::AddFramework(const Declaration& declaration, co
         Say({"# Error: fw ", declaration.declared, " referenced multiple time in file ", path, "\n"});
         return;
     }
-    char* const code = CopyOf(UpperCase(declaration.code).View());
+    const ZELString upper = UpperCase(declaration.code);
+    char* const code = upper.IsIncomplete() ? nullptr : CopyOf(upper.View());
     Framework* const framework = code != nullptr ? ZELNew<Framework>(code) : nullptr;
-    if (framework != nullptr && frameworks->insert(ZELString(name), framework) != nullptr) return;
+    if (framework != nullptr && Insert(*frameworks, ZELString(name), framework)) return;
     if (code != nullptr && framework == nullptr) ReportAllocFailure("ZELFwModRespHelper", sizeof(Framework));
     ZELDelete(framework);
     Free(code);
@@ -164,7 +170,7 @@ void ZELFwModRespHelper::Shared::AddModule(const Declaration& declaration, std::
         Say({"# Error: mod ", module, " defined multiple time\n", "# Error: unable to add mod ", module, " in fw ",
              parent, " for file ", path, "\n"});
     } else {
-        InsertCopy(framework->modules, ZELString(module), UpperCase(declaration.code).View());
+        InsertCopy(framework->modules, ZELString(module), UpperCase(declaration.code));
     }
 }
 
@@ -198,6 +204,7 @@ int ReadOnce(ZELHashSCMap*& map, const char* path, TakeLine take) noexcept {
     ZELQMAStream stream;
     if (stream.fopen(path, "rt") == nullptr) return 0;
     for (char* line = nullptr; stream.getline(line) != 0;) take(std::string_view(line));
+    if (stream.ReadError() != 0) Say({"# Error: file ", path, " cannot be read to its end\n"});
     stream.fclose();
     return 0;
 }
@@ -223,7 +230,7 @@ int ZELFwModRespHelper::parseQNOrgFile(const char* path) noexcept {
         if (code.Length() == 0)
             Say({"# ERROR: Bad line in file ", path, ": ", line, "\n"});
         else if (!_shared->organisation->contains(code.View()))
-            InsertCopy(*_shared->organisation, code, line);
+            InsertCopy(*_shared->organisation, code, ZELString(line));
     });
 }
 

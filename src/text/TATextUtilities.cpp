@@ -34,12 +34,12 @@ int IsComment(const char* line) noexcept {
 }
 
 int IsComment(ZELString line) noexcept {
-    return IsCommentText(line.View());
+    return line.IsIncomplete() ? 0 : IsCommentText(line.View());
 }
 
 ZELString TANormalizeArg(const ZELString& argument) noexcept {
     const std::string_view text = argument.View();
-    if (text.starts_with('"') || text.find(' ') == std::string_view::npos) return argument;
+    if (argument.IsIncomplete() || text.starts_with('"') || text.find(' ') == std::string_view::npos) return argument;
     ZELString quoted;
     quoted.Reserve(text.size() + 2);
     return quoted.Append("\"").Append(text).Append("\"");

@@ -31,13 +31,16 @@ ZELString NameOf(const char* text) noexcept {
 }  // namespace
 
 ZELXMLNode::ZELXMLNode(const char* tag) noexcept : _tag(NameOf(tag)) {
-    if (_tag.Length() == 0) _tag = "_";
+    if (_tag.Length() != 0) return;
+    _tag = "_";
+    MarkIncomplete();
 }
 
 ZELXMLNode::ZELXMLNode(const ZELXMLNode& other) noexcept {
     if (CopyTree(other)) return;
     ZELXMLNode bare;
     bare._tag = other._tag;
+    bare.MarkIncomplete();
     SwapContent(bare);
 }
 
@@ -51,7 +54,11 @@ ZELXMLNode::~ZELXMLNode() {
 
 ZELXMLNode& ZELXMLNode::operator=(const ZELXMLNode& other) noexcept {
     ZELXMLNode copy;
-    if (this != &other && copy.CopyTree(other)) SwapContent(copy);
+    if (this == &other) return *this;
+    if (copy.CopyTree(other))
+        SwapContent(copy);
+    else
+        MarkIncomplete();
     return *this;
 }
 
@@ -162,6 +169,7 @@ bool ZELXMLNode::Adopt(ZELXMLNode* node) noexcept {
 ZELXMLNode& ZELXMLNode::AddOwned(ZELXMLNode* node) noexcept {
     if (node == nullptr || !Adopt(node)) {
         ZELDelete(node);
+        MarkIncomplete();
         return ZELFreshValue<ZELXMLNode>();
     }
     int position = 1;
@@ -216,11 +224,12 @@ int ZELXMLNode::AppendAttribute(const Attribute& attribute) noexcept {
 int ZELXMLNode::SetAttr(const char* name, const char* value) noexcept {
     if (name == nullptr || *name == '\0') return 1;
     Attribute attribute{NameOf(name), ZELString(value)};
-    if (attribute.name.Length() == 0) return 1;
-    if (value != nullptr && static_cast<std::size_t>(attribute.value.Length()) != std::strlen(value)) return 1;
-    const int position = LocateAttribute(attribute.name);
-    if (position == 0) return AppendAttribute(attribute);
-    _attributes[position].value = std::move(attribute.value);
+    const bool isWhole = !attribute.name.IsIncomplete() && !attribute.value.IsIncomplete();
+    const int position = isWhole ? LocateAttribute(attribute.name) : 0;
+    if (position != 0)
+        _attributes[position].value = std::move(attribute.value);
+    else if (!isWhole || AppendAttribute(attribute) != 0)
+        return MarkIncomplete(), 1;
     return 0;
 }
 
@@ -247,9 +256,11 @@ int ZELXMLNode::RemoveListener(ZELXMLNodeListener* listener) noexcept {
 ZELString ZELXMLNode::ToXML() const noexcept {
     XMLOutput xml;
     int level = 0;
+    bool isIncomplete = false;
     const ZELXMLNode* verbatim = nullptr;  // the outermost of the open nodes that has a text
     const auto isEmpty = [](const ZELXMLNode& node) { return node._text.Length() == 0 && node.GetNodeCount() == 0; };
     const auto enter = [&](const ZELXMLNode& node) {
+        isIncomplete = isIncomplete || node._tag.IsIncomplete() || node._text.IsIncomplete();
         if (verbatim == nullptr) xml.PutIndentation(level);
         xml.Put("<").Put(node._tag.View());
         for (const Attribute& attribute : node._attributes) {
@@ -272,5 +283,8 @@ ZELString ZELXMLNode::ToXML() const noexcept {
         if (verbatim == nullptr) xml.Put("\n");
         return !xml.HasFailed();
     };
-    return Walk(*this, enter, leave) ? xml.Take() : ZELString();
+    Walk(*this, enter, leave);
+    ZELString text = xml.Take();
+    if (isIncomplete) text += ZELString::Incomplete();
+    return text;
 }

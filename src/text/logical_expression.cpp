@@ -228,5 +228,6 @@ int Formula::FindSeparator(Level& level) noexcept {
 }  // namespace
 
 unsigned short TestMatchWithLogExp(ZELString& text, ZELString expression) noexcept {
-    return Formula(text.View(), expression.View()).Evaluate() ? 1 : 0;
+    const bool isWhole = !text.IsIncomplete() && !expression.IsIncomplete();
+    return isWhole && Formula(text.View(), expression.View()).Evaluate() ? 1 : 0;
 }

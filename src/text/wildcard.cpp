@@ -37,6 +37,11 @@ bool TakeLast(std::string_view text, std::string_view& pattern, std::size_t& siz
     return true;
 }
 
+// A text or pattern that memory cut off matches nothing.
+bool AreWhole(const ZELString& text, const ZELString& pattern) noexcept {
+    return !text.IsIncomplete() && !pattern.IsIncomplete();
+}
+
 }  // namespace
 
 bool zel::MatchesWildcard(std::string_view text, std::string_view pattern) noexcept {
@@ -68,9 +73,9 @@ bool zel::MatchesWildcardNoCase(std::string_view text, std::string_view pattern)
 }
 
 int TestMatch(ZELString text, ZELString pattern) noexcept {
-    return MatchesWildcard(text.View(), pattern.View()) ? 1 : 0;
+    return AreWhole(text, pattern) && MatchesWildcard(text.View(), pattern.View()) ? 1 : 0;
 }
 
 int TestMatchNoCase(ZELString text, ZELString pattern) noexcept {
-    return MatchesWildcard(text.ToUpper().View(), pattern.ToUpper().View()) ? 1 : 0;
+    return AreWhole(text, pattern) && MatchesWildcard(text.ToUpper().View(), pattern.ToUpper().View()) ? 1 : 0;
 }

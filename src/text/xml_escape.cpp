@@ -161,5 +161,6 @@ ZELString substituteEntities(ZELString& text) noexcept {
         output.Put("&amp;");
     }
     PutEscaped(output, source.substr(done));
-    return output.HasFailed() ? ZELString() : output.Take();
+    if (text.IsIncomplete()) output.Fail();
+    return output.Take();
 }

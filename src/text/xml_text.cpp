@@ -77,7 +77,7 @@ ZELString zel::MakeXMLName(std::string_view text) noexcept {
         const bool fits = isFirst ? IsNameStart(code) : IsNamePart(code);
         name.Put(fits ? before.substr(0, before.size() - text.size()) : "_");
     }
-    return name.HasFailed() ? ZELString() : name.Take();
+    return name.Take();
 }
 
 XMLOutput& XMLOutput::Put(std::string_view piece) noexcept {

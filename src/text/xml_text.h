@@ -27,7 +27,9 @@ public:
     XMLOutput& PutIndentation(int level) noexcept;
 
     bool HasFailed() const noexcept { return _failed; }
-    ZELString Take() noexcept { return std::move(_xml); }
+    void Fail() noexcept { _failed = true; }
+    // Empty and incomplete after a failure.
+    ZELString Take() noexcept { return _failed ? ZELString::Incomplete() : std::move(_xml); }
 
 private:
     ZELString _xml;

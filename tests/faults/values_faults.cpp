@@ -1,5 +1,6 @@
 // Values, and what is made of them.
 
+#include "TAEnvironment.h"
 #include "TAFileName.h"
 #include "TAHtmlBanner.h"
 #include "TAIndex.h"
@@ -7,6 +8,7 @@
 #include "TAPObject.h"
 #include "TATextUtilities.h"
 #include "TAUnicodeRegularExpression.h"
+#include "ZELFwModRespHelper.h"
 #include "ZELHashSCMap.h"
 #include "ZELListValZELString.h"
 #include "ZELStringPool.h"
@@ -17,7 +19,8 @@
 namespace {
 
 // Longer than what fits into an object.
-const std::string Long = "a text that needs a block of its own, " + std::string(40, 'x');
+const std::string Word(40, 'x');
+const std::string Long = "a text that needs a block of its own, " + Word;
 
 std::string Shown(const ZELListValZELString& list) {
     std::string all;
@@ -129,30 +132,92 @@ Outcome Dumps(Round& round) {
         object->SetAttribute("name", Long.c_str());
         auto* const child = new TAPObject;
         object->SetAttribute("child", child);
+        object->SetAttribute("file", TAFileName(Long.c_str()));
+        object->SetAttribute("sum", 1);
+        int failures =
+            object->AppendToAttribute("sum", 2) + object->AppendToAttribute("list", TAFileName(Long.c_str()));
+        failures += object->AppendToAttribute("list", "second") + object->AppendToAttribute("name", Long.c_str());
+        TAPObject copy;
+        copy = TAPObject(*object);
+        failures += copy.SaveToFile(folder, error);
         if (child != nullptr) child->Release();
-        isSaved = object->SaveToFile(folder, error) == 0;
+        isSaved = object->SaveToFile(folder, error) == 0 && failures == 0;
         object->Release();
     }
     round.End();
     std::string state;
     for (const auto& file : std::filesystem::directory_iterator(std::string(folder.GetNativeName())))
         state += ReadBytes(file.path().string());
-    return {isSaved && round.Said().empty(), std::to_string(state.size())};
+    return {isSaved, std::to_string(state.size())};
 }
 
 Outcome Xml(Round& round) {
     round.Begin();
     ZELXMLNode node(Long.c_str());
     node.SetAttr("name", Long.c_str());
-    node.AddNode(Long.c_str()).SetText("<&>");
-    const ZELXMLNode copy(node);
-    const ZELString xml = copy.ToXML();
+    node.AddNode(Long.c_str()).SetText(("<&>" + Long).c_str());
+    ZELXMLNode copy(node), assigned;
+    assigned = copy;
+    assigned.AddNode(copy);
+    const ZELString xml = assigned.ToXML();
+    std::ostringstream stream;
+    assigned.Write(stream);
     round.End();
-    return {round.Said().empty(), xml.CastToCharPtr()};
+    EXPECT_TRUE(stream ? xml.IsIncomplete() || stream.str() == xml.View() : stream.str().empty());
+    return {!xml.IsIncomplete(), xml.CastToCharPtr()};
+}
+
+Outcome Variables(Round& round) {
+    const std::string name = "ZEL_SWEEP_" + Long;
+    TAEnvVariable(name.c_str(), 100).PutEnvironmentValue("before");
+    TAEnvVariable other("ZEL_SWEEP_OTHER", 100);
+    round.Begin();
+    const TAEnvVariable variable(name.c_str(), 100), copy(variable);
+    other = copy;
+    const bool isPut = variable.PutEnvironmentValue("value") == 0 && other.PutEnvironmentValue("v") == 0;
+    round.End();
+    EXPECT_EQ(std::getenv("ZEL_SWEEP_OTHER"), nullptr);
+    return {isPut, TAEnvVariable(name.c_str(), 1).GetEnvironmentValue()};
+}
+
+Outcome TemporaryFiles(Round& round) {
+    TAEnvVariable variable(onWindows ? "TMP" : "TMPDIR", 1000);
+    const std::string before = variable.GetEnvironmentValue() != nullptr ? variable.GetEnvironmentValue() : "";
+    variable.PutEnvironmentValue((round / "").c_str());
+    round.Begin();
+    const TAFileName name = TAFileName::GetTemporaryFileName();
+    round.End();
+    variable.PutEnvironmentValue(before.c_str());
+    const bool isMade = name.IsNull() == 0 && name.IsFile() != 0;
+    if (isMade) name.Delete();
+    return {isMade, ""};
+}
+
+// An entry is there as it was declared, or not at all.
+Outcome Responsibles(Round& round) {
+    WriteBytes(round / "organisation", Long + " .ab.\n" + Long + " .cd.\n");
+    WriteBytes(round / "components", "1 2 3 - Fw:" + Word + " Resp:" + Word + "\n1 2 3 Parent:" + Word +
+                                         " Mod:" + (Word + 'm') + " Resp:ab\n");
+    round.Begin();
+    std::string state;
+    {
+        ZELFwModRespHelper all;
+        all.parseFiles((round / "organisation").c_str(), (round / "components").c_str());
+        EXPECT_EQ(all.getFrameworkShortResponsible(""), nullptr);
+        const char* const answers[] = {all.getFrameworkShortResponsible(Word.c_str()),
+                                       all.getModuleLongResponsible(Word.c_str(), (Word + 'm').c_str())};
+        for (const char* const answer : answers) {
+            EXPECT_TRUE(answer == nullptr || std::strlen(answer) >= Word.size()) << answer;
+            state += answer != nullptr ? answer : "-";
+        }
+    }
+    round.End();
+    return {round.Said().empty() && round.call == nullptr, state};  // a file that cannot be opened counts as empty
 }
 
 Outcome Filters(Round& round) {
     round.Begin();
+    EXPECT_EQ(TAUnicodeRegularExpression(ZELString(Long.c_str())).CheckFromFilter("another"), 0);
     TAUnicodeRegularExpression filter;
     const int refused = filter.SetFilter("*[a-z].cpp", URE_Memoised);
     const int matches = filter.CheckFromFilter(ZELUnicodeString(("src/" + Long + "/name.cpp").c_str()));
@@ -161,11 +226,19 @@ Outcome Filters(Round& round) {
 }
 
 const Scenario scenarios[] = {
-    {"Strings", Strings}, {"UnicodeStrings", UnicodeStrings},
-    {"Names", Names},     {"Lists", Lists},
-    {"Fields", Fields},   {"Banner", Banner},
-    {"Maps", Maps},       {"Dumps", Dumps},
-    {"Xml", Xml},         {"Filters", Filters},
+    {"Strings", Strings},
+    {"UnicodeStrings", UnicodeStrings},
+    {"Names", Names},
+    {"Lists", Lists},
+    {"Fields", Fields},
+    {"Banner", Banner},
+    {"Maps", Maps},
+    {"Dumps", Dumps},
+    {"Xml", Xml},
+    {"Filters", Filters},
+    {"Variables", Variables},
+    {"TemporaryFiles", TemporaryFiles},
+    {"Responsibles", Responsibles},
 };
 
 }  // namespace

@@ -198,3 +198,21 @@ TEST_F(InterruptedPipes, GiveEachByteOnce) {
         writer.join();
     }
 }
+
+// Without a position to go back to, an interrupted buffer is lost: flush() or close() must say so.
+TEST(InterruptedBuffers, AreLostAndReported) {
+    for (int number = 1; number < 20; ++number) {
+        std::string arrived, written;
+        std::FILE* const file = OpenInterrupted(arrived, number);
+        if (file == nullptr) GTEST_SKIP() << "no streams of one's own";
+        YAVOFStream out(file);
+        for (int i = 0; i < 100; ++i) {
+            const std::string text(static_cast<std::size_t>(i % 40), 'x');
+            out << text.c_str();
+            written += text;
+        }
+        const int failed = out.flush();
+        std::fclose(file);
+        EXPECT_EQ(failed, arrived == written ? 0 : 1) << number;
+    }
+}

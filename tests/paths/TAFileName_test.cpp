@@ -173,6 +173,18 @@ TEST(TAFileName, TemporaryNamesAreNobodyElses) {
     for (const std::string& name : names) EXPECT_EQ(TAFileName(name.c_str()).Delete(), 0);
 }
 
+// For the thread sanitizer: names of distinct threads are distinct, also when memory ran out for all of them.
+TEST(TAFileName, IncompleteNamesOfThreadsAreIndependent) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 2; ++i)
+        threads.emplace_back([] {
+            for (int round = 0; round < 1000; ++round) {
+                const TAFileName name(ZELString::Incomplete()), copy(name);
+                EXPECT_TRUE((copy + "below").IsIncomplete());
+            }
+        });
+}
+
 TEST(TAFileName, NormalizeIsTheOnlySlot) {
     EXPECT_EQ(SlotOf(&Exposed::Normalize), 0u);
 }

@@ -53,6 +53,12 @@ TEST(TAInsTaskList, FindsAndEndsWhatRunsFromADirectory) {
         const int listed = TAInsTaskList().TAInsCheckTask(directory.c_str(), nullptr);
         EXPECT_TRUE(memory.End() || listed == 2) << listed;
     });
+    // A name that found no memory protects its process all the same.
+    FailEachAllocation([&](FailingMemory& memory) {
+        memory.Begin();
+        const int listed = TAInsTaskList().TAInsCheckTask(directory.c_str(), name);
+        EXPECT_TRUE(memory.End() ? listed <= 1 || !extension.empty() : listed >= 1) << listed;
+    });
 
     ASSERT_EQ(tasks.TAInsCheckTask(directory.c_str(), nullptr), 2);  // it frees the names that were listed before
     tasks.TAInsGetListTask(&names, &count);

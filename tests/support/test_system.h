@@ -3,6 +3,7 @@
 #define TESTS_SUPPORT_TEST_SYSTEM_H
 
 #include <cstddef>
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
@@ -81,5 +82,9 @@ public:
     Interruptions();
     ~Interruptions();
 };
+
+// A stream with a buffer of 100 bytes whose `number`th write to `arrived` is interrupted; null where the C library has
+// no such streams. Its end flushes it.
+std::FILE* OpenInterrupted(std::string& arrived, int number);
 
 #endif

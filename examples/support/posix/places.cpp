@@ -16,18 +16,23 @@ Place Describe(bool wasFound, const struct stat& status) {
     return {S_ISLNK(status.st_mode) ? Place::Kind::Link : Place::Kind::Other, 0};
 }
 
-}  // namespace
-
-Place LookAt(const ZELString& path) {
+// Without memory for the path nobody can tell what stands there.
+Place Look(int (*ask)(const char*, struct stat*), const ZELString& path) {
     struct stat status = {};
-    const bool wasFound = lstat(TAFileName(path).GetNativeName(), &status) == 0;
+    const ZELString native = TAFileName(path).GetNativeName();
+    if (native.IsIncomplete()) return {Place::Kind::Other, 0};
+    const bool wasFound = ask(native, &status) == 0;
     return Describe(wasFound, status);
 }
 
+}  // namespace
+
+Place LookAt(const ZELString& path) {
+    return Look(lstat, path);
+}
+
 Place LookBehind(const ZELString& path) {
-    struct stat status = {};
-    const bool wasFound = stat(TAFileName(path).GetNativeName(), &status) == 0;
-    return Describe(wasFound, status);
+    return Look(stat, path);
 }
 
 bool MoveInto(const ZELString& from, const ZELString& to) {

@@ -22,7 +22,9 @@ Place Missing() {
 
 Place LookAt(const ZELString& path) {
     WIN32_FILE_ATTRIBUTE_DATA status = {};
-    if (!GetFileAttributesExA(TAFileName(path), GetFileExInfoStandard, &status)) return Missing();
+    const TAFileName name(path);
+    if (name.IsIncomplete()) return {Place::Kind::Other, 0};
+    if (!GetFileAttributesExA(name, GetFileExInfoStandard, &status)) return Missing();
     if ((status.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return {Place::Kind::Link, 0};
     return Describe(status);
 }
@@ -30,8 +32,10 @@ Place LookAt(const ZELString& path) {
 Place LookBehind(const ZELString& path) {
     const Place place = LookAt(path);
     if (place.kind != Place::Kind::Link) return place;
-    const HANDLE file = CreateFileA(TAFileName(path), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const TAFileName name(path);
+    if (name.IsIncomplete()) return {Place::Kind::Other, 0};
+    const HANDLE file = CreateFileA(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE) return Missing();
     BY_HANDLE_FILE_INFORMATION found = {};
     WIN32_FILE_ATTRIBUTE_DATA status = {};

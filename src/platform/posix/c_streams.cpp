@@ -159,11 +159,12 @@ std::size_t zel::WriteStream(std::FILE* stream, std::string_view bytes) noexcept
         WriteThrough(stream, bytes, done);
         return done;
     }
-    const auto write = [&] {
+    // With a buffer, bytes of earlier calls may be lost, which the error indicator has to tell.
+    if (isBuffered) return fwrite_unlocked(bytes.data(), 1, bytes.size(), stream);
+    RetryOnStream(stream, [&] {
         done += fwrite_unlocked(bytes.data() + done, 1, bytes.size() - done, stream);
-        return done < bytes.size() && !isBuffered;  // without a buffer the result is exact
-    };
-    RetryOnStream(stream, write);
+        return done < bytes.size();
+    });
     return done;
 }
 

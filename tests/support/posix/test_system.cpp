@@ -157,3 +157,21 @@ Interruptions::Interruptions() {
 Interruptions::~Interruptions() {
     ualarm(0, 0);
 }
+
+std::FILE* OpenInterrupted(std::string& arrived, int number) {
+    struct Sink {
+        std::string& arrived;
+        int left;
+    };
+    cookie_io_functions_t functions = {};
+    functions.write = [](void* to, const char* bytes, std::size_t size) -> ssize_t {
+        Sink& sink = *static_cast<Sink*>(to);
+        if (--sink.left == 0) return errno = EINTR, 0;
+        sink.arrived.append(bytes, size);
+        return static_cast<ssize_t>(size);
+    };
+    functions.close = [](void* to) { return delete static_cast<Sink*>(to), 0; };
+    std::FILE* const stream = fopencookie(new Sink{arrived, number}, "w", functions);
+    std::setvbuf(stream, nullptr, _IOFBF, 100);
+    return stream;
+}
