@@ -72,7 +72,7 @@ public:
     // The 8-bit text of a TAFileName or a ZELUnicodeString, which takes over that it is incomplete. So do = and +=.
     template <ZELMarkedText Text>
     explicit ZELString(const Text& text) noexcept : ZELString(static_cast<const char*>(text)) {
-        if (text.IsIncomplete() || (_length == 0 && !text.View().empty())) _isIncomplete = 1;
+        if (text.IsIncomplete() || (_length == 0 && !text.View().empty())) _room |= IncompleteBit;
     }
     // A string whose text is inside the object is copied whole, at a fixed size: no test of the length, no loop.
     ZELString(const ZELString& other) noexcept : ZELString() {

@@ -2,6 +2,7 @@
 
 #include "report/dump.h"
 
+#include <cstdlib>
 #include <limits>
 #include <string>
 
@@ -20,7 +21,11 @@ TAPAttr Number(long long number) {
 // An object that its maker fills while it hangs in a list.
 class Node {
 public:
-    Node() : _object(new TAPObject) {}
+    Node() : _object(new TAPObject) {
+        if (_object != nullptr) return;
+        TraceErr("not enough memory for the dump");
+        std::exit(1);
+    }
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
     ~Node() { _object->Release(); }

@@ -142,7 +142,7 @@ int TAProcess::GetProcessTree(ZELListValZELString& list) noexcept {
     DebugPrivilege privilege;
     privilege.Keep();
     ProcessEntries all;
-    if (!ListProcesses(all)) KillAndNote(TheTarget().process, ForcedExitCode);
+    if (!ListProcesses(all) && all.Size() == 0) KillAndNote(TheTarget().process, ForcedExitCode);
     for (const ProcessEntry& entry : all) {
         const ZELString number = toString(entry.self.pid);
         if (list.Locate(number) != 0 || list.Locate(toString(entry.parent)) == 0) continue;
