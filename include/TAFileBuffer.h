@@ -57,7 +57,7 @@ public:
     int GetStatus() noexcept;
     const char* GetName() const noexcept { return _name; }
     // Waits for the text and writes it to `file`, as text, in place of what is there. 0, or 1 when it could not be
-    // written whole, or when there is none to write: then `file` is left alone.
+    // written whole, or when it was not read whole: then `file` is left alone.
     int SaveAs(TAFileName& file) noexcept;
 
     // Lets the reading thread end, at once when it has nothing to read, else as soon as that is so. Does not wait.

@@ -226,7 +226,7 @@ int TAFileBuffer::GetStatus() noexcept {
 
 int TAFileBuffer::SaveAs(TAFileName& file) noexcept {
     AwaitText();
-    if (_text == nullptr) return 1;
+    if (_text == nullptr || !_isWhole) return 1;
     std::FILE* const stream = OpenTextForWriting(file, false);
     if (stream == nullptr) return 1;
     const auto size = static_cast<std::size_t>(_size);
